@@ -1,0 +1,79 @@
+#pragma once
+
+#include "instrument/VisaTypes.h"
+
+#include <QByteArray>
+#include <QString>
+
+// Thin layer over the VISA entry points. Every function returns a VISA status: 0 is success,
+// negative an error, positive a success with a remark. Without a bound VISA function it returns
+// VI_ERROR_LIBRARY_NFOUND and does no more. Nothing here shows a message or throws.
+//
+// Commands go out as they are: each carries its own "\n". Text is in the local 8-bit encoding.
+
+/// Open the default resource manager.
+ViStatus iaOpenDefaultRM(ViSession *resourceManager);
+
+/// Open a session to the instrument that the resource string names; time-out in milliseconds.
+ViStatus iaOpen(ViSession resourceManager, const QString &resource, ViAccessMode accessMode,
+                ViUInt32 timeout, ViSession *session);
+
+/// Close a session.
+ViStatus iaClose(ViSession session);
+
+/// Clear the instrument's input and output (IEEE 488.2 device clear).
+ViStatus iaClear(ViSession session);
+
+/// Write count bytes; returnedCount may be null.
+ViStatus iaWrite(ViSession session, unsigned char *buffer, ViUInt32 count, ViUInt32 *returnedCount);
+
+/// Read at most count bytes; returnedCount may be null.
+ViStatus iaRead(ViSession session, unsigned char *buffer, ViUInt32 count, ViUInt32 *returnedCount);
+
+/// Read at most count bytes into a file, which is replaced; returnedCount may be null.
+ViStatus iaReadToFile(ViSession session, const QString &fileName, ViUInt32 count,
+                      ViUInt32 *returnedCount);
+
+/// Set an attribute of a session.
+ViStatus iaSetAttribute(ViSession session, ViAttr attribute, ViAttrState value);
+
+/// Read an attribute of a session into a variable of the attribute's own width.
+ViStatus iaGetAttribute(ViSession session, ViAttr attribute, void *value);
+
+/// Set the size in bytes of the formatted I/O buffers that the mask names.
+ViStatus iaSetBuf(ViSession session, ViUInt16 mask, ViUInt32 size);
+
+/// Read the status byte (IEEE 488.2 11.2).
+ViStatus iaReadSTB(ViSession session, ViUInt16 *statusByte);
+
+/// Control remote and local state; the modes are those of viGpibControlREN.
+ViStatus iaGpibControlREN(ViSession session, ViUInt16 mode);
+
+/// Fetch VISA's text for a status; the text is set even when VISA reports a failure.
+ViStatus iaStatusDesc(ViSession session, ViStatus status, QString *text);
+
+/// Write a command.
+ViStatus iaPrintf(ViSession session, const QString &command);
+
+/// Write a command and read its reply of at most 20000 bytes, terminator included. Any status
+/// but 0, of the write or of the read, ends the query and leaves the reply as it was.
+ViStatus iaQueryf_s(ViSession session, const QString &command, QString *reply);
+
+/// Write a command and read a number; otherwise as iaQueryf_s(), with 100 bytes.
+ViStatus iaQueryf_f(ViSession session, const QString &command, double *value);
+
+/// Write a command and read a whole number; otherwise as iaQueryf_f().
+ViStatus iaQueryf_i(ViSession session, const QString &command, int *value);
+
+/// Read a character code as decimal text and set the reply to that one character (the code's low
+/// eight bits), whatever the read returned.
+ViStatus iaScanf_s(ViSession session, QString *reply);
+
+/// Read a number of at most 100 bytes; the value is set whatever the read returned.
+ViStatus iaScanf_f(ViSession session, double *value);
+
+/// The text up to and including its first "\n"; empty when it has none.
+QString rstrip(const QString &text);
+
+/// A command as the bytes to write, at least command.size() of them.
+QByteArray commandBytes(const QString &command);

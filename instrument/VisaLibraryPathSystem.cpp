@@ -1,0 +1,6 @@
+#include "instrument/VisaLibraryPath.h"
+
+QString visaLibraryPath()
+{
+    return QStringLiteral(ORVANTA_VISA_LIBRARY);
+}

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstdint>
+
+// The VISA types, constants and prototypes that this program uses, declared from VPP-4.3 and
+// VPP-4.3.2 (the VISA library and its binding to C) for 64-bit systems, where every VISA
+// function follows the platform's C calling convention.
+
+using ViChar = char;
+using ViByte = unsigned char;
+using ViInt32 = std::int32_t;
+using ViUInt16 = std::uint16_t;
+using ViUInt32 = std::uint32_t;
+using ViUInt64 = std::uint64_t;
+
+using ViObject = ViUInt32;    ///< handle of a session, the resource manager or a find list
+using ViSession = ViObject;   ///< handle of an open session; 0 is never valid
+using ViStatus = ViInt32;     ///< 0 success, negative error, positive success with a remark
+using ViAttr = ViUInt32;      ///< attribute identifier
+using ViAttrState = ViUInt64; ///< attribute value as it is set (pointer-sized)
+using ViAccessMode = ViUInt32;
+
+static_assert(sizeof(ViAttrState) == sizeof(void *), "VISA passes attribute values pointer-sized");
+
+/// Prototypes of the VISA functions, for function pointers and for a library that provides them.
+namespace visa {
+using OpenDefaultRM = ViStatus(ViSession *resourceManager);
+using Open = ViStatus(ViSession resourceManager, const ViChar *resourceName,
+                      ViAccessMode accessMode, ViUInt32 timeoutMs, ViSession *session);
+using Close = ViStatus(ViObject object);
+using StatusDesc = ViStatus(ViObject object, ViStatus status, ViChar *description);
+using SetAttribute = ViStatus(ViObject object, ViAttr attribute, ViAttrState value);
+using GetAttribute = ViStatus(ViObject object, ViAttr attribute, void *value);
+using Write = ViStatus(ViSession session, const ViByte *buffer, ViUInt32 count,
+                       ViUInt32 *returnedCount);
+using Read = ViStatus(ViSession session, ViByte *buffer, ViUInt32 count, ViUInt32 *returnedCount);
+using ReadToFile = ViStatus(ViSession session, const ViChar *fileName, ViUInt32 count,
+                            ViUInt32 *returnedCount);
+using Clear = ViStatus(ViSession session);
+using SetBuf = ViStatus(ViSession session, ViUInt16 mask, ViUInt32 size);
+using ReadSTB = ViStatus(ViSession session, ViUInt16 *statusByte);
+using GpibControlREN = ViStatus(ViSession session, ViUInt16 mode);
+using Printf = ViStatus(ViSession session, const ViChar *writeFormat, ...);
+using Scanf = ViStatus(ViSession session, const ViChar *readFormat, ...);
+using Queryf = ViStatus(ViSession session, const ViChar *writeFormat, const ViChar *readFormat,
+                        ...);
+} // namespace visa
+
+/// A status code from the 32-bit pattern that VPP-4.3 lists (errors have the top bit set).
+constexpr ViStatus visaStatus(ViUInt32 pattern)
+{
+    return static_cast<ViStatus>(pattern);
+}
+
+// Completion and error codes (VPP-4.3, appendix B).
+constexpr ViStatus VI_SUCCESS = 0;
+constexpr ViStatus VI_SUCCESS_TERM_CHAR = visaStatus(0x3FFF0005);
+constexpr ViStatus VI_SUCCESS_MAX_CNT = visaStatus(0x3FFF0006);
+constexpr ViStatus VI_ERROR_INV_OBJECT = visaStatus(0xBFFF000E);
+constexpr ViStatus VI_ERROR_RSRC_NFOUND = visaStatus(0xBFFF0011);
+constexpr ViStatus VI_ERROR_INV_RSRC_NAME = visaStatus(0xBFFF0012);
+constexpr ViStatus VI_ERROR_TMO = visaStatus(0xBFFF0015);
+constexpr ViStatus VI_ERROR_NSUP_ATTR = visaStatus(0xBFFF001D);
+constexpr ViStatus VI_ERROR_NSUP_ATTR_STATE = visaStatus(0xBFFF001E);
+constexpr ViStatus VI_ERROR_ATTR_READONLY = visaStatus(0xBFFF001F);
+constexpr ViStatus VI_ERROR_IO = visaStatus(0xBFFF003E);
+constexpr ViStatus VI_ERROR_INV_FMT = visaStatus(0xBFFF003F);
+constexpr ViStatus VI_ERROR_INV_MASK = visaStatus(0xBFFF003D);
+constexpr ViStatus VI_ERROR_NSUP_OPER = visaStatus(0xBFFF0067);
+constexpr ViStatus VI_ERROR_USER_BUF = visaStatus(0xBFFF0071);
+constexpr ViStatus VI_ERROR_INV_MODE = visaStatus(0xBFFF0091);
+constexpr ViStatus VI_ERROR_LIBRARY_NFOUND = visaStatus(0xBFFF009E);
+constexpr ViStatus VI_ERROR_FILE_ACCESS = visaStatus(0xBFFF00A1);
+constexpr ViStatus VI_ERROR_FILE_IO = visaStatus(0xBFFF00A2);
+
+/// I/O time-out of a session in milliseconds (a 32-bit value when read).
+constexpr ViAttr VI_ATTR_TMO_VALUE = 0x3FFF001A;
+
+constexpr ViAccessMode VI_NO_LOCK = 0;
+
+/// viGpibControlREN: address the device and send it Go To Local.
+constexpr ViUInt16 VI_GPIB_REN_ADDRESS_GTL = 6;
