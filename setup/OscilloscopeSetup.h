@@ -1,0 +1,22 @@
+#pragma once
+
+#include "instrument/VisaTypes.h"
+
+#include <QString>
+
+/// What the operator chooses for the oscilloscope.
+struct OscilloscopeSettings
+{
+    QString resource;            ///< VISA resource string
+    bool reset = false;          ///< reset the instrument first
+    int type = 0;                ///< command dialect: 0 "KVx", otherwise "LPA4004"
+    double triggerLevel = 0.0;   ///< volts
+    bool ifDemodulation = false; ///< channel 3 takes the analyzer's IF/video output (KVx only)
+};
+
+/// Open the oscilloscope and configure its channels, a time base of 1 s (KVx) or 1.2 s (LPA4004)
+/// centred on the trigger, and the trigger on channel 1. The new session is in *session and stays
+/// open after a failure. Returns 0 when the instrument is ready, else the status that ended the
+/// chain.
+[[nodiscard]] ViStatus setUpOscilloscope(ViSession resourceManager,
+                                         const OscilloscopeSettings &settings, ViSession *session);

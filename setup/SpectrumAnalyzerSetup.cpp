@@ -1,0 +1,72 @@
+#include "setup/SpectrumAnalyzerSetup.h"
+
+#include "instrument/InstrumentIo.h"
+#include "instrument/NumberText.h"
+#include "setup/CommandChain.h"
+#include "setup/InstrumentSession.h"
+
+namespace {
+
+constexpr ViAttrState ioTimeout = 5000; // ms
+constexpr double sweepTimeKvx = 1.0;    // seconds, as long as the oscilloscope's record
+constexpr double sweepTimeLpa4004 = 1.2;
+constexpr int sweepPoints = 20001;
+constexpr double triggerHoldOff = -0.6; // seconds: the sweep begins before the trigger
+
+/// Open the analyzer and ask who it is; the answer stays empty when it does not say.
+QString openAndIdentify(ViSession resourceManager, const QString &resource, ViSession *session)
+{
+    QString identity;
+    if (reopenSession(resourceManager, resource, ioTimeout, session) == VI_SUCCESS) {
+        iaQueryf_s(*session, "*IDN?\n", &identity);
+    }
+    return identity.toUpper();
+}
+
+} // namespace
+
+ViStatus setUpSpectrumAnalyzer(ViSession resourceManager, const SpectrumAnalyzerSettings &settings,
+                               ViSession *session)
+{
+    const QString identity = openAndIdentify(resourceManager, settings.resource, session);
+    // The QANX models are named for the reader: the shorter name finds them too.
+    if (identity.contains("QAN") || identity.contains("QANX")) {
+        sendOrIgnore(*session, {"FREQ:MODE SW;*OPC?\n"});
+    }
+
+    const QStringList zeroSpan = {
+        "DISP:TRAC:Y:RLEV 0.0;*OPC?\n",
+        "INP1:ATT 0.0;*OPC?\n",
+        "FREQ:CENT " + numberText(settings.centerFrequency) + ";*OPC?\n",
+        "FREQ:SPAN 0;*OPC?\n",
+        "TRIG1:SOUR EXT;*OPC?\n",
+    };
+    const double sweepTime = settings.oscilloscopeType == 0 ? sweepTimeKvx : sweepTimeLpa4004;
+    const QStringList sweepAndBandwidths = {
+        "SWE:TIME " + numberText(sweepTime) + ";*OPC?\n",
+        "SWE:POIN " + QString::number(sweepPoints) + ";*OPC?\n",
+        "SWE:TYPE SWE;SWE:OPT;BWID:FFT AUTO;*OPC?\n",
+        "BWID 50e6;*OPC?\n",
+        "BWID:VID 20e3;*OPC?\n",
+    };
+    // The slope is sent twice on purpose.
+    QStringList triggerAndIfOutput = {
+        "TRIG1:HOLD " + numberText(triggerHoldOff) + ";*OPC?\n",
+        "TRIG1:SLOP POS;*OPC?\n",
+        "TRIG1:SLOP POS;*OPC?\n",
+    };
+    if (!identity.contains("QEL")) { // QEL analyzers have no IF output
+        triggerAndIfOutput += {
+            "OUTP:IF VID;*OPC?\n",
+            "OUTP:IF:IFFR 2.0;*OPC?\n",
+        };
+    }
+
+    sendOrIgnore(*session, zeroSpan);
+    const ViStatus status = sendOrStop(*session, sweepAndBandwidths);
+    if (status != VI_SUCCESS) {
+        return status;
+    }
+    sendOrIgnore(*session, triggerAndIfOutput);
+    return iaGpibControlREN(*session, VI_GPIB_REN_ADDRESS_GTL);
+}

@@ -1,0 +1,34 @@
+#include "setup/VideoAnalyzerSetup.h"
+
+#include "instrument/InstrumentIo.h"
+#include "instrument/NumberText.h"
+#include "setup/CommandChain.h"
+#include "setup/InstrumentSession.h"
+
+namespace {
+
+constexpr ViAttrState ioTimeout = 10000; // ms
+
+} // namespace
+
+ViStatus setUpVideoAnalyzer(ViSession resourceManager, const VideoAnalyzerSettings &settings,
+                            ViSession spectrumAnalyzer, ViSession *session)
+{
+    const QStringList delayMeasurement = {
+        "SYST:DISP:UPD ON;*OPC?\n",
+        "CONF:AVDA:TTV:APL:THR " + numberText(settings.threshold) + ";*OPC?\n",
+        "CONF:AVDA:TTV:APL:HYST 5;*OPC?\n",
+        "INIT:AVDA;*OPC?\n",
+    };
+
+    ViStatus status = reopenSession(resourceManager, settings.resource, ioTimeout, session);
+    if (status != VI_SUCCESS) {
+        return status;
+    }
+    if (settings.reset) {
+        sendOrIgnore(*session, {"*RST;*OPC?\n"});
+    }
+    status = sendOrStop(*session, delayMeasurement);
+    return status == VI_SUCCESS ? iaGpibControlREN(spectrumAnalyzer, VI_GPIB_REN_ADDRESS_GTL)
+                                : status;
+}
