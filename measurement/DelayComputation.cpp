@@ -1,0 +1,76 @@
+#include "measurement/DelayComputation.h"
+
+#include "measurement/Globals.h"
+#include "measurement/TimeAxis.h"
+
+namespace {
+
+constexpr double sourceRise = 0.035; // volts above the record's first sample
+constexpr double rfLevel = 0.05;     // of the envelope's 0 .. 0.2
+constexpr int rfRunLength = 8;       // samples: beacons are shorter
+constexpr double sinkLevel = 0.06;   // volts
+constexpr double millisecondsPerSecond = 1000.0;
+
+int sourceEdge(int n, const QVector<double> &source)
+{
+    const int samples = qMin(n, source.size());
+    for (int i = 0; i < samples; ++i) {
+        if (source[i] - source[0] > sourceRise) {
+            return i;
+        }
+    }
+    return qMax(n, 0);
+}
+
+/// The run may reach past index n - 1, but not past the samples that there are.
+int rfEdge(int n, const QVector<double> &rf, int start)
+{
+    int run = 0;
+    for (int i = start; i < rf.size() && i - run < n; ++i) {
+        run = rf[i] > rfLevel ? run + 1 : 0;
+        if (run == rfRunLength) {
+            return i + 1 - rfRunLength;
+        }
+    }
+    return qMax(n, start);
+}
+
+int sinkEdge(int n, const QVector<double> &sink)
+{
+    const int samples = qMin(n, sink.size());
+    for (int i = 0; i < samples; ++i) {
+        if (sink[i] >= sinkLevel) {
+            return i;
+        }
+    }
+    return qMax(n, 0);
+}
+
+} // namespace
+
+Delays computeDelays(int n, const QVector<double> &source, const QVector<double> &rf,
+                     const QVector<double> &sink, const QVector<double> &time, int oscilloscopeType)
+{
+    const auto instant = [&](int index) {
+        return index < time.size() ? time[index] : sampleInstant(index, n, oscilloscopeType);
+    };
+
+    const int s = sourceEdge(n, source);
+    Delays delays{};
+    delays.sourceInstant = instant(s);
+    delays.rfInstant = sampleInstant(rfEdge(n, rf, s), n, oscilloscopeType);
+    delays.sinkInstant = instant(sinkEdge(n, sink));
+    // An RF instant on the trigger itself reports no delay.
+    delays.sourceToRf = delays.rfInstant == 0.0
+                            ? 0.0
+                            : (delays.rfInstant - delays.sourceInstant) * millisecondsPerSecond;
+    delays.sourceToSink = (delays.sinkInstant - delays.sourceInstant) * millisecondsPerSecond;
+    return delays;
+}
+
+void publishInstants(const Delays &delays)
+{
+    t_src = delays.sourceInstant;
+    t_rf = delays.rfInstant;
+    t_snk = delays.sinkInstant;
+}

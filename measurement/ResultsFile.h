@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+#include <QVector>
+
+/// One delay over a series: a value for each measurement and their mean, in milliseconds.
+struct DelaySeries
+{
+    QVector<double> values;
+    double mean = 0.0;
+};
+
+/// The delays that a series found.
+struct SeriesResults
+{
+    DelaySeries sourceToRf;
+    DelaySeries sourceToHdmi;
+    DelaySeries sourceToSink;
+};
+
+/// Write the results as UTF-8 text: for RF, HDMI and sink a line with the delays and a line with
+/// their mean. Returns false when the file cannot be opened for writing.
+bool writeResults(const QString &fileName, const SeriesResults &results);
