@@ -1,0 +1,199 @@
+#include "app/MainWindow.h"
+
+#include "app/graph/Graph.h"
+#include "app/SettingsDirectory.h"
+#include "instrument/InstrumentIo.h"
+#include "instrument/VisaBinding.h"
+#include "measurement/DelayComputation.h"
+#include "measurement/Globals.h"
+#include "measurement/MeasurementRun.h"
+#include "measurement/TraceFile.h"
+#include "measurement/WaveformTransfer.h"
+#include "setup/OscilloscopeSetup.h"
+#include "setup/SpectrumAnalyzerSetup.h"
+#include "setup/VideoAnalyzerSetup.h"
+#include "ui_MainWindow.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QMessageBox>
+
+namespace {
+
+// The text of an Init button is the only record of an instrument's readiness.
+const QString notReadyText = QStringLiteral("Init");
+const QString readyText = QStringLiteral("Ready");
+
+/// Take the button's readiness back, and paint it before the set-up blocks the event loop.
+void showSettingUp(QPushButton *button)
+{
+    button->setText(notReadyText);
+    QCoreApplication::processEvents();
+}
+
+void showOutcome(QPushButton *button, ViStatus status)
+{
+    button->setText(status == VI_SUCCESS ? readyText : notReadyText);
+}
+
+bool isReady(const QPushButton *button)
+{
+    return button->text() == readyText;
+}
+
+} // namespace
+
+MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(std::make_unique<Ui_MainWindow>())
+{
+    qRegisterMetaType<QVector<double>>("QVector<double>");
+    ui->setupUi(this);
+
+    if (!iaVisaDll_Init()) {
+        QMessageBox::information(this, "VISA Error", "The VISA Library could not be loaded.");
+        close();
+    }
+    if (iaOpenDefaultRM(&resourceManager) != VI_SUCCESS) {
+        QMessageBox::information(this, "VISA Error", "VISA master handle not available.");
+        close();
+    }
+    setWindowTitle("Orvanta");
+
+    settingsDirectoryName = settingsDirectory();
+    QDir().mkdir(settingsDirectoryName); // one level: the directory above it must be there
+    settingsFileName = settingsDirectoryName + '/' +
+                       QFileInfo(QCoreApplication::applicationFilePath()).baseName() + ".cfg";
+    LoadCfgFile(settingsFileName);
+
+    setWindowFlags(Qt::Window | Qt::WindowTitleHint | Qt::CustomizeWindowHint);
+}
+
+MainWindow::~MainWindow()
+{
+    iaClose(oscilloscope);
+    iaClose(spectrumAnalyzer);
+    if (ui->VaHdmi->isChecked()) {
+        iaClose(videoAnalyzer);
+    }
+    SaveCfgFile(settingsFileName);
+}
+
+int MainWindow::SaveBinFile(const QString &fnam, const QVector<double> &d, ViInt32 cnt)
+{
+    return saveTrace(fnam, d, cnt);
+}
+
+int MainWindow::LoadBinFile(const QString &fnam, QVector<double> *d, ViInt32 *cnt)
+{
+    const int result = loadTrace(fnam, d, cnt);
+    if (result != 0) {
+        QMessageBox::warning(this, "File Error", "File not found.");
+    }
+    return result;
+}
+
+int MainWindow::Meas(QVector<double> *d1, QVector<double> *d2, QVector<double> *d3,
+                     QVector<double> *t)
+{
+    SeriesSettings settings;
+    settings.oscilloscope = oscilloscope;
+    settings.spectrumAnalyzer = spectrumAnalyzer;
+    settings.videoAnalyzer = videoAnalyzer;
+    settings.oscilloscopeType = OsTyp;
+    settings.rfFromOscilloscope = ui->SaIfDem->isChecked();
+    settings.measureHdmi = VaHdmi;
+    settings.count = ui->MeasCnt->text().toInt();
+    settings.save = ui->SaveData->checkState() != Qt::Unchecked;
+    settings.filePrefix = settingsDirectoryName;
+    return runSeries(settings, d1, d2, d3, t);
+}
+
+void MainWindow::CalcDeltaT2(int pts, QVector<double> *d1, QVector<double> *d2, QVector<double> *d3,
+                             QVector<double> *t, double *Src2Rf, double *Src2Snk)
+{
+    const Delays delays = computeDelays(pts, *d1, *d2, *d3, *t, OsTyp);
+    publishInstants(delays);
+    *Src2Rf = delays.sourceToRf;
+    *Src2Snk = delays.sourceToSink;
+}
+
+void MainWindow::on_VaHdmi_clicked(bool checked)
+{
+    enableVideoAnalyzer(checked);
+    VaHdmi = checked;
+}
+
+void MainWindow::UndimStart()
+{
+    ui->Start->setEnabled(isReady(ui->OsInit) && isReady(ui->SaInit) &&
+                          (!VaHdmi || isReady(ui->VaInit)));
+}
+
+void MainWindow::on_OsInit_clicked()
+{
+    showSettingUp(ui->OsInit);
+    OscilloscopeSettings settings;
+    settings.resource = ui->OsIp->text();
+    settings.reset = ui->OsRst->isChecked();
+    settings.type = OsTyp;
+    settings.triggerLevel = ui->OsTrgLvl->text().toDouble();
+    settings.ifDemodulation = ui->SaIfDem->isChecked();
+    showOutcome(ui->OsInit, setUpOscilloscope(resourceManager, settings, &oscilloscope));
+    UndimStart();
+}
+
+void MainWindow::on_SaInit_clicked()
+{
+    showSettingUp(ui->SaInit);
+    SpectrumAnalyzerSettings settings;
+    settings.resource = ui->SaIp->text();
+    settings.centerFrequency = ui->SaFrq->text().toDouble();
+    settings.oscilloscopeType = OsTyp;
+    // The panel's Reset and IF/video boxes steer nothing here: the analyzer is never reset, and
+    // its IF output serves whether or not the oscilloscope listens.
+    showOutcome(ui->SaInit, setUpSpectrumAnalyzer(resourceManager, settings, &spectrumAnalyzer));
+    UndimStart();
+}
+
+void MainWindow::on_VaInit_clicked()
+{
+    showSettingUp(ui->VaInit);
+    VideoAnalyzerSettings settings;
+    settings.resource = ui->VaIp->text();
+    settings.reset = ui->VaRst->isChecked();
+    settings.threshold = ui->VaThres->text().toDouble();
+    showOutcome(ui->VaInit,
+                setUpVideoAnalyzer(resourceManager, settings, spectrumAnalyzer, &videoAnalyzer));
+    UndimStart();
+}
+
+void MainWindow::on_Start_clicked()
+{
+    Meas(&d1_src, &d2_rf, &d3_snk, &t);
+    Graph graph(nullptr);
+    graph.exec();
+}
+
+void MainWindow::on_OsTyp_currentIndexChanged(int index)
+{
+    OsTyp = index;
+}
+
+bool MainWindow::ReadArray(ViSession hdl, const QString &cmd, QVector<double> *arr)
+{
+    return queryTrace(hdl, cmd, arr);
+}
+
+bool MainWindow::IntReadArray(ViSession hdl, QVector<double> *arr)
+{
+    return readTrace(hdl, arr);
+}
+
+void MainWindow::enableVideoAnalyzer(bool enabled)
+{
+    ui->VaInit->setEnabled(enabled);
+    ui->VaIp->setEnabled(enabled);
+    ui->VaRst->setEnabled(enabled);
+    ui->VaThres->setEnabled(enabled);
+    ui->VaThresLbl->setEnabled(enabled);
+}

@@ -1,0 +1,95 @@
+// The settings file: what MainWindow keeps from one session to the next, in INI format.
+
+#include "app/MainWindow.h"
+#include "instrument/NumberText.h"
+#include "measurement/Globals.h"
+#include "ui_MainWindow.h"
+
+#include <QSettings>
+
+namespace {
+
+const char *const osAddressKey = "Oscilloscope/IP Address";
+const char *const osResetKey = "Oscilloscope/Reset";
+const char *const osTypeKey = "Oscilloscope/Type";
+const char *const osTriggerLevelKey = "Oscilloscope/Trigger Level";
+const char *const saAddressKey = "Spectrum Analyzer/IP Address";
+const char *const saResetKey = "Spectrum Analyzer/Reset";
+const char *const saCenterFrequencyKey = "Spectrum Analyzer/Center Frequency";
+const char *const saIfDemodKey = "Spectrum Analyzer/IF Demod";
+const char *const vaAddressKey = "Video Analyzer/IP Address";
+const char *const vaResetKey = "Video Analyzer/Reset";
+const char *const vaThresholdKey = "Video Analyzer/Threshold";
+const char *const vaHdmiDelayKey = "Video Analyzer/HDMI Delay";
+const char *const saveDataKey = "General/Save Data";
+
+void loadText(const QSettings &settings, const char *key, const char *initial, QLineEdit *edit)
+{
+    edit->setText(settings.value(key, initial).toString());
+    edit->setCursorPosition(0); // of a long resource string the host matters most
+}
+
+void loadNumber(const QSettings &settings, const char *key, double initial, QLineEdit *edit)
+{
+    edit->setText(numberText(settings.value(key, initial).toDouble()));
+}
+
+/// A check state is stored as a number; any that is not 0 counts as checked, and so does "true".
+void loadCheck(const QSettings &settings, const char *key, QCheckBox *box)
+{
+    box->setChecked(settings.value(key, false).toBool());
+}
+
+/// An index that the box does not have leaves it as it is.
+void loadIndex(const QSettings &settings, const char *key, int initial, QComboBox *box)
+{
+    bool isNumber = false;
+    const int index = settings.value(key, initial).toInt(&isNumber);
+    if (isNumber && index >= 0 && index < box->count()) {
+        box->setCurrentIndex(index);
+    }
+}
+
+} // namespace
+
+int MainWindow::LoadCfgFile(const QString &fnam)
+{
+    const QSettings settings(fnam, QSettings::IniFormat);
+    loadText(settings, osAddressKey, "TCPIP0::oscilloscope::INSTR", ui->OsIp);
+    loadCheck(settings, osResetKey, ui->OsRst);
+    loadIndex(settings, osTypeKey, 1, ui->OsTyp);
+    OsTyp = ui->OsTyp->currentIndex();
+    loadNumber(settings, osTriggerLevelKey, 0.027, ui->OsTrgLvl);
+    loadText(settings, saAddressKey, "TCPIP0::spectrum-analyzer::INSTR", ui->SaIp);
+    loadCheck(settings, saResetKey, ui->SaRst);
+    loadNumber(settings, saCenterFrequencyKey, 5.192e9, ui->SaFrq);
+    loadCheck(settings, saIfDemodKey, ui->SaIfDem);
+    loadText(settings, vaAddressKey, "TCPIP0::video-analyzer::INSTR", ui->VaIp);
+    loadCheck(settings, vaResetKey, ui->VaRst);
+    loadNumber(settings, vaThresholdKey, 35.0, ui->VaThres);
+    VaHdmi = settings.value(vaHdmiDelayKey, false).toBool();
+    loadCheck(settings, saveDataKey, ui->SaveData);
+
+    ui->VaHdmi->setChecked(VaHdmi);
+    enableVideoAnalyzer(VaHdmi);
+    return 0;
+}
+
+int MainWindow::SaveCfgFile(const QString &fnam)
+{
+    QSettings settings(fnam, QSettings::IniFormat);
+    settings.setValue(osAddressKey, ui->OsIp->text());
+    settings.setValue(osResetKey, static_cast<int>(ui->OsRst->checkState()));
+    settings.setValue(osTypeKey, OsTyp);
+    settings.setValue(osTriggerLevelKey, ui->OsTrgLvl->text().toDouble());
+    settings.setValue(saAddressKey, ui->SaIp->text());
+    settings.setValue(saResetKey, static_cast<int>(ui->SaRst->checkState()));
+    settings.setValue(saCenterFrequencyKey, ui->SaFrq->text().toDouble());
+    settings.setValue(saIfDemodKey, static_cast<int>(ui->SaIfDem->checkState()));
+    settings.setValue(vaAddressKey, ui->VaIp->text());
+    settings.setValue(vaResetKey, static_cast<int>(ui->VaRst->checkState()));
+    settings.setValue(vaThresholdKey, ui->VaThres->text().toDouble());
+    settings.setValue(vaHdmiDelayKey, VaHdmi);
+    settings.setValue(saveDataKey, static_cast<int>(ui->SaveData->checkState()));
+    return 0;
+}
