@@ -56,16 +56,20 @@ constexpr ViStatus visaStatus(ViUInt32 pattern)
 constexpr ViStatus VI_SUCCESS = 0;
 constexpr ViStatus VI_SUCCESS_TERM_CHAR = visaStatus(0x3FFF0005);
 constexpr ViStatus VI_SUCCESS_MAX_CNT = visaStatus(0x3FFF0006);
+constexpr ViStatus VI_WARN_UNKNOWN_STATUS = visaStatus(0x3FFF0085);
 constexpr ViStatus VI_ERROR_INV_OBJECT = visaStatus(0xBFFF000E);
 constexpr ViStatus VI_ERROR_RSRC_NFOUND = visaStatus(0xBFFF0011);
 constexpr ViStatus VI_ERROR_INV_RSRC_NAME = visaStatus(0xBFFF0012);
+constexpr ViStatus VI_ERROR_INV_ACC_MODE = visaStatus(0xBFFF0013);
 constexpr ViStatus VI_ERROR_TMO = visaStatus(0xBFFF0015);
 constexpr ViStatus VI_ERROR_NSUP_ATTR = visaStatus(0xBFFF001D);
 constexpr ViStatus VI_ERROR_NSUP_ATTR_STATE = visaStatus(0xBFFF001E);
 constexpr ViStatus VI_ERROR_ATTR_READONLY = visaStatus(0xBFFF001F);
+constexpr ViStatus VI_ERROR_ALLOC = visaStatus(0xBFFF003C);
+constexpr ViStatus VI_ERROR_INV_MASK = visaStatus(0xBFFF003D);
 constexpr ViStatus VI_ERROR_IO = visaStatus(0xBFFF003E);
 constexpr ViStatus VI_ERROR_INV_FMT = visaStatus(0xBFFF003F);
-constexpr ViStatus VI_ERROR_INV_MASK = visaStatus(0xBFFF003D);
+constexpr ViStatus VI_ERROR_NSUP_FMT = visaStatus(0xBFFF0041);
 constexpr ViStatus VI_ERROR_NSUP_OPER = visaStatus(0xBFFF0067);
 constexpr ViStatus VI_ERROR_USER_BUF = visaStatus(0xBFFF0071);
 constexpr ViStatus VI_ERROR_INV_MODE = visaStatus(0xBFFF0091);
@@ -77,6 +81,13 @@ constexpr ViStatus VI_ERROR_FILE_IO = visaStatus(0xBFFF00A2);
 constexpr ViAttr VI_ATTR_TMO_VALUE = 0x3FFF001A;
 
 constexpr ViAccessMode VI_NO_LOCK = 0;
+constexpr ViAccessMode VI_LOAD_CONFIG = 4;
+
+// viSetBuf: the buffers of formatted and of plain I/O.
+constexpr ViUInt16 VI_READ_BUF = 1;
+constexpr ViUInt16 VI_WRITE_BUF = 2;
+constexpr ViUInt16 VI_IO_IN_BUF = 16;
+constexpr ViUInt16 VI_IO_OUT_BUF = 32;
 
 /// viGpibControlREN: address the device and send it Go To Local.
 constexpr ViUInt16 VI_GPIB_REN_ADDRESS_GTL = 6;

@@ -1,0 +1,219 @@
+#include "simulator/LinkModel.h"
+
+#include <cmath>
+#include <limits>
+
+namespace simulator {
+
+namespace {
+
+constexpr double pi = 3.14159265358979323846;
+constexpr double never = std::numeric_limits<double>::infinity();
+constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
+
+// Light sensors (volts, seconds). Both rises are raised cosines.
+constexpr double sourceDark = 0.005;
+constexpr double sourceBright = 0.150;
+constexpr double sourceRise = 1.5e-3;
+constexpr double sourceVisible = sourceDark + 0.035; // where the display visibly changed
+constexpr double sourceNoise = 2e-3;                 // peak
+constexpr double sinkDark = 0.010;
+constexpr double sinkBright = 0.120;
+constexpr double sinkRise = 5e-3;
+constexpr double sinkVisible = 0.060;
+constexpr double sinkNoise = 1e-3;
+constexpr double openInputNoise = 1e-3;
+
+// An overload holds the source sensor above its range from before the record on, then decays.
+constexpr double overloadVolts = 0.6;
+constexpr double overloadEnd = -0.45;
+constexpr double overloadDecay = 5e-3;
+constexpr double overloadGone = overloadEnd + 40 * overloadDecay;
+constexpr std::uint32_t overloadOneIn = 16;
+
+// Radio channel (dBm, seconds). A beacon is so short that at 20,000 points per second it covers
+// fewer than eight samples, and so far from the first burst that the two never look like one.
+constexpr double floorDbm = -75.0;
+constexpr double beaconDbm = -45.0;
+constexpr double burstDbm = -20.0;
+constexpr double rfNoise = 1.5; // peak, dB
+constexpr double beaconPeriod = 102.4e-3;
+constexpr double beaconLength = 0.3e-3;
+constexpr double beaconClearance = 2.5e-3; // from a beacon's start to the first burst, at least
+constexpr double burstLength = 4e-3;
+constexpr double burstPeriod = 7e-3;
+constexpr double burstTrain = 0.4;
+
+// The analyzer's video output: 10 mV per dB, 0.8 V at the bursts' power.
+constexpr double videoVoltsPerDb = 0.01;
+constexpr double videoAtBurst = 0.8;
+
+// Latencies after the source instant (seconds): triangular, mean plus or minus spread. The sink
+// then waits for its next display frame and rises to its visible level, which adds 10.7 ms on
+// average: 120 ms in all.
+constexpr double rfLatency = 45e-3;
+constexpr double rfSpread = 8e-3;
+constexpr double hdmiLatency = 95e-3;
+constexpr double hdmiSpread = 4e-3;
+constexpr double sinkLatency = 109.3e-3;
+constexpr double sinkSpread = 8e-3;
+constexpr double framePeriod = 1.0 / 60.0;
+
+/// Uniform in [0, 1): the standard's distributions differ between libraries, the raw output does
+/// not.
+double uniform(std::mt19937 &generator)
+{
+    return static_cast<double>(generator()) / 4294967296.0;
+}
+
+double triangular(std::mt19937 &generator, double mean, double spread)
+{
+    const double first = uniform(generator);
+    return mean + spread * (first + uniform(generator) - 1.0);
+}
+
+/// Raised cosine from 0 to 1 while `u` goes from 0 to 1.
+double riseShape(double u)
+{
+    return u <= 0.0 ? 0.0 : u >= 1.0 ? 1.0 : 0.5 * (1.0 - std::cos(pi * u));
+}
+
+/// Where a rise of `duration` from `dark` to `bright` passes `level`, after its start.
+double riseTime(double level, double dark, double bright, double duration)
+{
+    return duration * std::acos(1.0 - 2.0 * (level - dark) / (bright - dark)) / pi;
+}
+
+/// The integer hash "lowbias32" (Chris Wellons, public domain).
+std::uint32_t hash(std::uint32_t x)
+{
+    x ^= x >> 16U;
+    x *= 0x7feb352dU;
+    x ^= x >> 15U;
+    x *= 0x846ca68bU;
+    x ^= x >> 16U;
+    return x;
+}
+
+/// Triangular noise in [-1, 1] that belongs to sample `index` of the record with this `key`.
+double noise(std::uint32_t key, std::uint32_t index)
+{
+    const std::uint32_t bits = hash(key + index);
+    return static_cast<double>((bits & 0xffffU) + (bits >> 16U)) / 65535.0 - 1.0;
+}
+
+/// The position of `time` in a cycle of `period`, in [0, period).
+double phaseIn(double time, double period)
+{
+    return time - period * std::floor(time / period);
+}
+
+template <typename Level>
+std::vector<float> sampled(const TimeGrid &grid, std::uint32_t key, double noisePeak, Level level)
+{
+    std::vector<float> samples(grid.points);
+    const double step = grid.points > 1 ? grid.span / static_cast<double>(grid.points - 1) : 0.0;
+    for (std::size_t k = 0; k < samples.size(); ++k) {
+        const double time = grid.start + step * static_cast<double>(k);
+        samples[k] =
+            static_cast<float>(level(time) + noisePeak * noise(key, static_cast<std::uint32_t>(k)));
+    }
+    return samples;
+}
+
+} // namespace
+
+LinkEvent::LinkEvent(std::uint32_t number, double beaconPhase)
+    : number_(number),
+      instants_{unknown, unknown, unknown, unknown},
+      sourceStart_(never),
+      sinkStart_(never),
+      beaconPhase_(beaconPhase)
+{
+}
+
+LinkEvent::LinkEvent(std::uint32_t number, double triggerLevel, std::mt19937 &generator)
+    : LinkEvent(number, 0.0)
+{
+    sourceStart_ = -riseTime(triggerLevel, sourceDark, sourceBright, sourceRise);
+    instants_.source = sourceStart_ + riseTime(sourceVisible, sourceDark, sourceBright, sourceRise);
+
+    instants_.rf = instants_.source + triangular(generator, rfLatency, rfSpread);
+    instants_.hdmiDelayMs = 1000.0 * triangular(generator, hdmiLatency, hdmiSpread);
+
+    const double earliest = instants_.source + triangular(generator, sinkLatency, sinkSpread);
+    const double framePhase = framePeriod * uniform(generator);
+    sinkStart_ = framePhase + framePeriod * std::ceil((earliest - framePhase) / framePeriod);
+    instants_.sink = sinkStart_ + riseTime(sinkVisible, sinkDark, sinkBright, sinkRise);
+
+    beaconPhase_ = instants_.rf + (beaconPeriod - beaconClearance) * uniform(generator);
+    overloaded_ = uniform(generator) * overloadOneIn < 1.0;
+}
+
+double LinkEvent::sourceVolts(double time) const
+{
+    double volts =
+        sourceDark + (sourceBright - sourceDark) * riseShape((time - sourceStart_) / sourceRise);
+    if (overloaded_ && time < overloadGone) {
+        volts += overloadVolts *
+                 (time < overloadEnd ? 1.0 : std::exp((overloadEnd - time) / overloadDecay));
+    }
+    return volts;
+}
+
+double LinkEvent::sinkVolts(double time) const
+{
+    return sinkDark + (sinkBright - sinkDark) * riseShape((time - sinkStart_) / sinkRise);
+}
+
+double LinkEvent::rfDbm(double time) const
+{
+    // A comparison with not-a-number is false: without an event there are no bursts.
+    const double sinceBurst = time - instants_.rf;
+    if (sinceBurst >= 0.0 && sinceBurst < burstTrain &&
+        phaseIn(sinceBurst, burstPeriod) < burstLength) {
+        return burstDbm;
+    }
+    return phaseIn(time - beaconPhase_, beaconPeriod) < beaconLength ? beaconDbm : floorDbm;
+}
+
+std::vector<float> LinkEvent::trace(Signal signal, const TimeGrid &grid) const
+{
+    const std::uint32_t key = hash(hash(number_) + static_cast<std::uint32_t>(signal));
+    switch (signal) {
+    case Signal::Source:
+        return sampled(grid, key, sourceNoise, [this](double time) { return sourceVolts(time); });
+    case Signal::Sink:
+        return sampled(grid, key, sinkNoise, [this](double time) { return sinkVolts(time); });
+    case Signal::RfPower:
+        return sampled(grid, key, rfNoise, [this](double time) { return rfDbm(time); });
+    case Signal::Video:
+        return sampled(grid, key, rfNoise * videoVoltsPerDb, [this](double time) {
+            return videoAtBurst + videoVoltsPerDb * (rfDbm(time) - burstDbm);
+        });
+    case Signal::Unconnected:
+        break;
+    }
+    return sampled(grid, key, openInputNoise, [](double) { return 0.0; });
+}
+
+void LinkModel::trigger(std::optional<double> level)
+{
+    ++recordCount_;
+    if (level && *level > sourceDark && *level < sourceBright) {
+        event_.emplace(recordCount_, *level, generator_);
+        ++eventCount_;
+    } else {
+        event_.emplace(recordCount_, 0.0);
+    }
+}
+
+const LinkEvent &LinkModel::lastEvent()
+{
+    if (!event_) {
+        trigger(powerUpTriggerLevel);
+    }
+    return *event_;
+}
+
+} // namespace simulator

@@ -1,0 +1,165 @@
+#include "simulator/Session.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <limits>
+#include <memory>
+
+namespace simulator {
+
+namespace {
+
+constexpr std::size_t inputBufferSize = 65536;
+
+constexpr ViUInt16 errorAvailable = 0x04;
+constexpr ViUInt16 messageAvailable = 0x10;
+
+/// Modes of viGpibControlREN (VPP-4.3, table 6.5.1).
+enum RemoteMode : ViUInt16
+{
+    Deassert = 0,
+    Assert = 1,
+    DeassertAndLocal = 2,
+    AssertAndAddress = 3,
+    AssertAndLockOut = 4,
+    AssertAddressAndLockOut = 5,
+    AddressAndLocal = VI_GPIB_REN_ADDRESS_GTL,
+};
+
+struct CloseFile
+{
+    void operator()(std::FILE *file) const { std::fclose(file); }
+};
+
+} // namespace
+
+ViStatus Session::write(std::string_view bytes)
+{
+    if (bytes.empty()) {
+        return VI_SUCCESS;
+    }
+    instrument_->setRemote(true);
+    scanBuffer_.clear(); // what a formatted read left over belongs to the answer before
+    while (!bytes.empty()) {
+        const std::size_t end = std::min(bytes.find('\n'), bytes.size());
+        receive(bytes.substr(0, end));
+        bytes.remove_prefix(std::min(end + 1, bytes.size()));
+    }
+    return VI_SUCCESS;
+}
+
+void Session::receive(std::string_view message)
+{
+    if (trimmed(message).empty()) {
+        return;
+    }
+    if (unread() > 0) {
+        instrument_->errors().push(scpi::queryInterrupted); // IEEE 488.2 6.3.2.3
+        clear();
+    }
+    if (message.size() > inputBufferSize) {
+        instrument_->errors().push(scpi::inputBufferOverrun);
+        return;
+    }
+    output_ = instrument_->execute(message);
+    outputRead_ = 0;
+}
+
+ViStatus Session::read(std::size_t count, std::string_view &bytes)
+{
+    if (unread() == 0) {
+        bytes = {};
+        return VI_ERROR_TMO;
+    }
+    bytes = std::string_view(output_).substr(outputRead_, count);
+    outputRead_ += bytes.size();
+    return unread() == 0 ? VI_SUCCESS : VI_SUCCESS_MAX_CNT;
+}
+
+ViStatus Session::readToFile(const char *fileName, std::size_t count, std::size_t &returnedCount)
+{
+    returnedCount = 0;
+    const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(fileName, "wb"));
+    if (!file) {
+        return VI_ERROR_FILE_ACCESS;
+    }
+    std::string_view bytes;
+    const ViStatus status = read(count, bytes);
+    if (bytes.empty()) {
+        return status;
+    }
+    returnedCount = std::fwrite(bytes.data(), 1, bytes.size(), file.get());
+    const bool written = returnedCount == bytes.size() && std::fflush(file.get()) == 0;
+    return written ? status : VI_ERROR_FILE_IO;
+}
+
+void Session::clear()
+{
+    output_.clear();
+    output_.shrink_to_fit(); // an answer can be megabytes
+    outputRead_ = 0;
+    scanBuffer_.clear();
+}
+
+ViStatus Session::setAttribute(ViAttr attribute, ViAttrState value)
+{
+    if (attribute != VI_ATTR_TMO_VALUE) {
+        return VI_ERROR_NSUP_ATTR;
+    }
+    if (value > std::numeric_limits<ViUInt32>::max()) {
+        return VI_ERROR_NSUP_ATTR_STATE;
+    }
+    timeoutMs_ = static_cast<ViUInt32>(value);
+    return VI_SUCCESS;
+}
+
+ViStatus Session::getAttribute(ViAttr attribute, void *value) const
+{
+    if (attribute != VI_ATTR_TMO_VALUE) {
+        return VI_ERROR_NSUP_ATTR;
+    }
+    std::memcpy(value, &timeoutMs_, sizeof timeoutMs_);
+    return VI_SUCCESS;
+}
+
+ViStatus Session::controlRemote(ViUInt16 mode)
+{
+    switch (mode) {
+    case Deassert:
+    case DeassertAndLocal:
+    case AddressAndLocal:
+        instrument_->setRemote(false);
+        return VI_SUCCESS;
+    case AssertAndAddress:
+    case AssertAddressAndLockOut:
+        instrument_->setRemote(true);
+        return VI_SUCCESS;
+    case Assert: // an instrument turns remote when it is addressed, not before
+    case AssertAndLockOut:
+        return VI_SUCCESS;
+    default:
+        return VI_ERROR_INV_MODE;
+    }
+}
+
+ViUInt16 Session::statusByte() const
+{
+    const unsigned message = unread() > 0 ? messageAvailable : 0U;
+    const unsigned error = instrument_->errors().isEmpty() ? 0U : errorAvailable;
+    return static_cast<ViUInt16>(message | error);
+}
+
+ViStatus Session::fillScanBuffer(std::string *&buffer)
+{
+    buffer = &scanBuffer_;
+    if (!scanBuffer_.empty()) {
+        return VI_SUCCESS;
+    }
+    std::string_view bytes;
+    const ViStatus status = read(unread(), bytes);
+    scanBuffer_ = bytes;
+    return status;
+}
+
+} // namespace simulator

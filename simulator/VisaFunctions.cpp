@@ -1,0 +1,235 @@
+#include "simulator/VisaFunctions.h"
+
+#include "simulator/Bench.h"
+#include "simulator/FormattedIo.h"
+#include "simulator/SessionTable.h"
+#include "simulator/StatusText.h"
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstring>
+#include <mutex>
+#include <string_view>
+
+namespace {
+
+using simulator::Session;
+using simulator::SessionTable;
+
+SessionTable &sessions()
+{
+    static SessionTable table(simulator::bench());
+    return table;
+}
+
+/// Runs one VISA function at a time, and lets no exception into the C caller.
+template <typename Body>
+ViStatus guarded(Body body) noexcept
+{
+    static std::mutex mutex;
+    try {
+        const std::lock_guard lock(mutex);
+        return body();
+    } catch (...) {
+        return VI_ERROR_ALLOC; // nothing but memory can run out in here
+    }
+}
+
+/// Runs one operation of an open instrument session.
+template <typename Body>
+ViStatus withSession(ViSession handle, Body body) noexcept
+{
+    return guarded([&] {
+        ViStatus status = VI_SUCCESS;
+        Session *session = sessions().find(handle, status);
+        return session != nullptr ? body(*session) : status;
+    });
+}
+
+void report(ViUInt32 *returnedCount, std::size_t count)
+{
+    if (returnedCount != nullptr) {
+        *returnedCount = static_cast<ViUInt32>(count);
+    }
+}
+
+ViStatus print(Session &session, const char *format, std::va_list &arguments)
+{
+    std::string text;
+    const ViStatus status = simulator::printText(format, arguments, text);
+    return status == VI_SUCCESS ? session.write(text) : status;
+}
+
+ViStatus scan(Session &session, const char *format, std::va_list &arguments)
+{
+    std::string *buffer = nullptr;
+    const ViStatus status = session.fillScanBuffer(buffer);
+    return status == VI_SUCCESS ? simulator::scanText(*buffer, format, arguments) : status;
+}
+
+} // namespace
+
+ViStatus viOpenDefaultRM(ViSession *resourceManager)
+{
+    if (resourceManager == nullptr) {
+        return VI_ERROR_USER_BUF;
+    }
+    return guarded([=] { return sessions().openManager(*resourceManager); });
+}
+
+// The bench is always there: there is no opening to wait for.
+ViStatus viOpen(ViSession resourceManager, const ViChar *resourceName, ViAccessMode accessMode,
+                ViUInt32 /*timeoutMs*/, ViSession *session)
+{
+    return guarded([=] {
+        if (!sessions().isOpen(resourceManager)) {
+            return VI_ERROR_INV_OBJECT;
+        }
+        if (session == nullptr || resourceName == nullptr) {
+            return session == nullptr ? VI_ERROR_USER_BUF : VI_ERROR_INV_RSRC_NAME;
+        }
+        return sessions().open(resourceManager, resourceName, accessMode, *session);
+    });
+}
+
+ViStatus viClose(ViObject object)
+{
+    return guarded([=] { return sessions().close(object); });
+}
+
+ViStatus viStatusDesc(ViObject object, ViStatus status, ViChar *description)
+{
+    return guarded([=] {
+        if (!sessions().isOpen(object)) {
+            return VI_ERROR_INV_OBJECT;
+        }
+        if (description == nullptr) {
+            return VI_ERROR_USER_BUF;
+        }
+        bool known = false;
+        const std::string text = simulator::statusText(status, known);
+        std::memcpy(description, text.c_str(), text.size() + 1);
+        return known ? VI_SUCCESS : VI_WARN_UNKNOWN_STATUS;
+    });
+}
+
+ViStatus viSetAttribute(ViObject object, ViAttr attribute, ViAttrState value)
+{
+    return withSession(object,
+                       [=](Session &session) { return session.setAttribute(attribute, value); });
+}
+
+ViStatus viGetAttribute(ViObject object, ViAttr attribute, void *value)
+{
+    return withSession(object, [=](const Session &session) {
+        return value == nullptr ? VI_ERROR_USER_BUF : session.getAttribute(attribute, value);
+    });
+}
+
+ViStatus viWrite(ViSession session, const ViByte *buffer, ViUInt32 count, ViUInt32 *returnedCount)
+{
+    return withSession(session, [=](Session &open) {
+        report(returnedCount, 0);
+        if (buffer == nullptr) {
+            return count == 0 ? VI_SUCCESS : VI_ERROR_USER_BUF;
+        }
+        const ViStatus status = open.write({reinterpret_cast<const char *>(buffer), count});
+        report(returnedCount, count);
+        return status;
+    });
+}
+
+ViStatus viRead(ViSession session, ViByte *buffer, ViUInt32 count, ViUInt32 *returnedCount)
+{
+    return withSession(session, [=](Session &open) {
+        report(returnedCount, 0);
+        if (buffer == nullptr) {
+            return VI_ERROR_USER_BUF;
+        }
+        std::string_view bytes;
+        const ViStatus status = open.read(count, bytes);
+        std::copy(bytes.begin(), bytes.end(), buffer);
+        report(returnedCount, bytes.size());
+        return status;
+    });
+}
+
+ViStatus viReadToFile(ViSession session, const ViChar *fileName, ViUInt32 count,
+                      ViUInt32 *returnedCount)
+{
+    return withSession(session, [=](Session &open) {
+        report(returnedCount, 0);
+        if (fileName == nullptr) {
+            return VI_ERROR_FILE_ACCESS;
+        }
+        std::size_t written = 0;
+        const ViStatus status = open.readToFile(fileName, count, written);
+        report(returnedCount, written);
+        return status;
+    });
+}
+
+ViStatus viClear(ViSession session)
+{
+    return withSession(session, [](Session &open) {
+        open.clear();
+        return VI_SUCCESS;
+    });
+}
+
+// Every answer fits into the buffers as they are: their sizes do not matter.
+ViStatus viSetBuf(ViSession session, ViUInt16 mask, ViUInt32 /*size*/)
+{
+    return withSession(session, [=](Session &) {
+        constexpr unsigned buffers = VI_READ_BUF | VI_WRITE_BUF | VI_IO_IN_BUF | VI_IO_OUT_BUF;
+        return mask == 0 || (mask & ~buffers) != 0 ? VI_ERROR_INV_MASK : VI_SUCCESS;
+    });
+}
+
+ViStatus viReadSTB(ViSession session, ViUInt16 *statusByte)
+{
+    return withSession(session, [=](const Session &open) {
+        if (statusByte == nullptr) {
+            return VI_ERROR_USER_BUF;
+        }
+        *statusByte = open.statusByte();
+        return VI_SUCCESS;
+    });
+}
+
+ViStatus viGpibControlREN(ViSession session, ViUInt16 mode)
+{
+    return withSession(session, [=](Session &open) { return open.controlRemote(mode); });
+}
+
+ViStatus viPrintf(ViSession session, const ViChar *writeFormat, ...)
+{
+    std::va_list arguments;
+    va_start(arguments, writeFormat);
+    const ViStatus status =
+        withSession(session, [&](Session &open) { return print(open, writeFormat, arguments); });
+    va_end(arguments);
+    return status;
+}
+
+ViStatus viScanf(ViSession session, const ViChar *readFormat, ...)
+{
+    std::va_list arguments;
+    va_start(arguments, readFormat);
+    const ViStatus status =
+        withSession(session, [&](Session &open) { return scan(open, readFormat, arguments); });
+    va_end(arguments);
+    return status;
+}
+
+ViStatus viQueryf(ViSession session, const ViChar *writeFormat, const ViChar *readFormat, ...)
+{
+    std::va_list arguments;
+    va_start(arguments, readFormat);
+    const ViStatus status = withSession(session, [&](Session &open) {
+        const ViStatus printed = print(open, writeFormat, arguments);
+        return printed == VI_SUCCESS ? scan(open, readFormat, arguments) : printed;
+    });
+    va_end(arguments);
+    return status;
+}
