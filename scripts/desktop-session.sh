@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# One session of an operator with the demo program, on a virtual desktop, and a check of what it
+# leaves behind. FOLDER gets screenshots, the program's output, its settings, results and traces.
+# Usage: desktop-session.sh EXECUTABLE FOLDER [DPI]
+set -euo pipefail
+
+if (($# < 2 || $# > 3)); then
+    echo "Usage: ${0##*/} EXECUTABLE FOLDER [DPI]" >&2
+    exit 2
+fi
+executable=$(realpath -- "$1")
+folder=$(realpath --canonicalize-missing -- "$2")
+dpi=${3:-96}
+desktop=$(realpath -- "$(dirname "$0")/desktop")
+
+# What the session needs but nobody wants to see; also the mark by which a later session knows that
+# it may empty the folder.
+private=$folder/.desktop-session
+if [[ -e $private ]]; then
+    rm -rf -- "$folder"
+elif [[ -n $(ls -A -- "$folder" 2>/dev/null) ]]; then
+    echo "$folder is not empty" >&2
+    exit 1
+fi
+mkdir -p -- "$folder/data" "$private"/{home,config,tmp}
+mkdir -m 700 -- "$private/runtime" # a looser mode would be warned about
+
+# Neither the person's settings nor their desktop's look may play a part, in either direction.
+unset "${!QT_@}" "${!XDG_@}" "${!KDE_@}" "${!GTK_@}" "${!GNOME_@}"
+unset WAYLAND_DISPLAY DESKTOP_SESSION SESSION_MANAGER
+export LC_ALL=C.UTF-8 HOME=$private/home TMPDIR=$private/tmp
+export XDG_DATA_HOME=$folder/data XDG_CONFIG_HOME=$private/config XDG_RUNTIME_DIR=$private/runtime
+# Without an address Qt would have a message bus launched, which outlives the session.
+export DBUS_SESSION_BUS_ADDRESS=disabled:
+# Widgets are drawn without OpenGL, whose drivers leak memory once they are unloaded.
+export QT_XCB_GL_INTEGRATION=none
+
+"$desktop/virtual-desktop.sh" "$folder/desktop.log" "$dpi" \
+    "$desktop/operate.sh" "$executable" "$folder" "$dpi"
+"$desktop/check-session.sh" "$folder"
+
+echo "Mean delays in milliseconds:"
+grep --no-filename Mean "$folder"/data/Varnholt/*Results.txt
+echo "Screenshots, results and traces are in $folder"
