@@ -5,6 +5,8 @@
 
 #include <QtTest>
 
+#include <functional>
+
 namespace {
 
 // Where a set-up goes after a step, besides the number of another step.
@@ -25,25 +27,6 @@ using Steps = QVector<Step>;
 
 constexpr ViSession resourceManager = 1;
 
-QString wholeCommand(const QString &command)
-{
-    return command + (command.endsWith('?') ? "\\n" : ";*OPC?\\n");
-}
-
-enum class Fault
-{
-    Write,
-    Read,
-    Completion
-};
-
-ViStatus statusOf(Fault fault)
-{
-    return fault == Fault::Write  ? VI_ERROR_IO
-           : fault == Fault::Read ? VI_ERROR_TMO
-                                  : VI_SUCCESS_MAX_CNT;
-}
-
 /// The transcript of a set-up in which some steps fail, and whether the instrument is then ready.
 struct Expectation
 {
@@ -51,27 +34,32 @@ struct Expectation
     bool ready = true;
 };
 
-Expectation play(const QString &name, const QString &timeout, const Steps &steps,
-                 const QVector<int> &failing, Fault fault)
+Expectation play(const QString &name, const Steps &steps, const QVector<int> &failing,
+                 VisaDouble::At where, ViStatus fault)
 {
-    const QString mark = " -> " + QString::number(static_cast<ViUInt32>(statusOf(fault)), 16);
+    const QString mark = " -> " + QString::number(static_cast<ViUInt32>(fault), 16);
     Expectation expected;
-    expected.transcript << name + " open" << name + " timeout " + timeout;
+    expected.transcript << name + " open"
+                        << name + (name == "va" ? " timeout 10000" : " timeout 5000");
     int step = 0;
     while (step >= 0 && step < steps.size()) {
+        const auto &[command, onFailure, onSuccess, tolerated] = steps[step];
         const bool fails = failing.contains(step);
-        const QString written = name + " < " + wholeCommand(steps[step].command);
-        if (fails && fault == Fault::Write) {
-            expected.transcript << written + mark;
-        } else {
-            expected.transcript << written << (fails ? name + " >" + mark : name + " >");
+        expected.transcript << name + " < " + command +
+                                   (command.endsWith('?') ? "\\n" : ";*OPC?\\n");
+        if (!fails || where == VisaDouble::At::Read) {
+            expected.transcript << name + " >";
         }
-        expected.ready = expected.ready && (!fails || steps[step].tolerated);
-        const int next = fails ? steps[step].onFailure : steps[step].onSuccess;
+        if (fails) {
+            expected.transcript.last() += mark;
+            expected.ready = expected.ready && tolerated;
+        }
+        const int next = fails ? onFailure : onSuccess;
         step = next == toNext ? step + 1 : next;
     }
     if (step != toEnd) {
-        expected.transcript << name + " local";
+        // The video analyzer's last step goes to the spectrum analyzer.
+        expected.transcript << (name == "va" ? "sa local" : name + " local");
     }
     return expected;
 }
@@ -123,7 +111,7 @@ Steps lpa4004Steps()
                           toEnd);
 }
 
-/// For identities with QAN, with QEL and with neither.
+/// For an identity with QAN, with QEL or with neither.
 Steps analyzerSteps(const QString &family, int oscilloscopeType)
 {
     Steps chain = steps("*IDN?", toNext, true);
@@ -150,46 +138,41 @@ Steps videoAnalyzerSteps()
                           toEnd);
 }
 
-ViStatus setUp(const QString &chain, ViSession *session, ViSession spectrumAnalyzer)
-{
-    if (chain == "osc KVx" || chain == "osc KVx IF") {
-        return setUpOscilloscope(resourceManager, {"osc", false, 0, 0.25, chain.endsWith("IF")},
-                                 session);
-    }
-    if (chain == "osc LPA4004") {
-        return setUpOscilloscope(resourceManager, {"osc", true, 1, 0.25, true}, session);
-    }
-    if (chain == "va") {
-        return setUpVideoAnalyzer(resourceManager, {"va", true, 35.5}, spectrumAnalyzer, session);
-    }
-    return setUpSpectrumAnalyzer(resourceManager, {"sa", 2.437e9, chain == "sa QAN" ? 0 : 1},
-                                 session);
-}
-
+/// A chain as the instrument must see it, and what starts it.
 struct Chain
 {
     QString name;
-    QString instrument;
-    QString timeout;
     Steps steps;
+    std::function<ViStatus(ViSession *session, ViSession spectrumAnalyzer)> setUp;
+    QByteArray identity = "1\n";
+
+    [[nodiscard]] QString instrument() const { return name.section(' ', 0, 0); }
 };
 
 QVector<Chain> chains()
 {
-    return {{"osc KVx", "osc", "5000", kvxSteps(false)},
-            {"osc KVx IF", "osc", "5000", kvxSteps(true)},
-            {"osc LPA4004", "osc", "5000", lpa4004Steps()},
-            {"sa plain", "sa", "5000", analyzerSteps("plain", 1)},
-            {"sa QAN", "sa", "5000", analyzerSteps("QAN", 0)},
-            {"sa QEL", "sa", "5000", analyzerSteps("QEL", 1)},
-            {"va", "va", "10000", videoAnalyzerSteps()}};
-}
-
-QByteArray identityOf(const QString &chain)
-{
-    return chain == "sa QAN"   ? "Maker,qanX40,1,2\n"
-           : chain == "sa QEL" ? "Maker,Qel3,1,2\n"
-                               : "1\n";
+    const auto oscilloscope = [](bool reset, int type, bool ifDemodulation) {
+        return [=](ViSession *session, ViSession) {
+            return setUpOscilloscope(resourceManager, {"osc", reset, type, 0.25, ifDemodulation},
+                                     session);
+        };
+    };
+    const auto spectrumAnalyzer = [](int oscilloscopeType) {
+        return [=](ViSession *session, ViSession) {
+            return setUpSpectrumAnalyzer(resourceManager, {"sa", 2.437e9, oscilloscopeType},
+                                         session);
+        };
+    };
+    const auto videoAnalyzer = [](ViSession *session, ViSession spectrumAnalyzer) {
+        return setUpVideoAnalyzer(resourceManager, {"va", true, 35.5}, spectrumAnalyzer, session);
+    };
+    return {{"osc KVx", kvxSteps(false), oscilloscope(false, 0, false)},
+            {"osc KVx IF", kvxSteps(true), oscilloscope(false, 0, true)},
+            {"osc LPA4004", lpa4004Steps(), oscilloscope(true, 1, true)},
+            {"sa", analyzerSteps("", 1), spectrumAnalyzer(1)},
+            {"sa QAN", analyzerSteps("QAN", 0), spectrumAnalyzer(0), "Maker,qanX40,1,2\n"},
+            {"sa QEL", analyzerSteps("QEL", 1), spectrumAnalyzer(1), "Maker,Qel3,1,2\n"},
+            {"va", videoAnalyzerSteps(), videoAnalyzer}};
 }
 
 } // namespace
@@ -204,23 +187,26 @@ private slots:
     {
         QTest::addColumn<int>("chain");
         QTest::addColumn<QVector<int>>("failing");
-        QTest::addColumn<int>("fault");
+        QTest::addColumn<bool>("atRead");
+        QTest::addColumn<ViStatus>("fault");
 
         const auto all = chains();
         for (int c = 0; c < all.size(); ++c) {
-            const Steps &chain = all[c].steps;
-            QTest::addRow("%s", qPrintable(all[c].name)) << c << QVector<int>() << 0;
+            const auto &[name, chain, setUp, identity] = all[c];
+            QTest::addRow("%s", qPrintable(name)) << c << QVector<int>() << false << VI_SUCCESS;
             for (int step = 0; step < chain.size(); ++step) {
                 // A fall-back is only sent after the failures of those before it.
                 QVector<int> failing = {step};
                 while (failing.first() > 0 && chain[failing.first() - 1].onSuccess != toNext) {
                     failing.prepend(failing.first() - 1);
                 }
-                for (const Fault fault : {Fault::Write, Fault::Read, Fault::Completion}) {
-                    QTest::addRow("%s, %d: %s, %x", qPrintable(all[c].name), step,
-                                  qPrintable(chain[step].command),
-                                  static_cast<ViUInt32>(statusOf(fault)))
-                        << c << failing << int(fault);
+                for (const auto &[kind, atRead, fault] :
+                     {std::tuple{"write error", false, VI_ERROR_IO},
+                      {"read error", true, VI_ERROR_TMO},
+                      {"completion code", true, VI_SUCCESS_MAX_CNT}}) {
+                    QTest::addRow("%s, %d: %s, %s", qPrintable(name), step,
+                                  qPrintable(chain[step].command), kind)
+                        << c << failing << atRead << fault;
                 }
             }
         }
@@ -230,35 +216,26 @@ private slots:
     {
         QFETCH(const int, chain);
         QFETCH(const QVector<int>, failing);
-        QFETCH(const int, fault);
+        QFETCH(const bool, atRead);
+        QFETCH(const ViStatus, fault);
         Chain tested = chains()[chain];
         if (tested.name == "sa QEL" && failing.contains(0)) {
-            tested.steps = analyzerSteps("plain", 1); // nobody knows its family then
+            tested.steps = analyzerSteps("", 1); // nobody knows its family then
         }
-        const Expectation expected =
-            play(tested.instrument, tested.timeout, tested.steps, failing, Fault(fault));
+        const VisaDouble::At where = atRead ? VisaDouble::At::Read : VisaDouble::At::Write;
+        const Expectation expected = play(tested.instrument(), tested.steps, failing, where, fault);
 
         VisaDouble visa;
         visa.answer = [&](const QString &, const QByteArray &command) {
-            return command == "*IDN?\n" ? identityOf(tested.name) : QByteArray("1\n");
+            return command == "*IDN?\n" ? tested.identity : QByteArray("1\n");
         };
-        for (const VisaDouble::At where : {VisaDouble::At::Write, VisaDouble::At::Read}) {
-            const QStringList calls =
-                expected.transcript.filter(where == VisaDouble::At::Write ? " <" : " >");
-            for (int call = 0; call < calls.size(); ++call) {
-                if (calls[call].contains(" -> ")) {
-                    visa.failAt(where, call, statusOf(Fault(fault)));
-                }
-            }
+        const QStringList calls = expected.transcript.filter(atRead ? " >" : " <");
+        for (int call = 0; call < calls.size(); ++call) {
+            visa.failAt(where, call, calls[call].contains(" -> ") ? fault : VI_SUCCESS);
         }
-        const ViSession spectrumAnalyzer = visa.openQuietly("sa");
         ViSession session = 0;
-        const bool ready = setUp(tested.name, &session, spectrumAnalyzer) == VI_SUCCESS;
-
-        // The video analyzer's last step goes to the spectrum analyzer.
-        QStringList transcript = expected.transcript;
-        transcript.replaceInStrings("va local", "sa local");
-        QCOMPARE(visa.takeTranscript(), transcript);
+        const bool ready = tested.setUp(&session, visa.openQuietly("sa")) == VI_SUCCESS;
+        QCOMPARE(visa.takeTranscript(), expected.transcript);
         QCOMPARE(ready, expected.ready);
         QVERIFY(session != 0);
     }
@@ -268,69 +245,64 @@ private slots:
     /// gets nothing.
     void failedOpening()
     {
-        for (const Chain &tested : chains()) {
-            for (const VisaDouble::At where : {VisaDouble::At::Open, VisaDouble::At::Timeout}) {
-                VisaDouble visa;
-                visa.failAt(where, 0, VI_ERROR_RSRC_NFOUND);
-                ViSession session = 0;
-                const ViStatus status = setUp(tested.name, &session, visa.openQuietly("sa"));
-                const QStringList written = visa.takeTranscript().filter(" < ");
-
-                const QStringList firsts =
-                    tested.instrument == "va" ? QStringList()
-                    : tested.instrument == "sa"
-                        ? QStringList{"DISP:TRAC:Y:RLEV 0.0",
-                                      tested.name == "sa QAN" ? "SWE:TIME 1" : "SWE:TIME 1.2"}
-                        : QStringList{tested.name == "osc LPA4004" ? "TRIG:B:ENAB OFF"
-                                                                   : "ACQ:POIN:AUTO 1"};
-                QStringList expected;
-                for (const QString &command : firsts) {
-                    expected << "session 0 < " + wholeCommand(command);
-                }
-                if (where == VisaDouble::At::Open) {
-                    QCOMPARE(written, expected);
-                    QVERIFY(status != VI_SUCCESS && session == 0);
-                } else {
-                    QCOMPARE(written.isEmpty(), tested.instrument == "va");
-                    QVERIFY(written.filter(QRegularExpression("ERR|IDN|RST|FREQ:MODE")).isEmpty());
-                    QCOMPARE(status == VI_SUCCESS, tested.instrument != "va");
-                }
+        const QMap<QString, QStringList> tried = {
+            {"osc KVx", {"ACQ:POIN:AUTO 1"}},
+            {"osc KVx IF", {"ACQ:POIN:AUTO 1"}},
+            {"osc LPA4004", {"TRIG:B:ENAB OFF"}},
+            {"sa", {"DISP:TRAC:Y:RLEV 0.0", "SWE:TIME 1.2"}},
+            {"sa QAN", {"DISP:TRAC:Y:RLEV 0.0", "SWE:TIME 1"}},
+            {"sa QEL", {"DISP:TRAC:Y:RLEV 0.0", "SWE:TIME 1.2"}}};
+        for (const Chain &chain : chains()) {
+            VisaDouble visa;
+            visa.failAt(VisaDouble::At::Open, 0, VI_ERROR_RSRC_NFOUND);
+            visa.failAt(VisaDouble::At::Timeout, 0, VI_ERROR_NSUP_ATTR);
+            const ViSession spectrumAnalyzer = visa.openQuietly("sa");
+            ViSession session = 0;
+            QStringList expected = {chain.instrument() + " open -> bfff0011"};
+            for (const QString &command : tried[chain.name]) {
+                expected << "session 0 < " + command + ";*OPC?\\n";
             }
+            QVERIFY(chain.setUp(&session, spectrumAnalyzer) != VI_SUCCESS);
+            QCOMPARE(visa.takeTranscript(), expected);
+            QCOMPARE(session, ViSession(0));
+
+            visa.failAt(VisaDouble::At::Open, 0, VI_SUCCESS);
+            const bool ready = chain.setUp(&session, spectrumAnalyzer) == VI_SUCCESS;
+            const QStringList written = visa.takeTranscript().filter(" < ");
+            QCOMPARE(ready, chain.name != "va");
+            QCOMPARE(written.isEmpty(), chain.name == "va");
+            QVERIFY(written.filter(QRegularExpression("ERR|IDN|RST|FREQ:MODE")).isEmpty());
         }
     }
 
     /// Go To Local decides the readiness of both analyzers, and never that of the oscilloscope.
     void goToLocalDecides()
     {
-        for (const Chain &tested : chains()) {
+        for (const Chain &chain : chains()) {
             VisaDouble visa;
             visa.failAt(VisaDouble::At::Local, 0, VI_ERROR_TMO);
             ViSession session = 0;
-            const ViStatus status = setUp(tested.name, &session, visa.openQuietly("sa"));
-            QCOMPARE(status == VI_SUCCESS, tested.instrument == "osc");
+            const ViStatus status = chain.setUp(&session, visa.openQuietly("sa"));
+            QVERIFY2((status == VI_SUCCESS) == (chain.instrument() == "osc"),
+                     qPrintable(chain.name));
         }
         VisaDouble visa;
         ViSession session = 0;
-        QVERIFY(setUp("va", &session, 0) != VI_SUCCESS); // no spectrum analyzer was opened
+        QVERIFY(chains().last().setUp(&session, 0) != VI_SUCCESS); // no spectrum analyzer is open
         QCOMPARE(visa.takeTranscript().last(), QString("session 0 local"));
     }
 
     void pressingAgainLeaksNoSession()
     {
-        for (const Chain &tested : chains()) {
+        for (const Chain &chain : chains()) {
             VisaDouble visa;
-            const ViSession spectrumAnalyzer = visa.openQuietly("sa");
-            ViSession session = 0;
-            setUp(tested.name, &session, spectrumAnalyzer);
-            const ViSession first = session;
-            visa.takeTranscript();
-            setUp(tested.name, &session, spectrumAnalyzer);
+            const QString name = chain.instrument();
+            ViSession session = visa.openQuietly(name);
+            chain.setUp(&session, visa.openQuietly("sa"));
             QCOMPARE(visa.takeTranscript().mid(0, 2),
-                     QStringList({tested.instrument + " close", tested.instrument + " open"}));
-            QVERIFY(session != first);
-
+                     QStringList({name + " close", name + " open"}));
             visa.failAt(VisaDouble::At::Open, 0, VI_ERROR_RSRC_NFOUND);
-            QVERIFY(setUp(tested.name, &session, spectrumAnalyzer) != VI_SUCCESS);
+            chain.setUp(&session, visa.openQuietly("sa"));
             QCOMPARE(session, ViSession(0));
         }
     }

@@ -4,9 +4,8 @@
 #include "instrument/VisaLibraryPath.h"
 
 #include <QFile>
-#include <QVector>
 
-#include <cstring>
+#include <algorithm>
 
 namespace {
 
@@ -20,121 +19,70 @@ QString visaLibraryPath()
     return VisaDouble::libraryPath;
 }
 
-struct VisaDouble::Entries
-{
-    static ViStatus openDefaultRM(ViSession *session)
-    {
-        *session = resourceManager;
-        return VI_SUCCESS;
-    }
-
-    static ViStatus statusDesc(ViObject /*object*/, ViStatus status, ViChar *text)
-    {
-        std::strcpy(text, "Zeitüberschreitung");
-        return status == VI_ERROR_TMO ? VI_SUCCESS : VI_ERROR_INV_OBJECT;
-    }
-
-    static ViStatus open(ViSession manager, const ViChar *resource, ViAccessMode mode,
-                         ViUInt32 timeout, ViSession *session)
-    {
-        const bool usual = manager == resourceManager && mode == VI_NO_LOCK && timeout == 10000;
-        const ViStatus status =
-            current->log(At::Open, QString(resource) + (usual ? " open" : " open unusually"));
-        if (status == VI_SUCCESS) {
-            *session = ++current->nextSession;
-            current->open[*session] = resource;
-        }
-        return status;
-    }
-
-    static ViStatus setAttribute(ViObject object, ViAttr attribute, ViAttrState value)
-    {
-        return current->log(At::Timeout,
-                            current->name(object) +
-                                (attribute == VI_ATTR_TMO_VALUE ? " timeout " : " attribute ") +
-                                QString::number(value));
-    }
-
-    static ViStatus write(ViSession session, const ViByte *buffer, ViUInt32 count,
-                          ViUInt32 * /*returned*/)
-    {
-        const QByteArray command(reinterpret_cast<const char *>(buffer), static_cast<int>(count));
-        QString shown = command;
-        ViStatus status =
-            current->log(At::Write, current->name(session) + " < " + shown.replace("\n", "\\n"));
-        if (status == VI_SUCCESS && !current->open.contains(session)) {
-            status = VI_ERROR_INV_OBJECT;
-        }
-        if (status == VI_SUCCESS) {
-            const auto reply = current->answer(current->name(session), command);
-            current->pending.remove(session);
-            if (reply) {
-                current->pending[session] = *reply;
-            }
-        }
-        return status;
-    }
-
-    static ViStatus read(ViSession session, ViByte *buffer, ViUInt32 count, ViUInt32 *returned)
-    {
-        QByteArray bytes;
-        const ViStatus status = current->take(session, " >", count, &bytes);
-        std::memcpy(buffer, bytes.constData(), static_cast<std::size_t>(bytes.size()));
-        if (returned != nullptr) {
-            *returned = static_cast<ViUInt32>(bytes.size());
-        }
-        return status;
-    }
-
-    static ViStatus readToFile(ViSession session, const ViChar *fileName, ViUInt32 count,
-                               ViUInt32 * /*returned*/)
-    {
-        QByteArray bytes;
-        const ViStatus status = current->take(session, " >file", count, &bytes);
-        QFile file(QFile::decodeName(fileName));
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
-            return VI_ERROR_FILE_ACCESS;
-        }
-        file.write(bytes);
-        return status;
-    }
-
-    static ViStatus close(ViObject object)
-    {
-        current->transcript += current->name(object) + " close";
-        return current->open.remove(object) == 1 ? VI_SUCCESS : VI_ERROR_INV_OBJECT;
-    }
-
-    static ViStatus gpibControlREN(ViSession session, ViUInt16 mode)
-    {
-        const ViStatus status = current->log(
-            At::Local, current->name(session) +
-                           (mode == VI_GPIB_REN_ADDRESS_GTL ? " local" : " unexpected mode"));
-        return current->open.contains(session) ? status : VI_ERROR_INV_OBJECT;
-    }
-};
-
 VisaDouble::VisaDouble()
     : answer([](const QString & /*resource*/, const QByteArray &command) {
           return command.endsWith("?\n") ? std::make_optional<QByteArray>("1\n") : std::nullopt;
       })
 {
     current = this;
-    p_viOpenDefaultRM = Entries::openDefaultRM;
-    p_viStatusDesc = Entries::statusDesc;
-    p_viOpen = Entries::open;
-    p_viSetAttribute = Entries::setAttribute;
-    p_viWrite = Entries::write;
-    p_viRead = Entries::read;
-    p_viReadToFile = Entries::readToFile;
-    p_viClose = Entries::close;
-    p_viGpibControlREN = Entries::gpibControlREN;
+    p_viOpenDefaultRM = [](ViSession *session) {
+        *session = resourceManager;
+        return VI_SUCCESS;
+    };
+    p_viOpen = [](ViSession manager, const ViChar *resource, ViAccessMode mode, ViUInt32 timeout,
+                  ViSession *session) {
+        const bool usual = manager == resourceManager && mode == VI_NO_LOCK && timeout == 10000;
+        const ViStatus status =
+            current->log(At::Open, QString(resource) + (usual ? " open" : " open unusually"));
+        if (status == VI_SUCCESS) {
+            *session = current->openQuietly(resource);
+        }
+        return status;
+    };
+    p_viSetAttribute = [](ViObject object, ViAttr attribute, ViAttrState value) {
+        const QString entry = attribute == VI_ATTR_TMO_VALUE ? " timeout " : " attribute ";
+        return current->log(At::Timeout, current->name(object) + entry + QString::number(value));
+    };
+    p_viWrite = [](ViSession session, const ViByte *buffer, ViUInt32 count, ViUInt32 *) {
+        const QByteArray command(reinterpret_cast<const char *>(buffer), static_cast<int>(count));
+        const QString shown = QString(command).replace("\n", "\\n");
+        const ViStatus fault = current->log(At::Write, current->name(session) + " < " + shown);
+        if (fault != VI_SUCCESS || !current->open.contains(session)) {
+            return fault != VI_SUCCESS ? fault : VI_ERROR_INV_OBJECT;
+        }
+        current->pending[session] = current->answer(current->name(session), command);
+        return VI_SUCCESS;
+    };
+    p_viRead = [](ViSession session, ViByte *buffer, ViUInt32 count, ViUInt32 *returned) {
+        QByteArray bytes;
+        const ViStatus status = current->take(session, " >", count, &bytes);
+        std::copy(bytes.begin(), bytes.end(), buffer);
+        if (returned != nullptr) {
+            *returned = static_cast<ViUInt32>(bytes.size());
+        }
+        return status;
+    };
+    p_viReadToFile = [](ViSession session, const ViChar *fileName, ViUInt32 count, ViUInt32 *) {
+        QByteArray bytes;
+        const ViStatus status = current->take(session, " >file", count, &bytes);
+        QFile file(QFile::decodeName(fileName));
+        const bool kept = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+        return kept ? status : VI_ERROR_FILE_ACCESS;
+    };
+    p_viClose = [](ViObject object) {
+        current->transcript += current->name(object) + " close";
+        return current->open.remove(object) == 1 ? VI_SUCCESS : VI_ERROR_INV_OBJECT;
+    };
+    p_viGpibControlREN = [](ViSession session, ViUInt16 mode) {
+        const QString entry = mode == VI_GPIB_REN_ADDRESS_GTL ? " local" : " unexpected mode";
+        const ViStatus status = current->log(At::Local, current->name(session) + entry);
+        return current->open.contains(session) ? status : VI_ERROR_INV_OBJECT;
+    };
 }
 
 VisaDouble::~VisaDouble()
 {
     p_viOpenDefaultRM = nullptr;
-    p_viStatusDesc = nullptr;
     p_viOpen = nullptr;
     p_viSetAttribute = nullptr;
     p_viWrite = nullptr;
@@ -176,24 +124,23 @@ ViStatus VisaDouble::take(ViSession session, const QString &entry, ViUInt32 coun
                           QByteArray *bytes)
 {
     const ViStatus fault = log(At::Read, name(session) + entry);
-    if (fault < 0 || !pending.contains(session)) {
+    std::optional<QByteArray> &message = pending[session];
+    if (fault < 0 || !message) {
         return fault < 0 ? fault : VI_ERROR_TMO;
     }
-    QByteArray &rest = pending[session];
-    *bytes = rest.left(static_cast<int>(count));
-    rest.remove(0, bytes->size());
-    if (fault == VI_SUCCESS && !rest.isEmpty()) {
-        return VI_SUCCESS_MAX_CNT;
+    *bytes = message->left(static_cast<int>(count));
+    message->remove(0, bytes->size());
+    if (message->isEmpty()) {
+        message.reset();
+        return fault;
     }
-    if (rest.isEmpty()) {
-        pending.remove(session);
-    }
-    return fault;
+    return fault == VI_SUCCESS ? VI_SUCCESS_MAX_CNT : fault;
 }
 
-QByteArray blockOf(const QVector<float> &samples)
+QByteArray blockOf(const QVector<double> &samples)
 {
-    const QByteArray length = QByteArray::number(4 * samples.size());
-    const QByteArray data(reinterpret_cast<const char *>(samples.constData()), 4 * samples.size());
+    const QVector<float> values(samples.begin(), samples.end());
+    const QByteArray data(reinterpret_cast<const char *>(values.constData()), 4 * values.size());
+    const QByteArray length = QByteArray::number(data.size());
     return '#' + QByteArray::number(length.size()) + length + data + '\n';
 }

@@ -4,7 +4,6 @@
 
 #include <QByteArray>
 #include <QMap>
-#include <QMetaType>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -52,20 +51,17 @@ public:
         answer;
 
 private:
-    struct Entries;
-    QString name(ViSession session) const;
+    [[nodiscard]] QString name(ViSession session) const;
     ViStatus log(At where, QString entry);
     ViStatus take(ViSession session, const QString &entry, ViUInt32 count, QByteArray *bytes);
 
     QMap<ViSession, QString> open;
-    QMap<ViSession, QByteArray> pending;
+    QMap<ViSession, std::optional<QByteArray>> pending;
     QMap<At, QMap<int, ViStatus>> faults;
     QMap<At, int> calls;
     QStringList transcript;
     ViSession nextSession = 100;
 };
 
-/// A definite-length block of 32-bit floats with its terminator, as an instrument sends it.
-QByteArray blockOf(const QVector<float> &samples);
-
-Q_DECLARE_METATYPE(VisaDouble::At)
+/// A definite-length block of 32-bit floats with its terminator, as instruments send it.
+QByteArray blockOf(const QVector<double> &samples);

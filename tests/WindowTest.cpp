@@ -14,6 +14,8 @@
 #include <qwt_plot_marker.h>
 #include <qwt_text.h>
 
+#include <algorithm>
+
 namespace {
 
 /// While it lives, it notes every modal dialog that opens and accepts it, as the operator would.
@@ -59,7 +61,6 @@ struct Session
         // A check box takes clicks on its indicator and text only.
         QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(8, button->height() / 2));
     }
-    QString text(const char *name) const { return find<QLineEdit>(name)->text(); }
     bool isEnabled(const char *name) const { return find<QWidget>(name)->isEnabled(); }
 
     std::unique_ptr<MainWindow> window;
@@ -70,14 +71,6 @@ QString settingsFile()
     return settingsDirectory() + "/WindowTest.cfg";
 }
 
-void writeSettings(const QByteArray &contents)
-{
-    QDir().mkpath(settingsDirectory());
-    QFile file(settingsFile());
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(contents);
-}
-
 } // namespace
 
 class WindowTest : public QObject
@@ -85,6 +78,60 @@ class WindowTest : public QObject
     Q_OBJECT
 
     QTemporaryDir home;
+
+    static void showGraph(int type, int samples)
+    {
+        OsTyp = type;
+        VaHdmi = type == 0;
+        t = QVector<double>(3 * samples, 0.25); // as after three attempts
+        d1_src = QVector<double>(samples, 1.0);
+        d2_rf = QVector<double>(samples, 2.0);
+        d3_snk = QVector<double>(samples, 3.0);
+        t_src = 0.0123456789;
+        t_rf = 0.000015;
+        t_snk = 0.25;
+        mS2Rf = 2500;
+        mS2Hd = -95.12345;
+        mS2Snk = -3000;
+        Graph graph(nullptr);
+        const auto *plot = graph.findChild<QwtPlot *>("plt");
+
+        const QwtInterval time = plot->axisInterval(QwtPlot::xBottom);
+        QCOMPARE(time.maxValue(), type == 0 ? 0.5 : 0.6);
+        QCOMPARE(time.minValue(), -time.maxValue());
+        QVERIFY(plot->axisAutoScale(QwtPlot::yLeft) && !plot->axisAutoScale(QwtPlot::xBottom));
+        QCOMPARE(plot->axisTitle(QwtPlot::xBottom).text(), QString("Time / s"));
+        QCOMPARE(plot->axisTitle(QwtPlot::yLeft).text(), QString("Voltage / V"));
+
+        const auto curves = plot->itemList(QwtPlotItem::Rtti_PlotCurve);
+        const auto markers = plot->itemList(QwtPlotItem::Rtti_PlotMarker);
+        const QVector<QColor> colors = {Qt::blue, Qt::yellow, Qt::red};
+        const QStringList labels = {"tsrc = 0.0123457 s", "trf = 1.5e-05 s", "tsnk = 0.25 s"};
+        QCOMPARE(curves.size(), 3);
+        QCOMPARE(markers.size(), 3);
+        for (int i = 0; i < 3; ++i) {
+            const auto *curve = static_cast<const QwtPlotCurve *>(curves[i]);
+            QCOMPARE(curve->pen(), QPen(colors[i], 0));
+            QCOMPARE(int(curve->dataSize()), samples);
+            if (samples > 0) {
+                QCOMPARE(curve->sample(samples - 1), QPointF(0.25, i + 1.0));
+            }
+            const auto *marker = static_cast<const QwtPlotMarker *>(markers[i]);
+            QCOMPARE(marker->label().text(), labels[i]);
+            QCOMPARE(marker->xValue(), QVector<double>({t_src, t_rf, t_snk})[i]);
+            QCOMPARE(marker->lineStyle(), QwtPlotMarker::VLine);
+            QCOMPARE(marker->linePen(),
+                     QPen(Qt::black, 0, Qt::DashDotLine, Qt::SquareCap, Qt::BevelJoin));
+        }
+
+        const auto shown = [&](const char *name) {
+            return graph.findChild<QDoubleSpinBox *>(name)->text();
+        };
+        QCOMPARE(QStringList({shown("Src2Rf"), shown("Src2Hd"), shown("Src2Snk")}),
+                 QStringList({"2000.000", "-95.123", "-2000.000"}));
+        QCOMPARE(graph.findChild<QWidget *>("Src2Hd")->isEnabled(), VaHdmi);
+        QCOMPARE(graph.findChild<QWidget *>("Src2Rf")->isEnabled(), true);
+    }
 
 private slots:
     void initTestCase()
@@ -130,31 +177,27 @@ private slots:
         QStringList declared;
         for (int i = meta.methodOffset(); i < meta.methodCount(); ++i) {
             const QMetaMethod method = meta.method(i);
-            QStringList parameters;
-            for (int p = 0; p < method.parameterCount(); ++p) {
-                parameters << method.parameterTypes()[p] + ' ' + method.parameterNames()[p];
-            }
-            declared << QString("%1 %2 %3(%4)")
-                            .arg(method.access() == QMetaMethod::Public ? "public" : "private",
-                                 method.typeName(), method.name(), parameters.join(", "));
+            const QString access = method.access() == QMetaMethod::Public ? "public" : "private";
+            declared << access + ' ' + method.typeName() + ' ' + method.methodSignature() + ": " +
+                            method.parameterNames().join(' ');
         }
+        const QString fourTraces =
+            "QVector<double>*,QVector<double>*,QVector<double>*,QVector<double>*";
         QCOMPARE(
             declared,
             QStringList(
-                {"public int LoadCfgFile(QString fnam)", "public int SaveCfgFile(QString fnam)",
-                 "public int SaveBinFile(QString fnam, QVector<double> d, ViInt32 cnt)",
-                 "public int LoadBinFile(QString fnam, QVector<double>* d, ViInt32* cnt)",
-                 "private int Meas(QVector<double>* d1, QVector<double>* d2, "
-                 "QVector<double>* d3, QVector<double>* t)",
-                 "private void CalcDeltaT2(int pts, QVector<double>* d1, "
-                 "QVector<double>* d2, QVector<double>* d3, QVector<double>* t, "
-                 "double* Src2Rf, double* Src2Snk)",
-                 "private void on_VaHdmi_clicked(bool checked)", "private void UndimStart()",
-                 "private void on_OsInit_clicked()", "private void on_SaInit_clicked()",
-                 "private void on_VaInit_clicked()", "private void on_Start_clicked()",
-                 "private void on_OsTyp_currentIndexChanged(int index)",
-                 "private bool ReadArray(ViSession hdl, QString cmd, QVector<double>* arr)",
-                 "private bool IntReadArray(ViSession hdl, QVector<double>* arr)"}));
+                {"public int LoadCfgFile(QString): fnam", "public int SaveCfgFile(QString): fnam",
+                 "public int SaveBinFile(QString,QVector<double>,ViInt32): fnam d cnt",
+                 "public int LoadBinFile(QString,QVector<double>*,ViInt32*): fnam d cnt",
+                 "private int Meas(" + fourTraces + "): d1 d2 d3 t",
+                 "private void CalcDeltaT2(int," + fourTraces +
+                     ",double*,double*): pts d1 d2 d3 t Src2Rf Src2Snk",
+                 "private void on_VaHdmi_clicked(bool): checked", "private void UndimStart(): ",
+                 "private void on_OsInit_clicked(): ", "private void on_SaInit_clicked(): ",
+                 "private void on_VaInit_clicked(): ", "private void on_Start_clicked(): ",
+                 "private void on_OsTyp_currentIndexChanged(int): index",
+                 "private bool ReadArray(ViSession,QString,QVector<double>*): hdl cmd arr",
+                 "private bool IntReadArray(ViSession,QVector<double>*): hdl arr"}));
     }
 
     /// The window has no buttons of its own, and every text its place.
@@ -165,15 +208,21 @@ private slots:
         QCOMPARE(session.window->size(), QSize(327, 293));
         QCOMPARE(session.window->windowFlags(),
                  Qt::Window | Qt::WindowTitleHint | Qt::CustomizeWindowHint);
+        const auto hasRoom = [](const QWidget *widget, const QString &text, int indicator) {
+            const QFontMetrics metrics = widget->fontMetrics();
+            const QStringList lines = text.split('\n');
+            return std::all_of(lines.begin(), lines.end(), [&](const QString &line) {
+                const QSize ink = metrics.tightBoundingRect(line).size();
+                // The ink's width is rounded up, the advance has room after the last letter.
+                const int width = qMin(ink.width(), metrics.horizontalAdvance(line)) + indicator;
+                return width <= widget->width() && ink.height() * lines.size() <= widget->height();
+            });
+        };
         for (const QLabel *label : session.window->findChildren<QLabel *>()) {
-            const QSize text = label->fontMetrics().boundingRect(label->text()).size();
-            QVERIFY2(text.width() <= label->width(), qPrintable(label->objectName()));
-            QVERIFY2(text.height() <= label->height(), qPrintable(label->objectName()));
+            QVERIFY2(hasRoom(label, label->text(), 0), qPrintable(label->objectName()));
         }
-        for (const QAbstractButton *box : session.window->findChildren<QCheckBox *>()) {
-            const QSize text = box->fontMetrics().size(0, box->text());
-            QVERIFY2(text.width() + 16 <= box->width(), qPrintable(box->objectName()));
-            QVERIFY2(text.height() <= box->height(), qPrintable(box->objectName()));
+        for (const QCheckBox *box : session.window->findChildren<QCheckBox *>()) {
+            QVERIFY2(hasRoom(box, box->text(), 16), qPrintable(box->objectName()));
         }
         QVERIFY(!session.isEnabled("Start") && !session.isEnabled("VaThresLbl"));
         QTest::mouseClick(session.find<QDialogButtonBox>("Cancel")->buttons().first(),
@@ -259,23 +308,23 @@ private slots:
     {
         const Session session;
         DialogWatcher dialogs;
-        const QString file = home.filePath("trace.bin");
-        QVector<double> source(101, 0.0);
-        std::fill(source.begin() + 20, source.end(), 0.2);
-        QVector<double> sink(101, 0.0);
-        sink[60] = 0.1;
+        const auto step = [](int index) {
+            return QVector<double>(index, 0.0) + QVector<double>(101 - index, 0.2);
+        };
+        QVector<double> source = step(20);
+        QVector<double> rf = step(40);
+        QVector<double> sink = step(60);
         QVector<double> axis;
-        double sourceToRf = 0;
-        double sourceToSink = 0;
+        QVector<double> delays(2);
         QVERIFY(QMetaObject::invokeMethod(
             session.window.get(), "CalcDeltaT2", Q_ARG(int, 101), Q_ARG(QVector<double> *, &source),
-            Q_ARG(QVector<double> *, &source), Q_ARG(QVector<double> *, &sink),
-            Q_ARG(QVector<double> *, &axis), Q_ARG(double *, &sourceToRf),
-            Q_ARG(double *, &sourceToSink)));
-        QCOMPARE(OsTyp, 1);
-        QCOMPARE(QVector<double>({sourceToRf, t_src, t_rf}), QVector<double>({0, t_rf, t_src}));
-        QCOMPARE(sourceToSink, 480.0);
+            Q_ARG(QVector<double> *, &rf), Q_ARG(QVector<double> *, &sink),
+            Q_ARG(QVector<double> *, &axis), Q_ARG(double *, &delays[0]),
+            Q_ARG(double *, &delays[1])));
+        QCOMPARE(qRound(delays[0]), 240);
+        QCOMPARE(qRound(delays[1]), 480);
 
+        const QString file = home.filePath("trace.bin");
         QCOMPARE(session.window->SaveBinFile(file, source, 100), 0);
         QVector<double> loaded;
         ViInt32 count = 0;
@@ -286,6 +335,7 @@ private slots:
         QCOMPARE(dialogs.seen, QStringList{"File Error: File not found."});
     }
 
+    /// The video analyzer's session is closed when its box is checked, the others always.
     void closing()
     {
         for (const bool hdmi : {false, true}) {
@@ -296,13 +346,12 @@ private slots:
                 session->find<QLineEdit>(qPrintable(panel + "Ip"))->setText(panel);
                 session->click(qPrintable(panel + "Init"));
             }
-            if (!hdmi) {
-                session->click("VaHdmi");
-            }
+            session->find<QCheckBox>("VaHdmi")->setChecked(hdmi);
             visa.takeTranscript();
             session.reset();
-            QCOMPARE(visa.takeTranscript(), hdmi ? QStringList({"Os close", "Sa close", "Va close"})
-                                                 : QStringList({"Os close", "Sa close"}));
+            QCOMPARE(
+                visa.takeTranscript(),
+                QStringList(QStringList{"Os close", "Sa close", "Va close"}.mid(0, hdmi ? 3 : 2)));
             QVERIFY(QFile::remove(settingsFile()));
         }
     }
@@ -326,57 +375,48 @@ private slots:
         QVERIFY(QFileInfo::exists(settingsDirectory()));
     }
 
-    void loadedSettings_data()
-    {
-        QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<QStringList>("texts");    // OsTrgLvl, SaFrq, VaThres, OsIp
-        QTest::addColumn<QVector<bool>>("checks"); // OsRst, SaRst, SaIfDem, VaRst, VaHdmi, SaveData
-        QTest::addColumn<int>("type");
-
-        const QStringList usual = {"0.027", "5.192e+09", "35", "TCPIP0::oscilloscope::INSTR"};
-        const QVector<bool> none(6, false);
-        QTest::newRow("no file") << QByteArray() << usual << none << 1;
-        QTest::newRow("everything")
-            << QByteArray(
-                   "[%General]\nSave%20Data=2\n[Oscilloscope]\nIP%20Address=TCPIP0::o::INSTR\n"
-                   "Reset=true\nTrigger%20Level=1e-05\nType=0\n[Spectrum%20Analyzer]\n"
-                   "Reset=2\nCenter%20Frequency=2437000000\nIF%20Demod=1\n[Video%20Analyzer]\n"
-                   "Reset=2\nThreshold=0.5\nHDMI%20Delay=true\n")
-            << QStringList{"1e-05", "2.437e+09", "0.5", "TCPIP0::o::INSTR"}
-            << QVector<bool>(6, true) << 0;
-        for (const char *type : {"2", "-1", "LPA4004", "99999999999"}) {
-            QTest::addRow("type %s", type)
-                << QByteArray("[Oscilloscope]\nType=") + type << usual << none << 1;
-        }
-        QTest::newRow("no numbers") << QByteArray("[Oscilloscope]\nTrigger%20Level=high\nReset=0\n")
-                                    << QStringList{"0", usual[1], usual[2], usual[3]} << none << 1;
-        QTest::newRow("rubbish") << QByteArray("\0\xFF[[[=\n]=\\x\n", 12) << usual << none << 1;
-    }
-
     void loadedSettings()
     {
-        QFETCH(const QByteArray, file);
-        QFETCH(const QStringList, texts);
-        QFETCH(const QVector<bool>, checks);
-        QFETCH(const int, type);
-
-        if (!file.isEmpty()) {
-            writeSettings(file);
-        }
-        const Session session;
-        QCOMPARE(QStringList({session.text("OsTrgLvl"), session.text("SaFrq"),
-                              session.text("VaThres"), session.text("OsIp")}),
-                 texts);
-        QVector<bool> checked;
-        for (const char *name : {"OsRst", "SaRst", "SaIfDem", "VaRst", "VaHdmi", "SaveData"}) {
-            checked << session.find<QCheckBox>(name)->isChecked();
-        }
-        QCOMPARE(checked, checks);
-        QCOMPARE(session.find<QComboBox>("OsTyp")->currentIndex(), type);
-        QCOMPARE(OsTyp, type);
-        QCOMPARE(VaHdmi, checks[4]);
-        for (const char *name : {"VaInit", "VaIp", "VaRst", "VaThres", "VaThresLbl"}) {
-            QCOMPARE(session.isEnabled(name), VaHdmi);
+        // Texts, the state of every check box, the oscilloscope's type.
+        const QStringList usual = {"0.027",  "5.192e+09", "35", "TCPIP0::oscilloscope::INSTR",
+                                   "000000", "1"};
+        QStringList levelIsNoNumber = usual;
+        levelIsNoNumber[0] = "0";
+        const QByteArray everything =
+            "[%General]\nSave%20Data=2\n[Oscilloscope]\nIP%20Address=TCPIP0::o::INSTR\n"
+            "Reset=true\nTrigger%20Level=1e-05\nType=0\n[Spectrum%20Analyzer]\n"
+            "Reset=2\nCenter%20Frequency=2437000000\nIF%20Demod=1\n[Video%20Analyzer]\n"
+            "Reset=2\nThreshold=0.5\nHDMI%20Delay=true\n";
+        const QByteArray oscilloscope = "[Oscilloscope]\n";
+        for (const auto &[stored, expected] :
+             {std::pair{QByteArray(), usual},
+              {everything, {"1e-05", "2.437e+09", "0.5", "TCPIP0::o::INSTR", "111111", "0"}},
+              {oscilloscope + "Type=2", usual},
+              {oscilloscope + "Type=-1", usual},
+              {oscilloscope + "Type=LPA4004", usual},
+              {oscilloscope + "Type=99999999999", usual},
+              {oscilloscope + "Trigger%20Level=high\nReset=0\n", levelIsNoNumber},
+              {QByteArray("\0\xFF[[[=\n]=\\x\n", 12), usual}}) {
+            QDir().mkpath(settingsDirectory());
+            QFile file(settingsFile());
+            QVERIFY(file.open(QIODevice::WriteOnly) && file.write(stored) == stored.size());
+            file.close();
+            const Session session;
+            QStringList shown;
+            for (const char *name : {"OsTrgLvl", "SaFrq", "VaThres", "OsIp"}) {
+                shown << session.find<QLineEdit>(name)->text();
+            }
+            shown << QString();
+            for (const char *name : {"OsRst", "SaRst", "SaIfDem", "VaRst", "VaHdmi", "SaveData"}) {
+                shown.last() += session.find<QCheckBox>(name)->isChecked() ? '1' : '0';
+            }
+            shown << QString::number(session.find<QComboBox>("OsTyp")->currentIndex());
+            QCOMPARE(shown.join('|'), expected.join('|'));
+            QCOMPARE(QString::number(OsTyp), expected.last());
+            QCOMPARE(VaHdmi, session.find<QCheckBox>("VaHdmi")->isChecked());
+            for (const char *name : {"VaInit", "VaIp", "VaRst", "VaThres", "VaThresLbl"}) {
+                QCOMPARE(session.isEnabled(name), VaHdmi);
+            }
         }
     }
 
@@ -407,75 +447,13 @@ private slots:
                               "Video Analyzer/IP Address=TCPIP0::video-analyzer::INSTR",
                               "Video Analyzer/Reset=0", "Video Analyzer/Threshold=35"}));
         const Session session;
-        QCOMPARE(session.text("SaIp"), QString("TCPIP0::ö, \"=;%::INSTR"));
+        QCOMPARE(session.find<QLineEdit>("SaIp")->text(), QString("TCPIP0::ö, \"=;%::INSTR"));
         QCOMPARE(session.find<QComboBox>("OsTyp")->currentIndex(), 0);
     }
 
-    void graph_data()
-    {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<int>("samples");
-        QTest::newRow("KVx") << 0 << 100;
-        QTest::newRow("LPA4004") << 1 << 100;
-        QTest::newRow("no traces") << 1 << 0;
-    }
+    void graphOfKvx() { showGraph(0, 100); }
 
-    void graph()
-    {
-        QFETCH(const int, type);
-        QFETCH(const int, samples);
-
-        OsTyp = type;
-        VaHdmi = type == 0;
-        t = QVector<double>(3 * samples, 0.25); // as after three attempts
-        d1_src = QVector<double>(samples, 1.0);
-        d2_rf = QVector<double>(samples, 2.0);
-        d3_snk = QVector<double>(samples, 3.0);
-        t_src = 0.0123456789;
-        t_rf = 0.000015;
-        t_snk = 0.25;
-        mS2Rf = 2500;
-        mS2Hd = -95.12345;
-        mS2Snk = -3000;
-        Graph graph(nullptr);
-        const auto *plot = graph.findChild<QwtPlot *>("plt");
-
-        const QwtInterval time = plot->axisInterval(QwtPlot::xBottom);
-        QCOMPARE(time.maxValue(), type == 0 ? 0.5 : 0.6);
-        QCOMPARE(time.minValue(), -time.maxValue());
-        QVERIFY(plot->axisAutoScale(QwtPlot::yLeft) && !plot->axisAutoScale(QwtPlot::xBottom));
-        QCOMPARE(plot->axisTitle(QwtPlot::xBottom).text(), QString("Time / s"));
-        QCOMPARE(plot->axisTitle(QwtPlot::yLeft).text(), QString("Voltage / V"));
-
-        const auto curves = plot->itemList(QwtPlotItem::Rtti_PlotCurve);
-        const auto markers = plot->itemList(QwtPlotItem::Rtti_PlotMarker);
-        const QVector<QColor> colors = {Qt::blue, Qt::yellow, Qt::red};
-        const QStringList labels = {"tsrc = 0.0123457 s", "trf = 1.5e-05 s", "tsnk = 0.25 s"};
-        QCOMPARE(curves.size(), 3);
-        QCOMPARE(markers.size(), 3);
-        for (int i = 0; i < 3; ++i) {
-            const auto *curve = static_cast<const QwtPlotCurve *>(curves[i]);
-            QCOMPARE(curve->pen(), QPen(colors[i], 0));
-            QCOMPARE(int(curve->dataSize()), samples);
-            if (samples > 0) {
-                QCOMPARE(curve->sample(samples - 1), QPointF(0.25, i + 1.0));
-            }
-            const auto *marker = static_cast<const QwtPlotMarker *>(markers[i]);
-            QCOMPARE(marker->label().text(), labels[i]);
-            QCOMPARE(marker->xValue(), QVector<double>({t_src, t_rf, t_snk})[i]);
-            QCOMPARE(marker->lineStyle(), QwtPlotMarker::VLine);
-            QCOMPARE(marker->linePen(),
-                     QPen(Qt::black, 0, Qt::DashDotLine, Qt::SquareCap, Qt::BevelJoin));
-        }
-
-        const auto shown = [&](const char *name) {
-            return graph.findChild<QDoubleSpinBox *>(name)->text();
-        };
-        QCOMPARE(QStringList({shown("Src2Rf"), shown("Src2Hd"), shown("Src2Snk")}),
-                 QStringList({"2000.000", "-95.123", "-2000.000"}));
-        QCOMPARE(graph.findChild<QWidget *>("Src2Hd")->isEnabled(), VaHdmi);
-        QCOMPARE(graph.findChild<QWidget *>("Src2Rf")->isEnabled(), true);
-    }
+    void graphOfLpa4004WithoutTraces() { showGraph(1, 0); }
 };
 
 QTEST_MAIN(WindowTest)
