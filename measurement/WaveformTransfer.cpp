@@ -1,9 +1,10 @@
 #include "measurement/WaveformTransfer.h"
 
 #include "instrument/InstrumentIo.h"
+#include "measurement/TransferFile.h"
 
 #include <QFile>
-#include <QTemporaryDir>
+#include <QScopeGuard>
 
 #include <array>
 #include <cstring>
@@ -58,13 +59,10 @@ bool readTrace(ViSession session, QVector<double> *trace)
         return false;
     }
 
-    // The directory goes when this function returns, and the file with it.
-    const QTemporaryDir directory;
-    if (!directory.isValid()) {
-        return false;
-    }
-    QFile file(directory.filePath("Trace.tmp"));
-    if (iaReadToFile(session, file.fileName(), *length + terminatorRoom, nullptr) < 0 ||
+    QFile file(transferFileName());
+    const auto removal = qScopeGuard([&file] { file.remove(); });
+    if (file.fileName().isEmpty() ||
+        iaReadToFile(session, file.fileName(), *length + terminatorRoom, nullptr) < 0 ||
         !file.open(QIODevice::ReadOnly)) {
         return false;
     }
