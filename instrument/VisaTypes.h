@@ -64,7 +64,6 @@ constexpr ViStatus VI_ERROR_INV_ACC_MODE = visaStatus(0xBFFF0013);
 constexpr ViStatus VI_ERROR_TMO = visaStatus(0xBFFF0015);
 constexpr ViStatus VI_ERROR_NSUP_ATTR = visaStatus(0xBFFF001D);
 constexpr ViStatus VI_ERROR_NSUP_ATTR_STATE = visaStatus(0xBFFF001E);
-constexpr ViStatus VI_ERROR_ATTR_READONLY = visaStatus(0xBFFF001F);
 constexpr ViStatus VI_ERROR_ALLOC = visaStatus(0xBFFF003C);
 constexpr ViStatus VI_ERROR_INV_MASK = visaStatus(0xBFFF003D);
 constexpr ViStatus VI_ERROR_IO = visaStatus(0xBFFF003E);

@@ -29,7 +29,6 @@ constexpr std::array descriptions{
                 "The specified attribute is not defined or supported by the referenced object."},
     Description{VI_ERROR_NSUP_ATTR_STATE,
                 "The specified state of the attribute is not valid or is not supported."},
-    Description{VI_ERROR_ATTR_READONLY, "The specified attribute is read-only."},
     Description{VI_ERROR_ALLOC,
                 "Insufficient system resources to perform the requested operation."},
     Description{VI_ERROR_INV_MASK, "Invalid buffer mask specified."},

@@ -22,11 +22,12 @@ SessionTable &sessions()
     return table;
 }
 
+std::mutex mutex; // one for all functions
+
 /// Runs one VISA function at a time, and lets no exception into the C caller.
 template <typename Body>
 ViStatus guarded(Body body) noexcept
 {
-    static std::mutex mutex;
     try {
         const std::lock_guard lock(mutex);
         return body();

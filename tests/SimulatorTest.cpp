@@ -8,6 +8,7 @@
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <future>
 #include <map>
 #include <tuple>
 #include <utility>
@@ -188,6 +189,25 @@ private slots:
         write(second_, "*OPC?");
         QCOMPARE(viClear(second_), VI_SUCCESS);
         QCOMPARE(read(second_, 99), nothing);
+    }
+
+    void twoThreadsAtOnce()
+    {
+        const auto work = [this] {
+            for (int i = 0; i < 2000; ++i) {
+                ViSession session = 0;
+                viOpen(manager_, "TCPIP::video-analyzer::INSTR", VI_NO_LOCK, 0, &session);
+                viPrintf(session, "*OPC?\n");
+                if (read(session, 9) != Reply("1\n", VI_SUCCESS) ||
+                    viClose(session) != VI_SUCCESS) {
+                    return false;
+                }
+            }
+            return true;
+        };
+        auto other = std::async(std::launch::async, work);
+        QVERIFY(work());
+        QVERIFY(other.get());
     }
 
     void formattedInputAndOutput()
