@@ -1,6 +1,6 @@
+#include "app/FormScaling.h"
 #include "app/graph/Graph.h"
 #include "app/MainWindow.h"
-#include "app/PointIsPixelStyle.h"
 #include "app/SettingsDirectory.h"
 #include "instrument/InstrumentIo.h"
 #include "measurement/Globals.h"
@@ -120,6 +120,8 @@ class WindowTest : public QObject
             QCOMPARE(marker->label().text(), labels[i]);
             QCOMPARE(marker->xValue(), QVector<double>({t_src, t_rf, t_snk})[i]);
             QCOMPARE(marker->lineStyle(), QwtPlotMarker::VLine);
+            QCOMPARE(marker->labelAlignment(), Qt::AlignLeft | Qt::AlignTop);
+            QCOMPARE(marker->labelOrientation(), Qt::Vertical);
             QCOMPARE(marker->linePen(),
                      QPen(Qt::black, 0, Qt::DashDotLine, Qt::SquareCap, Qt::BevelJoin));
         }
@@ -137,8 +139,8 @@ private slots:
     void initTestCase()
     {
         qputenv("XDG_DATA_HOME", home.path().toLocal8Bit());
-        QApplication::setFont(QFont("DejaVu Sans", 9)); // as on a desktop
-        QApplication::setStyle(new PointIsPixelStyle);
+        QApplication::setFont(QFont("DejaVu Sans", 11)); // larger than the forms have room for
+        fitTextToForms();
     }
 
     void init()
@@ -224,7 +226,10 @@ private slots:
         for (const QCheckBox *box : session.window->findChildren<QCheckBox *>()) {
             QVERIFY2(hasRoom(box, box->text(), 16), qPrintable(box->objectName()));
         }
-        QVERIFY(!session.isEnabled("Start") && !session.isEnabled("VaThresLbl"));
+        Graph graph(nullptr);
+        graph.show();
+        const auto *plot = graph.findChild<QwtPlot *>();
+        QCOMPARE(plot->axisFont(QwtPlot::xBottom).pointSize(), 10); // Qwt's own
         QTest::mouseClick(session.find<QDialogButtonBox>("Cancel")->buttons().first(),
                           Qt::LeftButton);
         QVERIFY(!session.window->isVisible());
