@@ -136,7 +136,8 @@ ViStatus iaStatusDesc(ViSession session, ViStatus status, QString *text)
 
 ViStatus iaPrintf(ViSession session, const QString &command)
 {
-    QByteArray bytes = commandBytes(command);
+    // The write count is the number of characters, which an encoding with fewer bytes must cover.
+    QByteArray bytes = command.toLocal8Bit().leftJustified(command.size(), '\0');
     return iaWrite(session, reinterpret_cast<unsigned char *>(bytes.data()),
                    static_cast<ViUInt32>(command.size()), nullptr);
 }
@@ -199,10 +200,4 @@ ViStatus iaScanf_f(ViSession session, double *value)
 QString rstrip(const QString &text)
 {
     return text.left(text.indexOf(QLatin1Char('\n')) + 1);
-}
-
-QByteArray commandBytes(const QString &command)
-{
-    // The write count is the number of characters, which an encoding with fewer bytes must cover.
-    return command.toLocal8Bit().leftJustified(command.size(), '\0');
 }

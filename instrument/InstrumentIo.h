@@ -2,7 +2,6 @@
 
 #include "instrument/VisaTypes.h"
 
-#include <QByteArray>
 #include <QString>
 
 // Thin layer over the VISA entry points. Every function returns a VISA status: 0 is success,
@@ -74,6 +73,3 @@ ViStatus iaScanf_f(ViSession session, double *value);
 
 /// The text up to and including its first "\n"; empty when it has none.
 QString rstrip(const QString &text);
-
-/// A command as the bytes to write, at least command.size() of them.
-QByteArray commandBytes(const QString &command);

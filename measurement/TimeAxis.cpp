@@ -2,6 +2,8 @@
 
 #include "measurement/VectorCapacity.h"
 
+#include <new>
+
 double sampleInstant(int index, int samples, int oscilloscopeType)
 {
     const double last = static_cast<double>(samples) - 1.0;
@@ -12,7 +14,11 @@ void appendTimeAxis(int samples, int oscilloscopeType, QVector<double> *axes)
 {
     const int first = axes->size();
     const int count = qBound(0, samples, maxVectorSize - first);
-    axes->resize(first + count);
+    try {
+        axes->resize(first + count);
+    } catch (const std::bad_alloc &) {
+        return; // the series is worth more than another axis
+    }
     double *axis = axes->data() + first;
     for (int k = 0; k < count; ++k) {
         axis[k] = sampleInstant(k, samples, oscilloscopeType);

@@ -8,5 +8,5 @@
 double sampleInstant(int index, int samples, int oscilloscopeType);
 
 /// Append the axis of one record to the axes of the records before it, as far as a QVector can
-/// hold them.
+/// hold them and memory lasts; then they stop growing.
 void appendTimeAxis(int samples, int oscilloscopeType, QVector<double> *axes);

@@ -46,10 +46,7 @@ std::optional<ViUInt32> readBlockHeader(ViSession session)
 
 bool queryTrace(ViSession session, const QString &command, QVector<double> *trace)
 {
-    QByteArray bytes = commandBytes(command);
-    const ViStatus status = iaWrite(session, reinterpret_cast<unsigned char *>(bytes.data()),
-                                    static_cast<ViUInt32>(command.size()), nullptr);
-    return status == VI_SUCCESS ? readTrace(session, trace) : true;
+    return iaPrintf(session, command) == VI_SUCCESS ? readTrace(session, trace) : true;
 }
 
 bool readTrace(ViSession session, QVector<double> *trace)

@@ -32,6 +32,7 @@ ViStatus setUpKvx(ViSession session, double triggerLevel, bool ifDemodulation)
     const QStringList timeBase = {
         "TIM:SCAL 100e-3;TIM:REF 50;TRIG3:OFFS:LIM 0;*OPC?\n",
     };
+    // clang-format off: a command a line
     const QStringList triggerAndExport = {
         "CHAN3:SCAL 200e-3;*OPC?\n",    "CHAN:DIGF:CUT 100e3;*OPC?\n",
         "CHAN1:BAND B20;*OPC?\n",       "TRIG1:LEV1 " + numberText(triggerLevel) + ";*OPC?\n",
@@ -40,6 +41,7 @@ ViStatus setUpKvx(ViSession session, double triggerLevel, bool ifDemodulation)
         "TRIG1:OUT:STAT ON;*OPC?\n",    "FORM ASC;*OPC?\n",
         "EXP:WAV:INCX OFF;*OPC?\n",     "RUN;*OPC?\n",
     };
+    // clang-format on
 
     ViStatus status = sendOrStop(session, recordAndChannels);
     if (status == VI_SUCCESS && ifDemodulation) {
@@ -104,8 +106,7 @@ ViStatus setUpOscilloscope(ViSession resourceManager, const OscilloscopeSettings
     if (status == VI_SUCCESS && settings.reset) {
         sendOrIgnore(*session, {"*RST;*OPC?\n"});
     }
-    // Attempted whatever happened before: an instrument that missed the preamble may still obey,
-    // and on a session that is none the first command fails.
+    // Attempted whatever happened before: on a session that is none the first command fails.
     return settings.type == 0 ? setUpKvx(*session, settings.triggerLevel, settings.ifDemodulation)
                               : setUpLpa4004(*session, settings.triggerLevel);
 }

@@ -55,7 +55,7 @@ ViStatus setUpSpectrumAnalyzer(ViSession resourceManager, const SpectrumAnalyzer
         "TRIG1:SLOP POS;*OPC?\n",
         "TRIG1:SLOP POS;*OPC?\n",
     };
-    if (!identity.contains("QEL")) { // QEL analyzers have no IF output
+    if (!identity.contains("QEL")) { // the QEL family is not sent these
         triggerAndIfOutput += {
             "OUTP:IF VID;*OPC?\n",
             "OUTP:IF:IFFR 2.0;*OPC?\n",

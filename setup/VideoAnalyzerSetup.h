@@ -9,7 +9,7 @@ struct VideoAnalyzerSettings
 {
     QString resource;       ///< VISA resource string
     bool reset = false;     ///< reset the instrument first
-    double threshold = 0.0; ///< brightness that counts as a change, percent
+    double threshold = 0.0; ///< of the delay measurement, percent
 };
 
 /// Open the video analyzer, set the threshold and hysteresis of its HDMI delay measurement and
