@@ -9,7 +9,7 @@ folder=$(realpath --canonicalize-missing -- \
 cd "$(dirname "$0")/.."
 
 has_display() {
-    [[ -n ${DISPLAY:-}${WAYLAND_DISPLAY:-} ]]
+    [[ -n ${DISPLAY:-} ]]
 }
 
 groups=(build)

@@ -11,6 +11,10 @@ fi
 executable=$(realpath -- "$1")
 folder=$(realpath --canonicalize-missing -- "$2")
 dpi=${3:-96}
+if ((dpi < 96)); then
+    echo "${0##*/}: windows are scaled up, never down: DPI is 96 or more" >&2
+    exit 2
+fi
 desktop=$(realpath -- "$(dirname "$0")/desktop")
 
 # What the session needs but nobody wants to see; also the mark by which a later session knows that
