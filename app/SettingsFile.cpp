@@ -5,6 +5,9 @@
 #include "measurement/Globals.h"
 #include "ui_MainWindow.h"
 
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
 #include <QSettings>
 
 namespace {
@@ -50,11 +53,27 @@ void loadIndex(const QSettings &settings, const char *key, int initial, QComboBo
     }
 }
 
+/// Whether a file holds values of Qt's own types, as this program never saves (a text that begins
+/// with "@" is stored with a second one). Qt takes as much memory for such a value, and nests
+/// as deeply, as the value itself says.
+bool holdsForeignValues(const QString &fnam)
+{
+    static const QRegularExpression foreignValue(R"(((^|[\r\n])[^=\r\n]*=|,)[\s"\\]*@Variant\()");
+    QFile file(fnam);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    const QByteArray bytes = file.readAll();
+    // With its length, as it may hold NUL.
+    return QString::fromLatin1(bytes.constData(), bytes.size()).contains(foreignValue);
+}
+
 } // namespace
 
 int MainWindow::LoadCfgFile(const QString &fnam)
 {
-    const QSettings settings(fnam, QSettings::IniFormat);
+    const QString absent = ":/";
+    const QSettings settings(holdsForeignValues(fnam) ? absent : fnam, QSettings::IniFormat);
     loadText(settings, osAddressKey, "TCPIP0::oscilloscope::INSTR", ui->OsIp);
     loadCheck(settings, osResetKey, ui->OsRst);
     loadIndex(settings, osTypeKey, 1, ui->OsTyp);
@@ -77,6 +96,12 @@ int MainWindow::LoadCfgFile(const QString &fnam)
 
 int MainWindow::SaveCfgFile(const QString &fnam)
 {
+    // Saving keeps what else a file holds, and writes through a link, over whatever it leads to.
+    // Such a file or link gives way, or stays as it is.
+    const bool givesWay = holdsForeignValues(fnam) || QFileInfo(fnam).isSymLink();
+    if (givesWay && !QFile::remove(fnam)) {
+        return 0;
+    }
     QSettings settings(fnam, QSettings::IniFormat);
     settings.setValue(osAddressKey, ui->OsIp->text());
     settings.setValue(osResetKey, static_cast<int>(ui->OsRst->checkState()));

@@ -400,6 +400,7 @@ private slots:
               {oscilloscope + "Type=-1", usual},
               {oscilloscope + "Type=LPA4004", usual},
               {oscilloscope + "Type=99999999999", usual},
+              {oscilloscope + R"x(Reset="@Variant(\0\0\0\x9\x7f\xff\xff\xff)")x", usual},
               {oscilloscope + "Trigger%20Level=high\nReset=0\n", levelIsNoNumber},
               {QByteArray("\0\xFF[[[=\n]=\\x\n", 12), usual}}) {
             QDir().mkpath(settingsDirectory());
