@@ -1,8 +1,11 @@
 #!/usr/bin/env bash
-# Runs every test: first with sanitizers, then with the checks of the shipped build.
+# Runs every test: first with sanitizers, then the fuzzers, then with the checks of the shipped
+# build.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install-dependencies.sh build desktop checks
 cmake --workflow --preset asan
+cmake --workflow --preset fuzz
+grep '^Done' build/fuzz/tests/fuzz/*/log
 cmake --workflow --preset check

@@ -1,0 +1,214 @@
+// What a measurement costs, beside the floors that nothing can go below.
+
+#include "CannedVisa.h"
+
+#include "app/graph/Graph.h"
+#include "app/MainWindow.h"
+#include "instrument/VisaBinding.h"
+#include "measurement/DelayComputation.h"
+#include "measurement/Globals.h"
+#include "measurement/RfEnvelope.h"
+#include "measurement/TimeAxis.h"
+#include "measurement/TraceFile.h"
+#include "measurement/TransferFile.h"
+#include "measurement/WaveformTransfer.h"
+
+#include <QApplication>
+#include <QPixmap>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <fcntl.h>
+#include <numeric>
+#include <unistd.h>
+
+namespace {
+
+/// A record of the given number of samples with its three edges in the second half.
+struct Record
+{
+    explicit Record(int samples) : source(samples, 0.005), rf(samples, 0.0), sink(samples, 0.01)
+    {
+        std::fill(source.begin() + samples / 2, source.end(), 0.15);
+        std::fill(rf.begin() + samples / 20 * 11, rf.end(), 0.2);
+        std::fill(sink.begin() + samples / 5 * 3, sink.end(), 0.12);
+        appendTimeAxis(samples, 0, &time);
+    }
+    QVector<double> source;
+    QVector<double> rf;
+    QVector<double> sink;
+    QVector<double> time;
+};
+
+QVector<double> recordPass(const Record &record)
+{
+    QVector<double> sums;
+    for (const QVector<double> *trace : {&record.source, &record.rf, &record.sink}) {
+        sums << std::accumulate(trace->begin(), trace->end(), 0.0);
+    }
+    return sums;
+}
+
+void measurement(benchmark::State &state)
+{
+    const SeriesSettings settings = canned::series(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        t.resize(0); // keeps its memory, which a series needs once
+        benchmark::DoNotOptimize(runSeries(settings, &d1_src, &d2_rf, &d3_snk, &t));
+    }
+}
+
+void transfer(benchmark::State &state)
+{
+    QVector<double> trace;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(queryTrace(1, "CHAN1:DATA?\n", &trace));
+    }
+}
+
+void normalisation(benchmark::State &state)
+{
+    Record record(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        normaliseEnvelope(&record.rf);
+        benchmark::ClobberMemory();
+    }
+}
+
+void delayComputation(benchmark::State &state)
+{
+    const auto samples = static_cast<int>(state.range(0));
+    const Record record(samples);
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(
+            computeDelays(samples, record.source, record.rf, record.sink, record.time, 0));
+    }
+}
+
+void timeAxis(benchmark::State &state)
+{
+    const auto samples = static_cast<int>(state.range(0));
+    QVector<double> axis;
+    for (auto _ : state) {
+        axis.resize(0);
+        appendTimeAxis(samples, 0, &axis);
+        benchmark::ClobberMemory();
+    }
+}
+
+void traceFiles(benchmark::State &state)
+{
+    const Record record(canned::recordLength);
+    const QTemporaryDir directory;
+    for (auto _ : state) {
+        saveTrace(directory.filePath("src.bin"), record.source, canned::recordLength);
+        saveTrace(directory.filePath("rf.bin"), record.rf, canned::recordLength);
+        saveTrace(directory.filePath("snk.bin"), record.sink, canned::recordLength);
+    }
+}
+
+void graph(benchmark::State &state)
+{
+    const Record record(canned::recordLength);
+    d1_src = record.source;
+    d2_rf = record.rf;
+    d3_snk = record.sink;
+    t = record.time;
+    for (auto _ : state) {
+        Graph dialog(nullptr);
+        benchmark::DoNotOptimize(dialog.grab());
+    }
+}
+
+void mainWindow(benchmark::State &state)
+{
+    for (auto _ : state) {
+        const MainWindow window; // binds the bench's library
+        benchmark::DoNotOptimize(&window);
+    }
+    canned::bind();
+}
+
+/// Floor: every VISA call of a measurement but the files, with nothing between them.
+void bareExchanges(benchmark::State &state)
+{
+    const canned::Exchanges exchanges = canned::exchanges(static_cast<int>(state.range(0)));
+    std::array<ViByte, 100> buffer{};
+    const auto write = [](const QByteArray &command) {
+        p_viWrite(1, reinterpret_cast<const ViByte *>(command.constData()),
+                  static_cast<ViUInt32>(command.size()), nullptr);
+    };
+    for (auto _ : state) {
+        for (const QByteArray &command : exchanges.queries) {
+            write(command);
+            p_viRead(1, buffer.data(), 100, nullptr);
+        }
+        for (const QByteArray &command : exchanges.traces) {
+            write(command);
+            p_viRead(1, buffer.data(), 2, nullptr);
+            p_viRead(1, buffer.data(), 5, nullptr);
+        }
+        benchmark::ClobberMemory();
+    }
+}
+
+/// Floor: write a block's bytes to a file where transfers keep theirs, and read them back.
+void fileRoundTrip(benchmark::State &state)
+{
+    const QByteArray name = transferFileName().toLocal8Bit();
+    const QByteArray written(canned::recordLength * static_cast<int>(sizeof(float)), 'x');
+    QByteArray read(written.size(), '\0');
+    const auto size = static_cast<std::size_t>(written.size());
+    for (auto _ : state) {
+        const int output = ::open(name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+        benchmark::DoNotOptimize(::write(output, written.constData(), size));
+        ::close(output);
+        const int input = ::open(name, O_RDONLY | O_CLOEXEC);
+        benchmark::DoNotOptimize(::read(input, read.data(), size));
+        ::close(input);
+        ::unlink(name);
+    }
+}
+
+/// Floor: read the three traces once.
+void onePass(benchmark::State &state)
+{
+    const Record record(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(recordPass(record));
+    }
+}
+
+BENCHMARK(measurement)->Arg(0)->Arg(1);
+BENCHMARK(bareExchanges)->Arg(0)->Arg(1);
+BENCHMARK(transfer);
+BENCHMARK(fileRoundTrip);
+BENCHMARK(normalisation)->RangeMultiplier(10)->Range(1000, 10000000)->Arg(20000);
+BENCHMARK(delayComputation)->RangeMultiplier(10)->Range(1000, 10000000)->Arg(20000);
+BENCHMARK(timeAxis)->RangeMultiplier(10)->Range(1000, 10000000)->Arg(20000);
+BENCHMARK(onePass)->RangeMultiplier(10)->Range(1000, 10000000)->Arg(20000);
+BENCHMARK(traceFiles);
+BENCHMARK(graph)->Unit(benchmark::kMillisecond);
+// Each window takes a resource manager of the bench, which has so many handles and no more.
+BENCHMARK(mainWindow)->Unit(benchmark::kMillisecond)->Iterations(50);
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QTemporaryDir home; // the window's settings
+    qputenv("XDG_DATA_HOME", home.path().toLocal8Bit());
+    const QApplication application(argc, argv);
+    canned::bind();
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+        return 1;
+    }
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

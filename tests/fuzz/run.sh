@@ -1,0 +1,30 @@
+#!/usr/bin/env bash
+# Fuzzes with one target for some seconds, from a copy of its corpus; any finding fails, and its
+# input is left in the scratch folder, which is made anew.
+# Usage: run.sh PROGRAM CORPUS SCRATCH SECONDS [LIBFUZZER-OPTION...]
+set -euo pipefail
+
+program=$1 corpus=$2 scratch=$3 seconds=$4
+shift 4
+
+rm -rf "$scratch"
+mkdir -p "$scratch"
+cp -r "$corpus" "$scratch/corpus"
+# The target's own files are in memory where there is room for them, and go however it ends.
+if [[ -w /dev/shm ]]; then
+    TMPDIR=$(mktemp -d /dev/shm/orvanta-fuzz-XXXXXX)
+else
+    TMPDIR=$(mktemp -d)
+fi
+export TMPDIR XDG_RUNTIME_DIR=$TMPDIR
+suppressions=$(dirname "$(realpath "$0")")/../leaks.supp
+export LSAN_OPTIONS=suppressions=$suppressions:print_suppressions=0
+export UBSAN_OPTIONS=print_stacktrace=1
+trap 'rm -rf "$TMPDIR"' EXIT
+
+if ! "$program" -max_total_time="$seconds" -timeout=20 -print_final_stats=1 \
+    -artifact_prefix="$scratch/" "$@" "$scratch/corpus" &>"$scratch/log"; then
+    cat "$scratch/log"
+    exit 1
+fi
+grep '^Done' "$scratch/log"
