@@ -56,10 +56,13 @@ bool readTrace(ViSession session, QVector<double> *trace)
         return false;
     }
 
-    QFile file(transferFileName());
+    const QString fileName = transferFileName();
+    if (fileName.isEmpty()) {
+        return false;
+    }
+    QFile file(fileName);
     const auto removal = qScopeGuard([&file] { file.remove(); });
-    if (file.fileName().isEmpty() ||
-        iaReadToFile(session, file.fileName(), *length + terminatorRoom, nullptr) < 0 ||
+    if (iaReadToFile(session, fileName, *length + terminatorRoom, nullptr) < 0 ||
         !file.open(QIODevice::ReadOnly)) {
         return false;
     }
