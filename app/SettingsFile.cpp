@@ -53,12 +53,21 @@ void loadIndex(const QSettings &settings, const char *key, int initial, QComboBo
     }
 }
 
-/// Whether a file holds values of Qt's own types, as this program never saves (a text that begins
-/// with "@" is stored with a second one). Qt takes as much memory for such a value, and nests
-/// as deeply, as the value itself says.
-bool holdsForeignValues(const QString &fnam)
+/// Whether a file may hold values of Qt's own types, which begin with a single "@". This program
+/// saves none but "@String(", for texts with NUL; a text that begins with "@" gets a second one. Qt
+/// takes as much memory for such a value, and nests as deeply, as the value itself says. Any
+/// spelling counts: the character, its escapes, quotes and line continuations before it, and
+/// escapes that Qt drops.
+bool mayHoldForeignValues(const QString &fnam)
 {
-    static const QRegularExpression foreignValue(R"(((^|[\r\n])[^=\r\n]*=|,)[\s"\\]*@Variant\()");
+    constexpr qint64 largest = 16LL << 20; // bytes; ours have a few hundred
+    static const QRegularExpression foreignValue(
+        R"rx([=,](\s|"|\\([\r\n]|x(?![0-9a-fA-F])|[^0-7abfnrtvx"?'\\\r\n]))*)rx"
+        R"rx((@(?!"*(@|String\())|\\x[0-9a-fA-F]*40(?![0-9a-fA-F])|\\[0-7]*100(?![0-7])))rx");
+    const QFileInfo info(fnam);
+    if (info.exists() && (!info.isFile() || info.size() > largest)) {
+        return true;
+    }
     QFile file(fnam);
     if (!file.open(QIODevice::ReadOnly)) {
         return false;
@@ -73,7 +82,7 @@ bool holdsForeignValues(const QString &fnam)
 int MainWindow::LoadCfgFile(const QString &fnam)
 {
     const QString absent = ":/";
-    const QSettings settings(holdsForeignValues(fnam) ? absent : fnam, QSettings::IniFormat);
+    const QSettings settings(mayHoldForeignValues(fnam) ? absent : fnam, QSettings::IniFormat);
     loadText(settings, osAddressKey, "TCPIP0::oscilloscope::INSTR", ui->OsIp);
     loadCheck(settings, osResetKey, ui->OsRst);
     loadIndex(settings, osTypeKey, 1, ui->OsTyp);
@@ -98,7 +107,7 @@ int MainWindow::SaveCfgFile(const QString &fnam)
 {
     // Saving keeps what else a file holds, and writes through a link, over whatever it leads to.
     // Such a file or link gives way, or stays as it is.
-    const bool givesWay = holdsForeignValues(fnam) || QFileInfo(fnam).isSymLink();
+    const bool givesWay = mayHoldForeignValues(fnam) || QFileInfo(fnam).isSymLink();
     if (givesWay && !QFile::remove(fnam)) {
         return 0;
     }

@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 
 #include <memory>
+#include <unistd.h>
 
 namespace {
 
@@ -12,12 +13,22 @@ std::unique_ptr<QTemporaryDir> makeDirectory()
 {
     // The XDG Base Directory Specification's run-time directory is the user's own, in memory.
     for (const QString &parent : {qEnvironmentVariable("XDG_RUNTIME_DIR"), QDir::tempPath()}) {
-        auto directory = std::make_unique<QTemporaryDir>(parent + "/orvanta-XXXXXX");
-        if (!parent.isEmpty() && directory->isValid()) {
-            return directory;
+        if (QDir::isAbsolutePath(parent)) { // others are to be ignored
+            auto directory = std::make_unique<QTemporaryDir>(parent + "/orvanta-XXXXXX");
+            if (directory->isValid()) {
+                return directory;
+            }
         }
     }
     return nullptr;
+}
+
+/// What tidies temporary directories up may have taken it since the last transfer, and somebody
+/// else its name.
+bool isStillOurs(const QTemporaryDir &directory)
+{
+    const QFileInfo info(directory.path());
+    return info.isDir() && !info.isSymLink() && info.isWritable() && info.ownerId() == geteuid();
 }
 
 } // namespace
@@ -25,8 +36,7 @@ std::unique_ptr<QTemporaryDir> makeDirectory()
 QString transferFileName()
 {
     static std::unique_ptr<QTemporaryDir> directory;
-    // What tidies temporary directories up may have taken it since the last transfer.
-    if (!directory || !QFileInfo::exists(directory->path())) {
+    if (!directory || !isStillOurs(*directory)) {
         directory = makeDirectory();
     }
     return directory ? directory->filePath("Trace.tmp") : QString();

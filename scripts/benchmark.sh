@@ -8,5 +8,5 @@ scripts/install-dependencies.sh build benchmarks
 cmake --preset release >/dev/null
 cmake --build --preset release --target benchmarks >/dev/null
 build/release/bin/benchmarks --benchmark_format=csv --benchmark_repetitions=5 \
-    --benchmark_report_aggregates_only=true "$@" 2>/dev/null |
+    --benchmark_report_aggregates_only=true "$@" |
     awk -F, -f benchmarks/table.awk

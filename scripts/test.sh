@@ -6,6 +6,7 @@ cd "$(dirname "$0")/.."
 
 scripts/install-dependencies.sh build desktop checks
 cmake --workflow --preset asan
+grep -hE 'series and|attempts' build/asan/Testing/Temporary/LastTest.log
 cmake --workflow --preset fuzz
 grep '^Done' build/fuzz/tests/fuzz/*/log
 cmake --workflow --preset check

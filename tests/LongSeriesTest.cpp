@@ -118,7 +118,7 @@ private slots:
         const double perAttempt = grown / (attempts - 1 - warm);
         qInfo("memory: %.0f bytes for each attempt, %d of them its time axis", perAttempt,
               samples * 8);
-        QVERIFY(std::abs(perAttempt - samples * 8) < 0.05 * samples * 8);
+        QVERIFY(std::abs(perAttempt - samples * 8) < 0.01 * samples * 8);
 #endif
     }
 };

@@ -401,6 +401,9 @@ private slots:
               {oscilloscope + "Type=LPA4004", usual},
               {oscilloscope + "Type=99999999999", usual},
               {oscilloscope + R"x(Reset="@Variant(\0\0\0\x9\x7f\xff\xff\xff)")x", usual},
+              {oscilloscope + R"x(Reset=\x40Variant(\0\0\0\t\x7f\xff\xff\xff))x", usual},
+              {oscilloscope + R"x(Reset=\100Variant(\0\0\0\t\x7f\xff\xff\xff))x", usual},
+              {oscilloscope + R"x(Reset=\z@Variant(\0\0\0\t\x7f\xff\xff\xff))x", usual},
               {oscilloscope + "Trigger%20Level=high\nReset=0\n", levelIsNoNumber},
               {QByteArray("\0\xFF[[[=\n]=\\x\n", 12), usual}}) {
             QDir().mkpath(settingsDirectory());
