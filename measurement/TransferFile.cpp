@@ -11,7 +11,7 @@ namespace {
 
 std::unique_ptr<QTemporaryDir> makeDirectory()
 {
-    // The XDG Base Directory Specification's run-time directory is the user's own, in memory.
+    // The run-time directory (XDG base directories) is the user's own, in memory.
     for (const QString &parent : {qEnvironmentVariable("XDG_RUNTIME_DIR"), QDir::tempPath()}) {
         if (QDir::isAbsolutePath(parent)) { // others are to be ignored
             auto directory = std::make_unique<QTemporaryDir>(parent + "/orvanta-XXXXXX");
