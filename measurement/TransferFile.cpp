@@ -9,35 +9,44 @@
 
 namespace {
 
-std::unique_ptr<QTemporaryDir> makeDirectory()
+class TransferDirectory
 {
-    // The run-time directory (XDG base directories) is the user's own, in memory.
-    for (const QString &parent : {qEnvironmentVariable("XDG_RUNTIME_DIR"), QDir::tempPath()}) {
-        if (QDir::isAbsolutePath(parent)) { // others are to be ignored
-            auto directory = std::make_unique<QTemporaryDir>(parent + "/orvanta-XXXXXX");
-            if (directory->isValid()) {
-                return directory;
-            }
-        }
-    }
-    return nullptr;
-}
+public:
+    explicit TransferDirectory(const QString &parent) : directory(parent + "/orvanta-XXXXXX") {}
+    ~TransferDirectory() { directory.setAutoRemove(isOurs()); }
+    TransferDirectory(const TransferDirectory &) = delete;
+    TransferDirectory &operator=(const TransferDirectory &) = delete;
 
-/// What tidies temporary directories up may have taken it since the last transfer, and somebody
-/// else its name.
-bool isStillOurs(const QTemporaryDir &directory)
-{
-    const QFileInfo info(directory.path());
-    return info.isDir() && !info.isSymLink() && info.isWritable() && info.ownerId() == geteuid();
-}
+    /// Whether it is there, and is the one that was made: what tidies temporary directories up may
+    /// have taken it, and somebody else its name.
+    [[nodiscard]] bool isOurs() const
+    {
+        const QFileInfo info(directory.path());
+        return directory.isValid() && info.isDir() && !info.isSymLink() && info.isWritable() &&
+               info.ownerId() == geteuid();
+    }
+    [[nodiscard]] QString fileName() const { return directory.filePath("Trace.tmp"); }
+
+private:
+    QTemporaryDir directory;
+};
 
 } // namespace
 
 QString transferFileName()
 {
-    static std::unique_ptr<QTemporaryDir> directory;
-    if (!directory || !isStillOurs(*directory)) {
-        directory = makeDirectory();
+    static std::unique_ptr<TransferDirectory> directory;
+    if (directory && directory->isOurs()) {
+        return directory->fileName();
     }
-    return directory ? directory->filePath("Trace.tmp") : QString();
+    // The run-time directory (XDG base directories) is the user's own, in memory.
+    for (const QString &parent : {qEnvironmentVariable("XDG_RUNTIME_DIR"), QDir::tempPath()}) {
+        if (QDir::isAbsolutePath(parent)) { // others are to be ignored
+            directory = std::make_unique<TransferDirectory>(parent);
+            if (directory->isOurs()) {
+                return directory->fileName();
+            }
+        }
+    }
+    return {};
 }

@@ -663,6 +663,8 @@ private slots:
         const int descriptors = openDescriptors();
 
         QStringList failures;
+        const int recoveriesBefore = recoveries;
+        const int otherAxesBefore = otherAxes;
         const bool fresh = !hdmi; // each start with half of the rows, for time
         for (int call = 0; call < calls.size(); ++call) {
             for (const Fault fault : faultsOf(calls[call])) {
@@ -711,6 +713,7 @@ private slots:
         }
         QVERIFY2(failures.isEmpty(), qPrintable(failures.mid(0, 20).join('\n')));
         QCOMPARE(openDescriptors(), descriptors);
+        QVERIFY(recoveries > recoveriesBefore && (otherAxes > otherAxesBefore || !fresh));
     }
 
     void setUps_data()
@@ -875,6 +878,32 @@ private slots:
             QCOMPARE(run(bench.series), result);
             QCOMPARE(QDir(directory).entryList(QDir::Files).size(), written);
             QCOMPARE(QDir(directory).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 60);
+        }
+    }
+
+    /// A directory whose name somebody else has taken is neither used nor removed.
+    void takenTransferDirectory()
+    {
+        const QTemporaryDir other(home.path() + "/other-XXXXXX");
+        QVERIFY(QFile(other.filePath("precious")).open(QIODevice::WriteOnly));
+        const QString path = QFileInfo(transferFileName()).path();
+        QVERIFY(removeTransferDirectory() && QFile::link(other.path(), path));
+        QVERIFY(QFileInfo(transferFileName()).path() != path);
+        QVERIFY(QFile::exists(other.filePath("precious")));
+        QVERIFY(QFile::remove(path));
+    }
+
+    /// Without a run-time directory the ordinary temporary one serves.
+    void fallBackToTemporaryDirectory()
+    {
+        QVERIFY(removeTransferDirectory());
+        const QByteArray usual = qgetenv("XDG_RUNTIME_DIR");
+        for (const QByteArray &parent : {QByteArray("/nowhere"), QByteArray("relative")}) {
+            qputenv("XDG_RUNTIME_DIR", parent);
+            const QString name = transferFileName();
+            qputenv("XDG_RUNTIME_DIR", usual);
+            QCOMPARE(QFileInfo(QFileInfo(name).path()).path(), QDir::tempPath());
+            QVERIFY(removeTransferDirectory());
         }
     }
 
