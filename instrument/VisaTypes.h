@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 // The VISA types, constants and prototypes that this program uses, declared from VPP-4.3 and
@@ -19,6 +20,8 @@ using ViStatus = ViInt32;     ///< 0 success, negative error, positive success w
 using ViAttr = ViUInt32;      ///< attribute identifier
 using ViAttrState = ViUInt64; ///< attribute value as it is set (pointer-sized)
 using ViAccessMode = ViUInt32;
+using ViEventType = ViUInt32;
+using ViFindList = ViObject; ///< handle of a list of resources found
 
 static_assert(sizeof(ViAttrState) == sizeof(void *), "VISA passes attribute values pointer-sized");
 
@@ -44,6 +47,18 @@ using Printf = ViStatus(ViSession session, const ViChar *writeFormat, ...);
 using Scanf = ViStatus(ViSession session, const ViChar *readFormat, ...);
 using Queryf = ViStatus(ViSession session, const ViChar *writeFormat, const ViChar *readFormat,
                         ...);
+
+// Those that only clients other than this program call.
+using FindRsrc = ViStatus(ViSession resourceManager, const ViChar *expression, ViFindList *list,
+                          ViUInt32 *count, ViChar *description);
+using FindNext = ViStatus(ViFindList list, ViChar *description);
+using ParseRsrc = ViStatus(ViSession resourceManager, const ViChar *resourceName,
+                           ViUInt16 *interfaceType, ViUInt16 *interfaceNumber);
+using ParseRsrcEx = ViStatus(ViSession resourceManager, const ViChar *resourceName,
+                             ViUInt16 *interfaceType, ViUInt16 *interfaceNumber,
+                             ViChar *resourceClass, ViChar *expandedName, ViChar *alias);
+using DisableEvent = ViStatus(ViSession session, ViEventType type, ViUInt16 mechanism);
+using DiscardEvents = ViStatus(ViSession session, ViEventType type, ViUInt16 mechanism);
 } // namespace visa
 
 /// A status code from the 32-bit pattern that VPP-4.3 lists (errors have the top bit set).
@@ -54,16 +69,21 @@ constexpr ViStatus visaStatus(ViUInt32 pattern)
 
 // Completion and error codes (VPP-4.3, appendix B).
 constexpr ViStatus VI_SUCCESS = 0;
+constexpr ViStatus VI_SUCCESS_EVENT_DIS = visaStatus(0x3FFF0003);
+constexpr ViStatus VI_SUCCESS_QUEUE_EMPTY = visaStatus(0x3FFF0004);
 constexpr ViStatus VI_SUCCESS_TERM_CHAR = visaStatus(0x3FFF0005);
 constexpr ViStatus VI_SUCCESS_MAX_CNT = visaStatus(0x3FFF0006);
 constexpr ViStatus VI_WARN_UNKNOWN_STATUS = visaStatus(0x3FFF0085);
+constexpr ViStatus VI_ERROR_SYSTEM_ERROR = visaStatus(0xBFFF0000);
 constexpr ViStatus VI_ERROR_INV_OBJECT = visaStatus(0xBFFF000E);
+constexpr ViStatus VI_ERROR_INV_EXPR = visaStatus(0xBFFF0010);
 constexpr ViStatus VI_ERROR_RSRC_NFOUND = visaStatus(0xBFFF0011);
 constexpr ViStatus VI_ERROR_INV_RSRC_NAME = visaStatus(0xBFFF0012);
 constexpr ViStatus VI_ERROR_INV_ACC_MODE = visaStatus(0xBFFF0013);
 constexpr ViStatus VI_ERROR_TMO = visaStatus(0xBFFF0015);
 constexpr ViStatus VI_ERROR_NSUP_ATTR = visaStatus(0xBFFF001D);
 constexpr ViStatus VI_ERROR_NSUP_ATTR_STATE = visaStatus(0xBFFF001E);
+constexpr ViStatus VI_ERROR_ATTR_READONLY = visaStatus(0xBFFF001F);
 constexpr ViStatus VI_ERROR_ALLOC = visaStatus(0xBFFF003C);
 constexpr ViStatus VI_ERROR_INV_MASK = visaStatus(0xBFFF003D);
 constexpr ViStatus VI_ERROR_IO = visaStatus(0xBFFF003E);
@@ -76,8 +96,31 @@ constexpr ViStatus VI_ERROR_LIBRARY_NFOUND = visaStatus(0xBFFF009E);
 constexpr ViStatus VI_ERROR_FILE_ACCESS = visaStatus(0xBFFF00A1);
 constexpr ViStatus VI_ERROR_FILE_IO = visaStatus(0xBFFF00A2);
 
-/// I/O time-out of a session in milliseconds (a 32-bit value when read).
-constexpr ViAttr VI_ATTR_TMO_VALUE = 0x3FFF001A;
+// Attributes with the widths that viGetAttribute writes (VPP-4.3, appendix A).
+constexpr ViAttr VI_ATTR_RSRC_IMPL_VERSION = 0x3FFF0003; ///< 32 bits: 12 major, 12 minor, 8 patch
+constexpr ViAttr VI_ATTR_RSRC_LOCK_STATE = 0x3FFF0004;   ///< 32 bits
+constexpr ViAttr VI_ATTR_SEND_END_EN = 0x3FFF0016;       ///< 16 bits, as all switches
+constexpr ViAttr VI_ATTR_TERMCHAR = 0x3FFF0018;          ///< 8 bits
+constexpr ViAttr VI_ATTR_TMO_VALUE = 0x3FFF001A;         ///< 32 bits, milliseconds
+constexpr ViAttr VI_ATTR_IO_PROT = 0x3FFF001C;           ///< 16 bits
+constexpr ViAttr VI_ATTR_DMA_ALLOW_EN = 0x3FFF001E;      ///< 16 bits
+constexpr ViAttr VI_ATTR_TERMCHAR_EN = 0x3FFF0038;       ///< 16 bits
+constexpr ViAttr VI_ATTR_RM_SESSION = 0x3FFF00C4;        ///< 32 bits
+constexpr ViAttr VI_ATTR_RSRC_SPEC_VERSION = 0x3FFF0170; ///< 32 bits: VISA's own version
+constexpr ViAttr VI_ATTR_INTF_TYPE = 0x3FFF0171;         ///< 16 bits
+constexpr ViAttr VI_ATTR_INTF_NUM = 0x3FFF0176;          ///< 16 bits
+constexpr ViAttr VI_ATTR_RSRC_CLASS = 0xBFFF0001;        ///< text of up to 255 bytes, as below
+constexpr ViAttr VI_ATTR_RSRC_NAME = 0xBFFF0002;
+constexpr ViAttr VI_ATTR_INTF_INST_NAME = 0xBFFF00E9;
+constexpr ViAttr VI_ATTR_RSRC_MANF_NAME = 0xBFFF0174;
+constexpr ViAttr VI_ATTR_TCPIP_HOSTNAME = 0xBFFF0196;
+constexpr ViAttr VI_ATTR_TCPIP_DEVICE_NAME = 0xBFFF0199;
+
+constexpr ViUInt16 VI_INTF_TCPIP = 6;  ///< interface type
+constexpr ViUInt16 VI_PROT_NORMAL = 1; ///< I/O protocol
+
+/// Size of the buffers for resource strings and attribute texts, in bytes.
+constexpr std::size_t VI_FIND_BUFLEN = 256;
 
 constexpr ViAccessMode VI_NO_LOCK = 0;
 constexpr ViAccessMode VI_LOAD_CONFIG = 4;

@@ -1,34 +1,49 @@
 #include "simulator/Bench.h"
 
-#include "simulator/Oscilloscope.h"
-#include "simulator/SpectrumAnalyzer.h"
-#include "simulator/VideoAnalyzer.h"
-
 namespace simulator {
 
-Bench::Bench()
+Bench::Bench(BenchState &state)
+    : state_(state),
+      oscilloscope_(lpa4004Dialect(), state.oscilloscope, state.link),
+      oscilloscopeKvx_(kvxDialect(), state.oscilloscopeKvx, state.link),
+      spectrumAnalyzer_(AnalyzerFamily::Plain, state.spectrumAnalyzer, state.link),
+      spectrumAnalyzerQan_(AnalyzerFamily::Qan, state.spectrumAnalyzerQan, state.link),
+      spectrumAnalyzerQel_(AnalyzerFamily::Qel, state.spectrumAnalyzerQel, state.link),
+      videoAnalyzer_(state.videoAnalyzer, state.link),
+      instruments_{{"oscilloscope", &oscilloscope_},
+                   {"oscilloscope-kvx", &oscilloscopeKvx_},
+                   {"spectrum-analyzer", &spectrumAnalyzer_},
+                   {"spectrum-analyzer-qan", &spectrumAnalyzerQan_},
+                   {"spectrum-analyzer-qel", &spectrumAnalyzerQel_},
+                   {"video-analyzer", &videoAnalyzer_}}
 {
-    instruments_["oscilloscope"] = std::make_unique<Oscilloscope>(lpa4004Dialect(), link_);
-    instruments_["oscilloscope-kvx"] = std::make_unique<Oscilloscope>(kvxDialect(), link_);
-    instruments_["spectrum-analyzer"] =
-        std::make_unique<SpectrumAnalyzer>(AnalyzerFamily::Plain, link_);
-    instruments_["spectrum-analyzer-qan"] =
-        std::make_unique<SpectrumAnalyzer>(AnalyzerFamily::Qan, link_);
-    instruments_["spectrum-analyzer-qel"] =
-        std::make_unique<SpectrumAnalyzer>(AnalyzerFamily::Qel, link_);
-    instruments_["video-analyzer"] = std::make_unique<VideoAnalyzer>(link_);
+}
+
+void Bench::switchOn()
+{
+    if (state_.isOn) {
+        return;
+    }
+    state_.link = LinkModel();
+    for (const auto &[host, instrument] : instruments_) {
+        instrument->switchOn();
+    }
+    state_.isOn = true;
 }
 
 Instrument *Bench::find(std::string_view host) const
 {
     const auto found = instruments_.find(host);
-    return found == instruments_.end() ? nullptr : found->second.get();
+    return found == instruments_.end() ? nullptr : found->second;
 }
 
-Bench &bench()
+std::vector<std::string> Bench::hosts() const
 {
-    static Bench instance;
-    return instance;
+    std::vector<std::string> hosts;
+    for (const auto &[host, instrument] : instruments_) {
+        hosts.push_back(host);
+    }
+    return hosts;
 }
 
 } // namespace simulator

@@ -1,5 +1,7 @@
 #include "simulator/ErrorQueue.h"
 
+#include <algorithm>
+
 namespace simulator {
 
 namespace {
@@ -46,8 +48,8 @@ const char *errorText(int error)
 
 void ErrorQueue::push(int error)
 {
-    if (errors_.size() < capacity) {
-        errors_.push_back(error);
+    if (count_ < capacity) {
+        errors_.at(count_++) = error;
     } else {
         errors_.back() = scpi::queueOverflow;
     }
@@ -56,9 +58,10 @@ void ErrorQueue::push(int error)
 std::string ErrorQueue::next()
 {
     int error = scpi::noError;
-    if (!errors_.empty()) {
+    if (count_ > 0) {
         error = errors_.front();
-        errors_.pop_front();
+        std::rotate(errors_.begin(), errors_.begin() + 1, errors_.end());
+        --count_;
     }
     return std::to_string(error) + ",\"" + errorText(error) + '"';
 }

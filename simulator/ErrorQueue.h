@@ -1,7 +1,7 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
-#include <deque>
 #include <string>
 
 namespace simulator {
@@ -35,11 +35,12 @@ public:
     void push(int error);
     /// Takes the oldest entry as SYSTem:ERRor? answers it: `-113,"Undefined header"`.
     std::string next();
-    void clear() { errors_.clear(); }
-    [[nodiscard]] bool isEmpty() const { return errors_.empty(); }
+    void clear() { count_ = 0; }
+    [[nodiscard]] bool isEmpty() const { return count_ == 0; }
 
 private:
-    std::deque<int> errors_;
+    std::array<int, capacity> errors_{};
+    std::size_t count_ = 0;
 };
 
 } // namespace simulator

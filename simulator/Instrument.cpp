@@ -86,34 +86,38 @@ int parseValue(const Setting &setting, std::string_view text, double &value)
 
 } // namespace
 
-Instrument::Instrument(std::string identity, const std::vector<Setting> &settings)
-    : identity_(std::move(identity))
+Instrument::Instrument(std::string identity, const std::vector<Setting> &settings,
+                       InstrumentState &state)
+    : identity_(std::move(identity)), state_(state)
 {
     for (const Setting &setting : settings) {
         addSetting(setting);
     }
     onAnswer("*IDN", [this] { return identity_; });
     onAnswer("*OPC", [] { return std::string("1"); }); // the commands before it have ended
-    onAnswer("SYSTem:ERRor[:NEXT]", [this] { return errors_.next(); });
+    onAnswer("SYSTem:ERRor[:NEXT]", [this] { return errors().next(); });
     onEvent("*OPC", [] {});
     onEvent("*WAI", [] {});
-    onEvent("*CLS", [this] { errors_.clear(); });
+    onEvent("*CLS", [this] { errors().clear(); });
     onEvent("*RST", [this] { reset(); });
 }
 
 void Instrument::addSetting(const Setting &setting)
 {
     const ScpiPattern pattern(setting.pattern);
-    State added{setting, pattern.largestSuffixes(), values_.size()};
+    Row added{setting, pattern.largestSuffixes(), valueCount_};
     if (setting.shares.empty()) {
-        values_.resize(values_.size() + added.largest[0] * added.largest[1], setting.powerUp);
+        valueCount_ += added.largest[0] * added.largest[1];
+        if (valueCount_ > state_.values.size()) {
+            throw std::logic_error("no room for " + std::string(setting.pattern));
+        }
     } else {
-        const State &shared = state(setting.shares);
+        const Row &shared = row(setting.shares);
         added.firstValue = shared.firstValue;
         added.setting.minimum = shared.setting.minimum * setting.factor;
         added.setting.maximum = shared.setting.maximum * setting.factor;
     }
-    states_.push_back(added);
+    rows_.push_back(added);
     commands_.push_back(
         {pattern, [this, added](const Call &call, std::string &) { return change(added, call); },
          [this, added](const Call &call, std::string &answer) {
@@ -177,9 +181,9 @@ void Instrument::onAnswer(std::string_view pattern, const std::function<std::str
     });
 }
 
-const Instrument::State &Instrument::state(std::string_view pattern) const
+const Instrument::Row &Instrument::row(std::string_view pattern) const
 {
-    for (const State &candidate : states_) {
+    for (const Row &candidate : rows_) {
         if (candidate.setting.pattern == pattern) {
             return candidate;
         }
@@ -187,58 +191,65 @@ const Instrument::State &Instrument::state(std::string_view pattern) const
     throw std::logic_error("no setting " + std::string(pattern));
 }
 
-std::size_t Instrument::valueIndex(const State &state, const Suffixes &suffixes)
+double &Instrument::valueOf(const Row &row, const Suffixes &suffixes) const
 {
-    return state.firstValue + (suffixes[0] - 1) * state.largest[1] + suffixes[1] - 1;
+    return state_.values.at(row.firstValue + (suffixes[0] - 1) * row.largest[1] + suffixes[1] - 1);
 }
 
 double Instrument::value(std::string_view pattern, std::size_t suffix) const
 {
-    return values_.at(valueIndex(state(pattern), {suffix, 1}));
+    return valueOf(row(pattern), {suffix, 1});
 }
 
 void Instrument::setValue(std::string_view pattern, std::size_t suffix, double value)
 {
-    values_.at(valueIndex(state(pattern), {suffix, 1})) = value;
+    valueOf(row(pattern), {suffix, 1}) = value;
+}
+
+void Instrument::switchOn()
+{
+    state_.errors.clear();
+    state_.remote = false;
+    reset();
 }
 
 void Instrument::reset()
 {
-    for (const State &state : states_) {
-        if (state.setting.shares.empty()) {
-            std::fill_n(values_.begin() + static_cast<std::ptrdiff_t>(state.firstValue),
-                        state.largest[0] * state.largest[1], state.setting.powerUp);
+    for (const Row &row : rows_) {
+        if (row.setting.shares.empty()) {
+            std::fill_n(state_.values.begin() + static_cast<std::ptrdiff_t>(row.firstValue),
+                        row.largest[0] * row.largest[1], row.setting.powerUp);
         }
     }
 }
 
-int Instrument::change(const State &state, const Call &call)
+int Instrument::change(const Row &row, const Call &call)
 {
-    double value = state.setting.powerUp;
-    if (call.parameters.empty() && !state.setting.bare) {
+    double value = row.setting.powerUp;
+    if (call.parameters.empty() && !row.setting.bare) {
         return scpi::missingParameter;
     }
     if (call.parameters.size() > 1) {
         return scpi::parameterNotAllowed;
     }
     if (!call.parameters.empty()) {
-        if (const int error = parseValue(state.setting, call.parameters[0], value);
+        if (const int error = parseValue(row.setting, call.parameters[0], value);
             error != scpi::noError) {
             return error;
         }
     }
-    values_.at(valueIndex(state, call.suffixes)) = value;
+    valueOf(row, call.suffixes) = value;
     return scpi::noError;
 }
 
-int Instrument::show(const State &state, const Call &call, std::string &answer) const
+int Instrument::show(const Row &row, const Call &call, std::string &answer) const
 {
     if (!call.parameters.empty()) {
         return scpi::parameterNotAllowed;
     }
-    const double value = values_.at(valueIndex(state, call.suffixes)) * state.setting.factor;
-    if (state.setting.kind == Setting::Kind::Choice) {
-        answer = shortForm(split(state.setting.choices, '|').at(static_cast<std::size_t>(value)));
+    const double value = valueOf(row, call.suffixes) * row.setting.factor;
+    if (row.setting.kind == Setting::Kind::Choice) {
+        answer = shortForm(split(row.setting.choices, '|').at(static_cast<std::size_t>(value)));
     } else {
         answer = numberText(value);
     }
@@ -307,11 +318,11 @@ std::string Instrument::execute(std::string_view message)
         std::string answer;
         const int error = executeUnit(unit, path, answer);
         if (error != scpi::noError) {
-            errors_.push(error);
+            errors().push(error);
             continue;
         }
         if (response.size() + answer.size() > outputLimit) {
-            errors_.push(scpi::queryDeadlocked); // IEEE 488.2 6.3.1.7: the output is given up
+            errors().push(scpi::queryDeadlocked); // IEEE 488.2 6.3.1.7: the output is given up
             return {};
         }
         if (!answer.empty() && !response.empty()) {

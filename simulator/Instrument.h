@@ -5,6 +5,7 @@
 #include "simulator/Setting.h"
 #include "simulator/TraceFormat.h"
 
+#include <array>
 #include <cstddef>
 #include <functional>
 #include <string>
@@ -13,25 +14,38 @@
 
 namespace simulator {
 
+/// What every instrument remembers; the kinds of instrument add to it. No pointers: the processes
+/// that use an instrument share this.
+struct InstrumentState
+{
+    std::array<double, 128> values{}; // of its settings
+    ErrorQueue errors;
+    bool remote = false;
+};
+
 /// An instrument that understands SCPI: its settings, its common commands and its error queue. The
 /// kinds of instrument add their own commands.
 class Instrument
 {
 public:
-    Instrument(std::string identity, const std::vector<Setting> &settings);
+    /// What the instrument remembers is in `state`; it is not switched on.
+    Instrument(std::string identity, const std::vector<Setting> &settings, InstrumentState &state);
     virtual ~Instrument() = default;
     Instrument(const Instrument &) = delete; // the commands refer to their instrument
     Instrument &operator=(const Instrument &) = delete;
+
+    /// Starts with the settings of *RST, in local mode and without errors.
+    void switchOn();
 
     /// Executes one program message (without its terminator) and returns the response message with
     /// its terminator, empty when nothing was asked or answered. Errors go to the queue; a unit
     /// that fails answers nothing, the units after it are executed.
     std::string execute(std::string_view message);
 
-    ErrorQueue &errors() { return errors_; }
+    ErrorQueue &errors() { return state_.errors; }
 
-    [[nodiscard]] bool isRemote() const { return remote_; }
-    void setRemote(bool remote) { remote_ = remote; }
+    [[nodiscard]] bool isRemote() const { return state_.remote; }
+    void setRemote(bool remote) { state_.remote = remote; }
 
     /// The present value of a setting, by the pattern that its table row has.
     [[nodiscard]] double value(std::string_view pattern, std::size_t suffix = 1) const;
@@ -64,7 +78,7 @@ protected:
     virtual void reset();
 
 private:
-    struct State
+    struct Row
     {
         Setting setting;
         Suffixes largest;
@@ -78,19 +92,18 @@ private:
     };
 
     void addSetting(const Setting &setting);
-    [[nodiscard]] const State &state(std::string_view pattern) const;
-    [[nodiscard]] static std::size_t valueIndex(const State &state, const Suffixes &suffixes);
-    int change(const State &state, const Call &call);
-    int show(const State &state, const Call &call, std::string &answer) const;
+    [[nodiscard]] const Row &row(std::string_view pattern) const;
+    [[nodiscard]] double &valueOf(const Row &row, const Suffixes &suffixes) const;
+    int change(const Row &row, const Call &call);
+    int show(const Row &row, const Call &call, std::string &answer) const;
     int executeUnit(std::string_view unit, std::string &path, std::string &answer);
     const Command *find(std::string_view header, Suffixes &suffixes, int &error) const;
 
     std::string identity_;
-    std::vector<State> states_;
-    std::vector<double> values_;
+    InstrumentState &state_;
+    std::vector<Row> rows_;
+    std::size_t valueCount_ = 0;
     std::vector<Command> commands_;
-    ErrorQueue errors_;
-    bool remote_ = false;
 };
 
 } // namespace simulator

@@ -28,20 +28,23 @@ std::vector<float> withTimes(const std::vector<float> &samples, const TimeGrid &
 
 } // namespace
 
-Oscilloscope::Oscilloscope(const OscilloscopeDialect &dialect, LinkModel &link)
-    : Instrument(dialect.identity, dialect.settings), dialect_(dialect), link_(link)
+Oscilloscope::Oscilloscope(const OscilloscopeDialect &dialect, OscilloscopeState &state,
+                           LinkModel &link)
+    : Instrument(dialect.identity, dialect.settings, state),
+      dialect_(dialect),
+      state_(state),
+      link_(link)
 {
-    addFormatCommands(format_);
+    addFormatCommands(state_.format);
     onQuery("CHANnel<4>:DATA",
             [this](const Call &call, std::string &answer) { return answerRecord(call, answer); });
     addRunControl();
-    Oscilloscope::reset();
 }
 
 void Oscilloscope::addRunControl()
 {
     const auto enter = [this](Acquisition acquisition) {
-        return [this, acquisition] { acquisition_ = acquisition; };
+        return [this, acquisition] { state_.acquisition = acquisition; };
     };
     onEvent("*TRG", [this] { forceTrigger(); });
     onEvent("RUN", enter(Acquisition::Running));
@@ -51,8 +54,10 @@ void Oscilloscope::addRunControl()
         onEvent("RUNContinuous", enter(Acquisition::Running));
         onSwitch(
             "INITiate:CONTinuous",
-            [this](bool on) { acquisition_ = on ? Acquisition::Running : Acquisition::Armed; },
-            [this] { return acquisition_ == Acquisition::Running; });
+            [this](bool on) {
+                state_.acquisition = on ? Acquisition::Running : Acquisition::Armed;
+            },
+            [this] { return state_.acquisition == Acquisition::Running; });
     }
 }
 
@@ -61,15 +66,15 @@ void Oscilloscope::reset()
     Instrument::reset();
     setValue(dialect_.channelState, 1, 1.0);
     setValue(dialect_.channelState, 3, 1.0);
-    format_.reset();
-    acquisition_ = Acquisition::Running;
+    state_.format.reset();
+    state_.acquisition = Acquisition::Running;
 }
 
 void Oscilloscope::forceTrigger()
 {
     link_.trigger(triggerLevel());
-    if (acquisition_ == Acquisition::Armed) {
-        acquisition_ = Acquisition::Stopped;
+    if (state_.acquisition == Acquisition::Armed) {
+        state_.acquisition = Acquisition::Stopped;
     }
 }
 
@@ -118,7 +123,7 @@ int Oscilloscope::answerRecord(const Call &call, std::string &answer)
     if (!dialect_.interleave.empty() && value(dialect_.interleave) != 0.0) {
         samples = withTimes(samples, grid);
     }
-    answer = format_.encode(samples);
+    answer = state_.format.encode(samples);
     return scpi::noError;
 }
 

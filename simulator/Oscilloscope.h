@@ -28,22 +28,26 @@ struct OscilloscopeDialect
 const OscilloscopeDialect &kvxDialect();
 const OscilloscopeDialect &lpa4004Dialect();
 
+/// Running acquires all the time, Armed waits for one trigger, Stopped keeps its record.
+enum class Acquisition
+{
+    Running,
+    Armed,
+    Stopped
+};
+
+struct OscilloscopeState : InstrumentState
+{
+    TraceFormat format;
+    Acquisition acquisition = Acquisition::Running;
+};
+
 /// An oscilloscope with the source on channel 1, the sink on channel 2, the analyzer's video output
 /// on channel 3 and nothing on channel 4.
 class Oscilloscope : public Instrument
 {
 public:
-    /// Running acquires all the time, Armed waits for one trigger, Stopped keeps its record.
-    enum class Acquisition
-    {
-        Running,
-        Armed,
-        Stopped
-    };
-
-    Oscilloscope(const OscilloscopeDialect &dialect, LinkModel &link);
-
-    [[nodiscard]] Acquisition acquisition() const { return acquisition_; }
+    Oscilloscope(const OscilloscopeDialect &dialect, OscilloscopeState &state, LinkModel &link);
 
 protected:
     void reset() override;
@@ -57,9 +61,8 @@ private:
     int answerRecord(const Call &call, std::string &answer);
 
     const OscilloscopeDialect &dialect_;
+    OscilloscopeState &state_;
     LinkModel &link_;
-    TraceFormat format_;
-    Acquisition acquisition_ = Acquisition::Running;
 };
 
 } // namespace simulator

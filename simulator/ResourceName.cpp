@@ -1,11 +1,14 @@
 #include "simulator/ResourceName.h"
 
 #include <algorithm>
+#include <charconv>
 #include <vector>
 
 namespace simulator {
 
 namespace {
+
+constexpr std::size_t longest = VI_FIND_BUFLEN - 1; // what a client's buffer holds
 
 std::string lowerCase(std::string_view text)
 {
@@ -16,9 +19,10 @@ std::string lowerCase(std::string_view text)
     return result;
 }
 
-bool isNumber(std::string_view text)
+bool parseBoard(std::string_view text, ViUInt16 &board)
 {
-    return text.find_first_not_of("0123456789") == std::string_view::npos;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), board);
+    return text.empty() || (error == std::errc() && end == text.data() + text.size());
 }
 
 /// A host name, an IPv4 address or the name of a LAN device.
@@ -46,16 +50,25 @@ std::optional<ResourceName> parseResourceName(std::string_view text)
 {
     constexpr std::string_view interface = "tcpip";
     const std::vector<std::string> parts = splitAtDoubleColons(lowerCase(text));
+    ResourceName name;
     if (parts.size() < 3 || parts.size() > 4 || parts.back() != "instr" ||
         parts[0].compare(0, interface.size(), interface) != 0 ||
-        !isNumber(std::string_view(parts[0]).substr(interface.size()))) {
+        !parseBoard(std::string_view(parts[0]).substr(interface.size()), name.board)) {
         return std::nullopt;
     }
-    const std::string device = parts.size() == 4 ? parts[2] : "inst0";
-    if (!isName(parts[1]) || !isName(device)) {
+    name.host = parts[1];
+    if (parts.size() == 4) {
+        name.device = parts[2];
+    }
+    if (!isName(name.host) || !isName(name.device) || resourceString(name).size() > longest) {
         return std::nullopt;
     }
-    return ResourceName{parts[1], device};
+    return name;
+}
+
+std::string resourceString(const ResourceName &name)
+{
+    return "TCPIP" + std::to_string(name.board) + "::" + name.host + "::" + name.device + "::INSTR";
 }
 
 } // namespace simulator

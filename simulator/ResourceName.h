@@ -1,5 +1,7 @@
 #pragma once
 
+#include "instrument/VisaTypes.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -9,12 +11,16 @@ namespace simulator {
 /// The parts of a VISA resource string that say which instrument is meant.
 struct ResourceName
 {
-    std::string host;   ///< lower case
-    std::string device; ///< lower case; "inst0" when the string names none
+    ViUInt16 board = 0;           ///< 0 when the string has no number
+    std::string host;             ///< lower case
+    std::string device = "inst0"; ///< lower case
 };
 
 /// Reads `TCPIP[board]::host[::device]::INSTR` (VPP-4.3, section 4.3.1.1) in any letter case.
-/// Returns nothing when the text is malformed.
+/// Returns nothing when the text is malformed, or longer than 255 characters once written out.
 std::optional<ResourceName> parseResourceName(std::string_view text);
+
+/// The same written out in full, as lists of resources show it.
+std::string resourceString(const ResourceName &name);
 
 } // namespace simulator

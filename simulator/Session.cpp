@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstring>
-#include <limits>
 #include <memory>
 
 namespace simulator {
@@ -42,9 +40,16 @@ ViStatus Session::write(std::string_view bytes)
     instrument_->setRemote(true);
     scanBuffer_.clear(); // what a formatted read left over belongs to the answer before
     while (!bytes.empty()) {
-        const std::size_t end = std::min(bytes.find('\n'), bytes.size());
-        receive(bytes.substr(0, end));
-        bytes.remove_prefix(std::min(end + 1, bytes.size()));
+        const std::size_t newline = bytes.find('\n');
+        const bool isComplete =
+            newline != std::string_view::npos || attributes_.number(VI_ATTR_SEND_END_EN) != 0;
+        const std::string_view line = bytes.substr(0, newline);
+        bytes.remove_prefix(std::min(line.size() + 1, bytes.size()));
+        // One byte too many is kept, as the sign of an overrun.
+        input_ += line.substr(0, inputBufferSize + 1 - input_.size());
+        if (isComplete) {
+            receive(std::exchange(input_, {}));
+        }
     }
     return VI_SUCCESS;
 }
@@ -56,7 +61,7 @@ void Session::receive(std::string_view message)
     }
     if (unread() > 0) {
         instrument_->errors().push(scpi::queryInterrupted); // IEEE 488.2 6.3.2.3
-        clear();
+        dropAnswer();
     }
     if (message.size() > inputBufferSize) {
         instrument_->errors().push(scpi::inputBufferOverrun);
@@ -73,8 +78,18 @@ ViStatus Session::read(std::size_t count, std::string_view &bytes)
         return VI_ERROR_TMO;
     }
     bytes = std::string_view(output_).substr(outputRead_, count);
+    bool isTerminated = false;
+    if (attributes_.number(VI_ATTR_TERMCHAR_EN) != 0) {
+        const auto terminator = static_cast<char>(attributes_.number(VI_ATTR_TERMCHAR));
+        const std::size_t at = bytes.find(terminator);
+        isTerminated = at != std::string_view::npos;
+        bytes = isTerminated ? bytes.substr(0, at + 1) : bytes;
+    }
     outputRead_ += bytes.size();
-    return unread() == 0 ? VI_SUCCESS : VI_SUCCESS_MAX_CNT;
+    if (unread() == 0) {
+        return VI_SUCCESS; // END counts more than a termination character (VPP-4.3, viRead)
+    }
+    return isTerminated ? VI_SUCCESS_TERM_CHAR : VI_SUCCESS_MAX_CNT;
 }
 
 ViStatus Session::readToFile(const char *fileName, std::size_t count, std::size_t &returnedCount)
@@ -96,31 +111,16 @@ ViStatus Session::readToFile(const char *fileName, std::size_t count, std::size_
 
 void Session::clear()
 {
+    input_.clear();
+    dropAnswer();
+}
+
+void Session::dropAnswer()
+{
     output_.clear();
     output_.shrink_to_fit(); // an answer can be megabytes
     outputRead_ = 0;
     scanBuffer_.clear();
-}
-
-ViStatus Session::setAttribute(ViAttr attribute, ViAttrState value)
-{
-    if (attribute != VI_ATTR_TMO_VALUE) {
-        return VI_ERROR_NSUP_ATTR;
-    }
-    if (value > std::numeric_limits<ViUInt32>::max()) {
-        return VI_ERROR_NSUP_ATTR_STATE;
-    }
-    timeoutMs_ = static_cast<ViUInt32>(value);
-    return VI_SUCCESS;
-}
-
-ViStatus Session::getAttribute(ViAttr attribute, void *value) const
-{
-    if (attribute != VI_ATTR_TMO_VALUE) {
-        return VI_ERROR_NSUP_ATTR;
-    }
-    std::memcpy(value, &timeoutMs_, sizeof timeoutMs_);
-    return VI_SUCCESS;
 }
 
 ViStatus Session::controlRemote(ViUInt16 mode)
@@ -159,7 +159,7 @@ ViStatus Session::fillScanBuffer(std::string *&buffer)
     std::string_view bytes;
     const ViStatus status = read(unread(), bytes);
     scanBuffer_ = bytes;
-    return status;
+    return std::min(status, VI_SUCCESS); // a termination character is no news here
 }
 
 } // namespace simulator

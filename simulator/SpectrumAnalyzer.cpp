@@ -51,13 +51,14 @@ std::vector<Setting> settingsOf(AnalyzerFamily family)
 
 } // namespace
 
-SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, LinkModel &link)
-    : Instrument(identity(family), settingsOf(family)), link_(link)
+SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, SpectrumAnalyzerState &state,
+                                   LinkModel &link)
+    : Instrument(identity(family), settingsOf(family), state), state_(state), link_(link)
 {
-    addFormatCommands(format_);
+    addFormatCommands(state_.format);
     onSwitch(
-        "INITiate<1>:CONTinuous", [this](bool on) { continuous_ = on; },
-        [this] { return continuous_; });
+        "INITiate<1>:CONTinuous", [this](bool on) { state_.continuous = on; },
+        [this] { return state_.continuous; });
     // A sweep is over as soon as it is asked for: it shows the link's last event.
     onEvent("INITiate<1>[:IMMediate]", [] {});
     onEvent("ABORt", [] {});
@@ -69,8 +70,8 @@ SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, LinkModel &link)
 void SpectrumAnalyzer::reset()
 {
     Instrument::reset();
-    format_.reset();
-    continuous_ = true;
+    state_.format.reset();
+    state_.continuous = true;
 }
 
 int SpectrumAnalyzer::answerTrace(const Call &call, std::string &answer)
@@ -100,7 +101,7 @@ int SpectrumAnalyzer::answerTrace(const Call &call, std::string &answer)
     std::vector<float> samples = link_.lastEvent().trace(
         Signal::RfPower, {start, value("SWEep:TIME"), static_cast<std::size_t>(points)});
     samples.resize(static_cast<std::size_t>(std::min(wanted, points)));
-    answer = format_.encode(samples);
+    answer = state_.format.encode(samples);
     return scpi::noError;
 }
 

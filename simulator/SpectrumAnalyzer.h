@@ -15,13 +15,17 @@ enum class AnalyzerFamily
     Qel
 };
 
+struct SpectrumAnalyzerState : InstrumentState
+{
+    TraceFormat format;
+    bool continuous = true;
+};
+
 /// A spectrum analyzer in zero span on the link's channel, triggered by the oscilloscope.
 class SpectrumAnalyzer : public Instrument
 {
 public:
-    SpectrumAnalyzer(AnalyzerFamily family, LinkModel &link);
-
-    [[nodiscard]] bool isContinuous() const { return continuous_; }
+    SpectrumAnalyzer(AnalyzerFamily family, SpectrumAnalyzerState &state, LinkModel &link);
 
 protected:
     void reset() override;
@@ -29,9 +33,8 @@ protected:
 private:
     int answerTrace(const Call &call, std::string &answer);
 
+    SpectrumAnalyzerState &state_;
     LinkModel &link_;
-    TraceFormat format_;
-    bool continuous_ = true;
 };
 
 } // namespace simulator

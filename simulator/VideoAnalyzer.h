@@ -7,13 +7,17 @@
 
 namespace simulator {
 
+struct VideoAnalyzerState : InstrumentState
+{
+    bool measuring = false;
+    std::uint32_t eventsBefore = 0; // the measurement was started
+};
+
 /// A video analyzer that measures the delay from the source to the sink's HDMI output.
 class VideoAnalyzer : public Instrument
 {
 public:
-    explicit VideoAnalyzer(LinkModel &link);
-
-    [[nodiscard]] bool isMeasuring() const { return measuring_; }
+    VideoAnalyzer(VideoAnalyzerState &state, LinkModel &link);
 
 protected:
     void reset() override;
@@ -21,9 +25,8 @@ protected:
 private:
     int answerDelay(const Call &call, std::string &answer);
 
+    VideoAnalyzerState &state_;
     LinkModel &link_;
-    bool measuring_ = false;
-    std::uint32_t eventsBefore_ = 0; // the measurement was started
 };
 
 } // namespace simulator

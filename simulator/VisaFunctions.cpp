@@ -1,7 +1,8 @@
 #include "simulator/VisaFunctions.h"
 
-#include "simulator/Bench.h"
 #include "simulator/FormattedIo.h"
+#include "simulator/Laboratory.h"
+#include "simulator/ResourceName.h"
 #include "simulator/SessionTable.h"
 #include "simulator/StatusText.h"
 
@@ -9,30 +10,33 @@
 #include <cstdarg>
 #include <cstring>
 #include <mutex>
+#include <new>
 #include <string_view>
 
 namespace {
 
+using simulator::Attributes;
+using simulator::Laboratory;
 using simulator::Session;
 using simulator::SessionTable;
 
 SessionTable &sessions()
 {
-    static SessionTable table(simulator::bench());
+    static SessionTable table(Laboratory::instance().bench());
     return table;
 }
-
-std::mutex mutex; // one for all functions
 
 /// Runs one VISA function at a time, and lets no exception into the C caller.
 template <typename Body>
 ViStatus guarded(Body body) noexcept
 {
     try {
-        const std::lock_guard lock(mutex);
+        const std::lock_guard lock(Laboratory::instance());
         return body();
+    } catch (const std::bad_alloc &) {
+        return VI_ERROR_ALLOC;
     } catch (...) {
-        return VI_ERROR_ALLOC; // nothing but memory can run out in here
+        return VI_ERROR_SYSTEM_ERROR; // no lock on the laboratory
     }
 }
 
@@ -42,9 +46,27 @@ ViStatus withSession(ViSession handle, Body body) noexcept
 {
     return guarded([&] {
         ViStatus status = VI_SUCCESS;
-        Session *session = sessions().find(handle, status);
+        Session *session = sessions().session(handle, status);
         return session != nullptr ? body(*session) : status;
     });
+}
+
+/// Runs one operation of a resource manager.
+template <typename Body>
+ViStatus withManager(ViSession handle, Body body) noexcept
+{
+    return guarded([&] {
+        const ViStatus status = sessions().managerStatus(handle);
+        return status == VI_SUCCESS ? body() : status;
+    });
+}
+
+/// Copies a text with its zero byte, where the caller has a buffer for it.
+void copyText(ViChar *buffer, std::string_view text)
+{
+    if (buffer != nullptr) {
+        *std::copy(text.begin(), text.end(), buffer) = '\0';
+    }
 }
 
 void report(ViUInt32 *returnedCount, std::size_t count)
@@ -78,14 +100,74 @@ ViStatus viOpenDefaultRM(ViSession *resourceManager)
     return guarded([=] { return sessions().openManager(*resourceManager); });
 }
 
+ViStatus viFindRsrc(ViSession resourceManager, const ViChar *expression, ViFindList *list,
+                    ViUInt32 *count, ViChar *description)
+{
+    return withManager(resourceManager, [=] {
+        if (expression == nullptr || description == nullptr) {
+            return expression == nullptr ? VI_ERROR_INV_EXPR : VI_ERROR_USER_BUF;
+        }
+        std::vector<std::string> names;
+        ViStatus status = sessions().find(expression, names);
+        report(count, names.size());
+        if (status == VI_SUCCESS && list != nullptr) {
+            status = sessions().openList(resourceManager, {names.begin() + 1, names.end()}, *list);
+        }
+        if (status == VI_SUCCESS) {
+            copyText(description, names.front());
+        }
+        return status;
+    });
+}
+
+ViStatus viFindNext(ViFindList list, ViChar *description)
+{
+    return guarded([=] {
+        std::string name;
+        const ViStatus status =
+            description == nullptr ? VI_ERROR_USER_BUF : sessions().findNext(list, name);
+        if (status == VI_SUCCESS) {
+            copyText(description, name);
+        }
+        return status;
+    });
+}
+
+ViStatus viParseRsrc(ViSession resourceManager, const ViChar *resourceName, ViUInt16 *interfaceType,
+                     ViUInt16 *interfaceNumber)
+{
+    return viParseRsrcEx(resourceManager, resourceName, interfaceType, interfaceNumber, nullptr,
+                         nullptr, nullptr);
+}
+
+// Names are only taken apart: whether the instrument is there is up to viOpen.
+ViStatus viParseRsrcEx(ViSession resourceManager, const ViChar *resourceName,
+                       ViUInt16 *interfaceType, ViUInt16 *interfaceNumber, ViChar *resourceClass,
+                       ViChar *expandedName, ViChar *alias)
+{
+    return withManager(resourceManager, [=] {
+        if (interfaceType == nullptr || interfaceNumber == nullptr) {
+            return VI_ERROR_USER_BUF;
+        }
+        const auto name =
+            resourceName == nullptr ? std::nullopt : simulator::parseResourceName(resourceName);
+        if (!name) {
+            return VI_ERROR_INV_RSRC_NAME;
+        }
+        *interfaceType = VI_INTF_TCPIP;
+        *interfaceNumber = name->board;
+        copyText(resourceClass, "INSTR");
+        copyText(expandedName, simulator::resourceString(*name));
+        copyText(alias, "");
+        return VI_SUCCESS;
+    });
+}
+
 // The bench is always there: there is no opening to wait for.
 ViStatus viOpen(ViSession resourceManager, const ViChar *resourceName, ViAccessMode accessMode,
                 ViUInt32 /*timeoutMs*/, ViSession *session)
 {
-    return guarded([=] {
-        if (!sessions().isOpen(resourceManager)) {
-            return VI_ERROR_INV_OBJECT;
-        }
+    return withManager(resourceManager, [=] {
         if (session == nullptr || resourceName == nullptr) {
             return session == nullptr ? VI_ERROR_USER_BUF : VI_ERROR_INV_RSRC_NAME;
         }
@@ -116,15 +198,34 @@ ViStatus viStatusDesc(ViObject object, ViStatus status, ViChar *description)
 
 ViStatus viSetAttribute(ViObject object, ViAttr attribute, ViAttrState value)
 {
-    return withSession(object,
-                       [=](Session &session) { return session.setAttribute(attribute, value); });
+    return guarded([=] {
+        ViStatus status = VI_SUCCESS;
+        Attributes *attributes = sessions().attributes(object, status);
+        return attributes != nullptr ? attributes->set(attribute, value) : status;
+    });
 }
 
 ViStatus viGetAttribute(ViObject object, ViAttr attribute, void *value)
 {
-    return withSession(object, [=](const Session &session) {
-        return value == nullptr ? VI_ERROR_USER_BUF : session.getAttribute(attribute, value);
+    return guarded([=] {
+        ViStatus status = VI_SUCCESS;
+        const Attributes *attributes = sessions().attributes(object, status);
+        if (attributes == nullptr || value == nullptr) {
+            return attributes == nullptr ? status : VI_ERROR_USER_BUF;
+        }
+        return attributes->get(attribute, value);
     });
+}
+
+// The bench raises no events, and none can be enabled.
+ViStatus viDisableEvent(ViSession session, ViEventType /*type*/, ViUInt16 /*mechanism*/)
+{
+    return withSession(session, [](const Session &) { return VI_SUCCESS_EVENT_DIS; });
+}
+
+ViStatus viDiscardEvents(ViSession session, ViEventType /*type*/, ViUInt16 /*mechanism*/)
+{
+    return withSession(session, [](const Session &) { return VI_SUCCESS_QUEUE_EMPTY; });
 }
 
 ViStatus viWrite(ViSession session, const ViByte *buffer, ViUInt32 count, ViUInt32 *returnedCount)

@@ -8,11 +8,17 @@
 
 extern "C" {
 SIMULATOR_EXPORT visa::OpenDefaultRM viOpenDefaultRM;
+SIMULATOR_EXPORT visa::FindRsrc viFindRsrc;
+SIMULATOR_EXPORT visa::FindNext viFindNext;
+SIMULATOR_EXPORT visa::ParseRsrc viParseRsrc;
+SIMULATOR_EXPORT visa::ParseRsrcEx viParseRsrcEx;
 SIMULATOR_EXPORT visa::Open viOpen;
 SIMULATOR_EXPORT visa::Close viClose;
 SIMULATOR_EXPORT visa::StatusDesc viStatusDesc;
 SIMULATOR_EXPORT visa::SetAttribute viSetAttribute;
 SIMULATOR_EXPORT visa::GetAttribute viGetAttribute;
+SIMULATOR_EXPORT visa::DisableEvent viDisableEvent;
+SIMULATOR_EXPORT visa::DiscardEvents viDiscardEvents;
 SIMULATOR_EXPORT visa::Write viWrite;
 SIMULATOR_EXPORT visa::Read viRead;
 SIMULATOR_EXPORT visa::ReadToFile viReadToFile;

@@ -6,7 +6,7 @@
 #include "setup/OscilloscopeSetup.h"
 #include "setup/SpectrumAnalyzerSetup.h"
 #include "setup/VideoAnalyzerSetup.h"
-#include "simulator/Bench.h"
+#include "simulator/Laboratory.h"
 #include "simulator/VisaFunctions.h"
 
 #include <QtTest>

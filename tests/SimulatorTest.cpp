@@ -1,6 +1,7 @@
-#include "simulator/Bench.h"
+#include "simulator/Laboratory.h"
 #include "simulator/VisaFunctions.h"
 
+#include <QSet>
 #include <QTemporaryFile>
 #include <QtTest>
 
@@ -17,7 +18,16 @@ using namespace simulator;
 
 namespace {
 
-/// A bench of its own, asked through its instruments without VISA.
+/// A bench of its own, just switched on.
+struct OwnBench
+{
+    BenchState state;
+    Bench bench{state};
+
+    OwnBench() { bench.switchOn(); }
+};
+
+/// Asks an instrument without VISA.
 QString ask(Bench &bench, const char *host, const QByteArray &message)
 {
     return QString::fromStdString(bench.find(host)->execute(message.toStdString())).trimmed();
@@ -91,13 +101,79 @@ private slots:
             {VI_ERROR_INV_RSRC_NAME,
              {"", "oscilloscope", "TCPIP0::oscilloscope", "TCPIP0::::INSTR", "TCPIPx::a::INSTR",
               "GPIB0::7::INSTR", "TCPIP0::a::INSTR ", "TCPIP0::a::b::c::INSTR", "TCPIP0:a:INSTR",
-              "TCPIP0::a b::INSTR", "TCPIP0::oscilloscope::5025::SOCKET", QByteArray(300, 'a')}}};
+              "TCPIP0::a b::INSTR", "TCPIP0::oscilloscope::5025::SOCKET", "TCPIP65536::a::INSTR",
+              QByteArray(300, 'a'), "TCPIP::" + QByteArray(235, 'a') + "::INSTR"}}};
         for (const auto &[status, names] : texts) {
             for (const QByteArray &name : names) {
                 ViSession session = 4711;
                 QVERIFY2(viOpen(manager_, name, VI_NO_LOCK, 0, &session) == status, name);
                 QCOMPARE(session != 0, status == VI_SUCCESS);
+                ViUInt16 type = 0;
+                ViUInt16 board = 0;
+                const bool malformed = status == VI_ERROR_INV_RSRC_NAME;
+                QCOMPARE(viParseRsrc(manager_, name, &type, &board),
+                         malformed ? status : VI_SUCCESS);
+                QCOMPARE(type, malformed ? ViUInt16{0} : VI_INTF_TCPIP);
             }
+        }
+        ViUInt16 type = 0;
+        ViUInt16 board = 0;
+        std::array<std::array<char, VI_FIND_BUFLEN>, 3> parts{};
+        QCOMPARE(viParseRsrcEx(manager_, "tcpip7::Printer::instr", &type, &board, parts[0].data(),
+                               parts[1].data(), parts[2].data()),
+                 VI_SUCCESS);
+        QCOMPARE(board, ViUInt16{7});
+        QCOMPARE(QByteArray(parts[0].data()), QByteArray("INSTR"));
+        QCOMPARE(QByteArray(parts[1].data()), QByteArray("TCPIP7::printer::inst0::INSTR"));
+        QCOMPARE(parts[2][0], '\0');
+    }
+
+    void findsResources()
+    {
+        const std::map<QByteArray, int> counts = {{"?*", 6},
+                                                  {"?*::INSTR", 6},
+                                                  {"tcpip?*instr", 6},
+                                                  {"?*-[kq]?[xn]::?*", 2},
+                                                  {"?*-[^k]??::?*", 2},
+                                                  {"?*::(oscillo|spectrum\\-)?*", 5},
+                                                  {"?*(-q(an|el)|-kvx)+::?*", 3},
+                                                  {"?*[l-n]-kvx::?*|?*video?*", 1},
+                                                  {"((((?*)*)+)*)+", 6},
+                                                  {"?*[a\\-x", -1},
+                                                  {"(?*", -1},
+                                                  {"?*)", -1},
+                                                  {"*", -1},
+                                                  {"?**", -1},
+                                                  {"?*\\", -1},
+                                                  {"?*{VI_ATTR_INTF_NUM == 0}", -1},
+                                                  {QByteArray(300, '?'), -1},
+                                                  {"", 0},
+                                                  {"?*::INST", 0},
+                                                  {"GPIB?*", 0},
+                                                  {"TCPIP?INSTR", 0}};
+        for (const auto &[expression, expected] : counts) {
+            ViFindList list = 0;
+            ViUInt32 count = 0;
+            std::array<char, VI_FIND_BUFLEN> name{};
+            const ViStatus status = viFindRsrc(manager_, expression, &list, &count, name.data());
+            QVERIFY2(status == (expected > 0   ? VI_SUCCESS
+                                : expected < 0 ? VI_ERROR_INV_EXPR
+                                               : VI_ERROR_RSRC_NFOUND),
+                     expression);
+            QVERIFY2(static_cast<int>(count) == std::max(expected, 0), expression);
+            QSet<QByteArray> names;
+            for (; expected > 0 && names.size() < expected; viFindNext(list, name.data())) {
+                ViSession session = 0;
+                QCOMPARE(viOpen(manager_, name.data(), VI_NO_LOCK, 0, &session), VI_SUCCESS);
+                names.insert(name.data());
+            }
+            QCOMPARE(names.size(), std::max(expected, 0));
+            if (expected > 0) {
+                QCOMPARE(viFindNext(list, name.data()), VI_ERROR_RSRC_NFOUND);
+                QCOMPARE(viClear(list), VI_ERROR_NSUP_OPER);
+                QCOMPARE(viClose(list), VI_SUCCESS);
+            }
+            QCOMPARE(viFindNext(list, name.data()), VI_ERROR_INV_OBJECT);
         }
     }
 
@@ -112,16 +188,28 @@ private slots:
             ViSession session = 0;
             ViByte byte = 'x';
             ViUInt16 statusByte = 0;
+            ViUInt16 number = 0;
             std::array<char, 256> text{};
             for (const ViStatus answer :
-                 {viOpen(handle, "TCPIP::oscilloscope::INSTR", VI_NO_LOCK, 0, &session),
-                  viWrite(handle, &byte, 1, nullptr), viRead(handle, &byte, 1, nullptr),
-                  viReadToFile(handle, "/nonexistent/file", 1, nullptr), viClear(handle),
+                 {viFindRsrc(handle, "?*", &session, nullptr, text.data()),
+                  viFindNext(handle, text.data()),
+                  viParseRsrc(handle, "", &number, &number),
+                  viDisableEvent(handle, 0, 0),
+                  viDiscardEvents(handle, 0, 0),
+                  viOpen(handle, "TCPIP::oscilloscope::INSTR", VI_NO_LOCK, 0, &session),
+                  viWrite(handle, &byte, 1, nullptr),
+                  viRead(handle, &byte, 1, nullptr),
+                  viReadToFile(handle, "/nonexistent/file", 1, nullptr),
+                  viClear(handle),
                   viSetAttribute(handle, VI_ATTR_TMO_VALUE, 1),
                   viGetAttribute(handle, VI_ATTR_TMO_VALUE, nullptr),
-                  viSetBuf(handle, VI_READ_BUF, 100), viReadSTB(handle, &statusByte),
-                  viGpibControlREN(handle, VI_GPIB_REN_ADDRESS_GTL), viPrintf(handle, "x"),
-                  viScanf(handle, "x"), viQueryf(handle, "x", "x"), viClose(handle),
+                  viSetBuf(handle, VI_READ_BUF, 100),
+                  viReadSTB(handle, &statusByte),
+                  viGpibControlREN(handle, VI_GPIB_REN_ADDRESS_GTL),
+                  viPrintf(handle, "x"),
+                  viScanf(handle, "x"),
+                  viQueryf(handle, "x", "x"),
+                  viClose(handle),
                   viStatusDesc(handle, VI_SUCCESS, text.data())}) {
                 QCOMPARE(answer, VI_ERROR_INV_OBJECT);
             }
@@ -155,14 +243,44 @@ private slots:
 
     void attributesAndModes()
     {
-        std::array<ViUInt32, 2> value{0, 4711};
-        QCOMPARE(viSetAttribute(first_, VI_ATTR_TMO_VALUE, 5000), VI_SUCCESS);
-        QCOMPARE(viGetAttribute(first_, VI_ATTR_TMO_VALUE, value.data()), VI_SUCCESS);
-        QCOMPARE(value, (std::array<ViUInt32, 2>{5000, 4711})); // 32 bits are written, no more
-        QCOMPARE(viGetAttribute(second_, VI_ATTR_TMO_VALUE, value.data()), VI_SUCCESS);
-        QCOMPARE(value[0], 2000U);
+        constexpr ViUInt64 untouched = 0xEEEEEEEEEEEEEEEE;
+        const auto get = [=](ViSession session, ViAttr attribute) {
+            ViUInt64 value = untouched;
+            return viGetAttribute(session, attribute, &value) == VI_SUCCESS ? value : 0;
+        };
+        const std::map<ViAttr, std::pair<unsigned, ViUInt64>> numbers = {
+            {VI_ATTR_TMO_VALUE, {32, 2000}},
+            {VI_ATTR_TERMCHAR, {8, '\n'}},
+            {VI_ATTR_TERMCHAR_EN, {16, 0}},
+            {VI_ATTR_SEND_END_EN, {16, 1}},
+            {VI_ATTR_INTF_TYPE, {16, 6}},
+            {VI_ATTR_INTF_NUM, {16, 0}},
+            {VI_ATTR_IO_PROT, {16, 1}},
+            {VI_ATTR_DMA_ALLOW_EN, {16, 0}},
+            {VI_ATTR_RM_SESSION, {32, manager_}},
+            {VI_ATTR_RSRC_LOCK_STATE, {32, 0}},
+            {VI_ATTR_RSRC_SPEC_VERSION, {32, 0x300000}}};
+        for (const auto &[attribute, expected] : numbers) {
+            const ViUInt64 value = untouched >> expected.first << expected.first | expected.second;
+            QCOMPARE(get(second_, attribute), value);
+        }
+        // The upper half is what some clients leave in the register.
+        QCOMPARE(viSetAttribute(first_, VI_ATTR_TMO_VALUE, 0xBAD00001388), VI_SUCCESS);
+        QCOMPARE(static_cast<ViUInt32>(get(first_, VI_ATTR_TMO_VALUE)), 5000U);
+        QCOMPARE(static_cast<ViUInt32>(get(second_, VI_ATTR_TMO_VALUE)), 2000U);
+        QCOMPARE(viSetAttribute(first_, VI_ATTR_TERMCHAR_EN, 2), VI_ERROR_NSUP_ATTR_STATE);
+        QCOMPARE(viSetAttribute(first_, VI_ATTR_TERMCHAR, 256), VI_ERROR_NSUP_ATTR_STATE);
+        QCOMPARE(viSetAttribute(first_, VI_ATTR_INTF_NUM, 0), VI_ERROR_ATTR_READONLY);
+        QCOMPARE(viSetAttribute(first_, VI_ATTR_RSRC_NAME, 0), VI_ERROR_ATTR_READONLY);
         QCOMPARE(viSetAttribute(first_, 1, 1), VI_ERROR_NSUP_ATTR);
-        QCOMPARE(viGetAttribute(first_, 1, value.data()), VI_ERROR_NSUP_ATTR);
+        QCOMPARE(viSetAttribute(manager_, VI_ATTR_TMO_VALUE, 1), VI_ERROR_NSUP_ATTR);
+        QCOMPARE(get(first_, 1), 0U);
+
+        std::array<char, VI_FIND_BUFLEN> text{};
+        QCOMPARE(viGetAttribute(first_, VI_ATTR_RSRC_NAME, text.data()), VI_SUCCESS);
+        QCOMPARE(QByteArray(text.data()), QByteArray("TCPIP0::oscilloscope::inst0::INSTR"));
+        QCOMPARE(viGetAttribute(manager_, VI_ATTR_RSRC_MANF_NAME, text.data()), VI_SUCCESS);
+        QCOMPARE(QByteArray(text.data()), QByteArray("Varnholt"));
 
         const Instrument *oscilloscope = bench().find("oscilloscope");
         const std::array<bool, 7> remoteAfter{false, true, false, true, true, true, false};
@@ -173,6 +291,52 @@ private slots:
             QCOMPARE(oscilloscope->isRemote(), remoteAfter.at(mode));
         }
         QCOMPARE(viGpibControlREN(first_, 7), VI_ERROR_INV_MODE);
+    }
+
+    void terminationCharacters()
+    {
+        const QByteArray block = "FORM REAL,32;:CHAN1:DATA?";
+        write(first_, block);
+        const Reply whole = read(first_, 99999); // with bytes 0x0A in it, which mean nothing
+        QCOMPARE(whole.second, VI_SUCCESS);
+        const int newline = whole.first.indexOf('\n');
+        QVERIFY(newline < whole.first.size() - 1);
+
+        viSetAttribute(first_, VI_ATTR_TERMCHAR_EN, 1);
+        write(first_, block);
+        QCOMPARE(read(first_, 99999), Reply(whole.first.left(newline + 1), VI_SUCCESS_TERM_CHAR));
+        QCOMPARE(read(first_, 1), Reply(whole.first.mid(newline + 1, 1), VI_SUCCESS_MAX_CNT));
+        write(first_, "*CLS;*OPC?");
+        QCOMPARE(read(first_, 9), Reply("1\n", VI_SUCCESS)); // the message's end, too
+        viSetAttribute(first_, VI_ATTR_TERMCHAR, ';');
+        write(first_, "*OPC?;*OPC?");
+        QCOMPARE(read(first_, 2), Reply("1;", VI_SUCCESS_TERM_CHAR));
+        QCOMPARE(read(first_, 9), Reply("1\n", VI_SUCCESS));
+    }
+
+    void messagesWithoutEnd()
+    {
+        viSetAttribute(first_, VI_ATTR_SEND_END_EN, 0);
+        write(first_, "*OP");
+        write(first_, "C?");
+        QCOMPARE(read(first_, 9), nothing);
+        write(first_, "\r\n*OPC?;");
+        QCOMPARE(read(first_, 9), Reply("1\n", VI_SUCCESS));
+        viClear(first_); // the rest of the message goes
+        viSetAttribute(first_, VI_ATTR_SEND_END_EN, 1);
+        write(first_, "SYST:ERR?");
+        QCOMPARE(read(first_, 99).first, QByteArray("0,\"No error\"\n"));
+        write(first_, QByteArray(70000, ' ') + "\n:SYST:ERR?");
+        QCOMPARE(read(first_, 99).first, QByteArray("0,\"No error\"\n"));
+        write(first_, QByteArray(70000, 'x'));
+        write(first_, "SYST:ERR?");
+        QCOMPARE(read(first_, 99).first, QByteArray("-363,\"Input buffer overrun\"\n"));
+    }
+
+    void hasNoEvents()
+    {
+        QCOMPARE(viDisableEvent(first_, 0x3FFF7FFF, 0xFFFF), VI_SUCCESS_EVENT_DIS);
+        QCOMPARE(viDiscardEvents(first_, 0x3FFF7FFF, 0xFFFF), VI_SUCCESS_QUEUE_EMPTY);
     }
 
     void answersBelongToTheirSession()
@@ -267,7 +431,8 @@ private slots:
                  {video, "INIT:AVDA;READ:AVDA:TTV:STAT?;COUN?;*RST;READ:AVDA:TTV:STAT?",
                   "1;0;0 / 0"},
                  {video, "CONF:AVDA:TTV:APL:THR 101", " / -222"}}) {
-            Bench bench;
+            OwnBench own;
+            Bench &bench = own.bench;
             QString outcome = ask(bench, host, message) + " / ";
             outcome += ask(bench, host, "SYST:ERR?").section(',', 0, 0);
             QVERIFY2(outcome == expected, qPrintable(QString(message) + " gave " + outcome));
@@ -276,7 +441,8 @@ private slots:
 
     void formatsCarryTheSameRecord()
     {
-        Bench bench;
+        OwnBench own;
+        Bench &bench = own.bench;
         Instrument &kvx = *bench.find("oscilloscope-kvx");
         const auto texts = ask(bench, "oscilloscope-kvx", "ACQ:POIN 1000;:CHAN1:DATA?").split(',');
         const auto values = floats(kvx.execute("FORM REAL,32;:CHAN1:DATA?"));
@@ -296,14 +462,15 @@ private slots:
     {
         for (const char *settings :
              {"TRIG:A:LEV1 0.005", "TRIG:A:LEV1 0.15", "TRIG:A:EDGE:SLOP NEG", "TRIG:A:SOUR EXT"}) {
-            Bench bench;
+            OwnBench own;
+            Bench &bench = own.bench;
             ask(bench, "video-analyzer", "INIT:AVDA");
             ask(bench, "oscilloscope", QByteArray(settings) + ";*TRG");
             QVERIFY2(std::isnan(bench.link().lastEvent().instants().rf), settings);
             QCOMPARE(ask(bench, "video-analyzer", "READ:AVDA:TTV:COUN?"), QString("0"));
             ask(bench, "oscilloscope", "*RST;SING;*TRG"); // the sequence waited
             QCOMPARE(bench.link().lastEvent().instants().rf,
-                     Bench().link().lastEvent().instants().rf);
+                     OwnBench().bench.link().lastEvent().instants().rf);
         }
     }
 
