@@ -8,14 +8,14 @@ declare -A packages_of=(
     [build]='g++ cmake make ninja-build qtbase5-dev libqwt-qt5-dev'
     [desktop]='xvfb openbox xdotool imagemagick fonts-dejavu-core'
     [benchmarks]='libbenchmark-dev'
-    [pyvisa]='python3 python3-pyvisa python3-numpy'
+    [pyvisa]='python3 python3-pyvisa python3-numpy python3-matplotlib'
     [checks]='clang libclang-rt-dev clang-format clang-tidy locales fonts-dejavu-core'
 )
 # Only where it is not called like its package. Of libraries and data there is none to look for.
 declare -A command_of=(
     [ninja-build]=ninja [xvfb]=Xvfb [imagemagick]=import
     [qtbase5-dev]='' [libqwt-qt5-dev]='' [libbenchmark-dev]='' [libclang-rt-dev]=''
-    [python3-pyvisa]='' [python3-numpy]=''
+    [python3-pyvisa]='' [python3-numpy]='' [python3-matplotlib]=''
     [locales]='' [fonts-dejavu-core]=''
 )
 

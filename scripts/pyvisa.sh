@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Drives the simulated bench with PyVISA: everything that a session does, and a series of
-# measurements, held against the delays that OrvantaDemo finds in the same events.
+# Drives the simulated bench with PyVISA: everything that a session does, the documentation's
+# example, and a series of measurements, held against the delays that OrvantaDemo finds in the same
+# events.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# Checks that no source includes what its layer may not know. Usage: check-layers.sh SOURCE-FOLDER
+set -euo pipefail
+cd "$1"
+
+failed=0
+
+# may_include LAYER PATTERN: the project's own headers that a layer may include.
+may_include() {
+    local layer=$1 allowed=$2
+    # Forms and moc files are generated beside their sources.
+    if grep -rnE '^#include "' --include='*.cpp' --include='*.h' "$layer" |
+        grep -vE "#include \"($allowed|$layer/.*|ui_.*|.*\.moc)\"$"; then
+        echo "$layer/ must not include these" >&2
+        failed=1
+    fi
+}
+
+may_include instrument 'no others'
+may_include setup 'instrument/.*'
+may_include measurement 'instrument/.*'
+may_include app '(instrument|setup|measurement)/.*'
+may_include simulator 'instrument/VisaTypes\.h'
+
+if grep -rnE '#include <(Qwt|qwt_|Q(Application|Widget|Dialog|MainWindow|MessageBox|Style|Proxy))' \
+    instrument setup measurement; then
+    echo "Only app/ knows widgets" >&2
+    failed=1
+fi
+if grep -rnE '#include <Q' simulator; then
+    echo "The bench does without Qt" >&2
+    failed=1
+fi
+exit "$failed"
