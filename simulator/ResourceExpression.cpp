@@ -47,7 +47,7 @@ public:
         return wellFormed_ && rest_.empty();
     }
 
-    bool matches(std::string_view text) const
+    [[nodiscard]] bool matches(std::string_view text) const
     {
         std::vector<bool> active(nodes_.size());
         enter(all_.first, active);

@@ -25,9 +25,7 @@ enum LockedByte : off_t
 /// latest. `command` is F_SETLK or F_SETLKW. False with errno when that fails.
 bool setLock(int file, int command, short type, LockedByte byte)
 {
-    struct flock lock
-    {
-    };
+    struct flock lock = {};
     lock.l_type = type;
     lock.l_whence = SEEK_SET;
     lock.l_start = byte;
@@ -53,9 +51,7 @@ int openLocked(const std::string &name)
 {
     for (;;) {
         const int file = open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-        struct stat status
-        {
-        };
+        struct stat status = {};
         if (file >= 0 && setLock(file, F_SETLKW, F_WRLCK, Operation) && fstat(file, &status) == 0 &&
             S_ISREG(status.st_mode) && status.st_uid == geteuid()) {
             if (status.st_nlink > 0) {

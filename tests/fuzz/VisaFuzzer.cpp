@@ -22,7 +22,7 @@ constexpr std::size_t longestRead = std::size_t{1} << 20U;
 class Client
 {
 public:
-    explicit Client(const Input &calls) : input(calls)
+    Client(const std::uint8_t *data, std::size_t size) : input(data, size)
     {
         simulator::BenchState &state = simulator::Laboratory::instance().bench().state();
         state.isOn = false; // every input starts alike
@@ -160,7 +160,7 @@ private:
         }
     }
 
-    ViStatus read(ViObject handle, ViUInt32 size) const
+    [[nodiscard]] ViStatus read(ViObject handle, ViUInt32 size) const
     {
         std::vector<ViByte> bytes;
         std::vector<ViUInt32> count(1);
@@ -199,6 +199,6 @@ private:
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    Client(Input(data, size)).run();
+    Client(data, size).run();
     return 0;
 }
