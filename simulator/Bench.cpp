@@ -31,6 +31,19 @@ void Bench::switchOn()
     state_.isOn = true;
 }
 
+std::uint32_t Bench::layout() const
+{
+    std::string description = std::to_string(sizeof state_);
+    for (const auto &[host, instrument] : instruments_) {
+        description += host + instrument->layout();
+    }
+    std::uint32_t hash = 2166136261U; // FNV-1a
+    for (const char c : description) {
+        hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
+    }
+    return hash;
+}
+
 Instrument *Bench::find(std::string_view host) const
 {
     const auto found = instruments_.find(host);

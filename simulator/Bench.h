@@ -5,6 +5,7 @@
 #include "simulator/SpectrumAnalyzer.h"
 #include "simulator/VideoAnalyzer.h"
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
@@ -37,13 +38,15 @@ public:
     /// Switches everything on, unless it is on: settings of *RST, the sequence at its start.
     void switchOn();
 
+    /// A number that differs between layouts of the state, as far as the settings make it.
+    [[nodiscard]] std::uint32_t layout() const;
+
     /// The instrument with this host name in lower case, null when there is none.
     [[nodiscard]] Instrument *find(std::string_view host) const;
     /// The host names of all instruments.
     [[nodiscard]] std::vector<std::string> hosts() const;
 
     LinkModel &link() { return state_.link; }
-    BenchState &state() { return state_; }
 
 private:
     BenchState &state_;

@@ -206,6 +206,15 @@ void Instrument::setValue(std::string_view pattern, std::size_t suffix, double v
     valueOf(row(pattern), {suffix, 1}) = value;
 }
 
+std::string Instrument::layout() const
+{
+    std::string patterns;
+    for (const Row &row : rows_) {
+        patterns.append(row.setting.pattern).append(row.setting.choices).append(1, ',');
+    }
+    return patterns;
+}
+
 void Instrument::switchOn()
 {
     state_.errors.clear();

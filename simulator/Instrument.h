@@ -37,6 +37,9 @@ public:
     /// Starts with the settings of *RST, in local mode and without errors.
     void switchOn();
 
+    /// The settings in the order of their values.
+    [[nodiscard]] std::string layout() const;
+
     /// Executes one program message (without its terminator) and returns the response message with
     /// its terminator, empty when nothing was asked or answered. Errors go to the queue; a unit
     /// that fails answers nothing, the units after it are executed.

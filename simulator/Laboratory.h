@@ -11,6 +11,7 @@ namespace simulator {
 class Laboratory
 {
 public:
+    /// It is never destroyed: other threads may use it until the process has ended.
     static Laboratory &instance();
 
     void lock();
@@ -19,7 +20,8 @@ public:
     Bench &bench() { return bench_; }
 
 private:
-    Laboratory() : memory_(openBenchMemory()), bench_(memory_->state()) {}
+    Laboratory();
+    void leave();
 
     std::mutex mutex_; // for threads; the memory's lock is for processes
     std::unique_ptr<BenchMemory> memory_;

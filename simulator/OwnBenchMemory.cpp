@@ -2,7 +2,7 @@
 
 namespace simulator {
 
-std::unique_ptr<BenchMemory> openBenchMemory()
+std::unique_ptr<BenchMemory> openBenchMemory(std::uint32_t /*layout*/)
 {
     return std::make_unique<OwnBenchMemory>();
 }

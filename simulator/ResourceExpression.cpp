@@ -154,11 +154,14 @@ private:
         do {
             const unsigned char first = code(takeAny());
             const unsigned char last = take('-') ? code(takeAny()) : first;
+            wellFormed_ = wellFormed_ && first <= last;
             for (unsigned c = first; c <= last; ++c) {
                 characters.set(c);
             }
         } while (wellFormed_ && !take(']'));
-        return negated ? ~characters : characters;
+        characters = negated ? ~characters : characters;
+        wellFormed_ = wellFormed_ && characters.any();
+        return characters;
     }
 
     /// Activates a node and those that are reached from it without a character.

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
+#include <string_view>
 #include <vector>
 
 namespace simulator {
@@ -46,10 +48,11 @@ std::vector<std::string> splitAtDoubleColons(const std::string &text)
 
 } // namespace
 
-std::optional<ResourceName> parseResourceName(std::string_view text)
+std::optional<ResourceName> parseResourceName(const char *text)
 {
     constexpr std::string_view interface = "tcpip";
-    const std::vector<std::string> parts = splitAtDoubleColons(lowerCase(text));
+    const std::vector<std::string> parts =
+        splitAtDoubleColons(lowerCase({text, strnlen(text, longest + 1)}));
     ResourceName name;
     if (parts.size() < 3 || parts.size() > 4 || parts.back() != "instr" ||
         parts[0].compare(0, interface.size(), interface) != 0 ||

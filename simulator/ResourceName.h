@@ -4,7 +4,6 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace simulator {
 
@@ -17,8 +16,9 @@ struct ResourceName
 };
 
 /// Reads `TCPIP[board]::host[::device]::INSTR` (VPP-4.3, section 4.3.1.1) in any letter case.
-/// Returns nothing when the text is malformed, or longer than 255 characters once written out.
-std::optional<ResourceName> parseResourceName(std::string_view text);
+/// Returns nothing when the text is malformed, or longer than 255 characters once written out; it
+/// is read no further than that.
+std::optional<ResourceName> parseResourceName(const char *text);
 
 /// The same written out in full, as lists of resources show it.
 std::string resourceString(const ResourceName &name);

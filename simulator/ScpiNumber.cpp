@@ -29,8 +29,11 @@ int parseNumber(std::string_view text, double &value)
 std::string numberText(double value)
 {
     std::array<char, 32> digits{};
-    const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), value);
-    return {digits.data(), result.ptr};
+    char *const first = digits.data();
+    char *const last = first + digits.size();
+    const auto rounded = std::to_chars(first, last, value, std::chars_format::scientific, 14);
+    std::from_chars(first, rounded.ptr, value);
+    return {first, std::to_chars(first, last, value).ptr};
 }
 
 void appendNumber(std::string &text, float value)

@@ -9,7 +9,7 @@ namespace simulator {
 /// -104 (no number) or -222 (a number beyond the double range), and then leaves `value` alone.
 int parseNumber(std::string_view text, double &value);
 
-/// The shortest text that reads back as `value` (IEEE 488.2 8.7.4), whatever the process locale.
+/// The shortest text of `value` to 15 digits (IEEE 488.2 8.7.4), whatever the process locale.
 std::string numberText(double value);
 
 /// Appends the shortest text that reads back as `value`.

@@ -1,8 +1,6 @@
 #include "simulator/Session.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <memory>
 
 namespace simulator {
 
@@ -23,11 +21,6 @@ enum RemoteMode : ViUInt16
     AssertAndLockOut = 4,
     AssertAddressAndLockOut = 5,
     AddressAndLocal = VI_GPIB_REN_ADDRESS_GTL,
-};
-
-struct CloseFile
-{
-    void operator()(std::FILE *file) const { std::fclose(file); }
 };
 
 } // namespace
@@ -90,23 +83,6 @@ ViStatus Session::read(std::size_t count, std::string_view &bytes)
         return VI_SUCCESS; // END counts more than a termination character (VPP-4.3, viRead)
     }
     return isTerminated ? VI_SUCCESS_TERM_CHAR : VI_SUCCESS_MAX_CNT;
-}
-
-ViStatus Session::readToFile(const char *fileName, std::size_t count, std::size_t &returnedCount)
-{
-    returnedCount = 0;
-    const std::unique_ptr<std::FILE, CloseFile> file(std::fopen(fileName, "wb"));
-    if (!file) {
-        return VI_ERROR_FILE_ACCESS;
-    }
-    std::string_view bytes;
-    const ViStatus status = read(count, bytes);
-    if (bytes.empty()) {
-        return status;
-    }
-    returnedCount = std::fwrite(bytes.data(), 1, bytes.size(), file.get());
-    const bool written = returnedCount == bytes.size() && std::fflush(file.get()) == 0;
-    return written ? status : VI_ERROR_FILE_IO;
 }
 
 void Session::clear()

@@ -32,8 +32,6 @@ public:
     /// VI_SUCCESS at the answer's end; before it VI_SUCCESS_TERM_CHAR at an enabled termination
     /// character, otherwise VI_SUCCESS_MAX_CNT; VI_ERROR_TMO without an answer.
     ViStatus read(std::size_t count, std::string_view &bytes);
-    /// The same into a file, which is truncated first, whatever there is to read.
-    ViStatus readToFile(const char *fileName, std::size_t count, std::size_t &returnedCount);
     /// Drops the answer and an incomplete message, as a device clear does.
     void clear();
 

@@ -12,13 +12,6 @@ namespace {
 
 constexpr std::size_t largestTable = 1024; // handles open at a time
 
-/// The text of a client up to the size of the buffers that it goes by; nothing when it is longer.
-std::optional<std::string_view> bounded(const char *text)
-{
-    const std::size_t length = strnlen(text, VI_FIND_BUFLEN);
-    return length < VI_FIND_BUFLEN ? std::optional<std::string_view>({text, length}) : std::nullopt;
-}
-
 /// Closes what a manager has opened.
 template <typename Objects, typename IsOfManager>
 void eraseOf(Objects &objects, IsOfManager isOfManager)
@@ -29,12 +22,6 @@ void eraseOf(Objects &objects, IsOfManager isOfManager)
 }
 
 } // namespace
-
-std::optional<ResourceName> parseResourceName(const char *text)
-{
-    const auto name = bounded(text);
-    return name ? parseResourceName(*name) : std::nullopt;
-}
 
 ViStatus SessionTable::newHandle(ViSession &handle)
 {
@@ -94,14 +81,14 @@ ViStatus SessionTable::close(ViObject object)
 
 ViStatus SessionTable::find(const char *expression, std::vector<std::string> &names) const
 {
-    const auto text = bounded(expression);
-    if (!text) {
+    const std::string_view text(expression, strnlen(expression, VI_FIND_BUFLEN));
+    if (text.size() == VI_FIND_BUFLEN) {
         return VI_ERROR_INV_EXPR;
     }
     for (const std::string &host : bench_.hosts()) {
         ResourceName name;
         name.host = host;
-        const auto matches = matchesExpression(*text, resourceString(name));
+        const auto matches = matchesExpression(text, resourceString(name));
         if (!matches) {
             return VI_ERROR_INV_EXPR;
         }

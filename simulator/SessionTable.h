@@ -11,9 +11,6 @@
 
 namespace simulator {
 
-/// As the other, of a client's text. Reads no further than the longest name there is.
-std::optional<ResourceName> parseResourceName(const char *text);
-
 /// The open resource managers, sessions and find lists by their handles, which are never used
 /// twice.
 class SessionTable

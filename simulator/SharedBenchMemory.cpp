@@ -1,11 +1,14 @@
 #include "simulator/BenchMemory.h"
 
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -14,56 +17,63 @@ namespace simulator {
 
 namespace {
 
-/// What the bytes of the file stand for when they are locked.
-enum LockedByte : off_t
-{
-    Operation, ///< one process at a time works on the bench
-    Presence   ///< every process that uses the bench has a read lock
-};
+// Two locks of the file, which both end with the process at the latest. The one for an operation
+// (fcntl) is the process's: it tells a child from its parent. The one for presence (flock) is the
+// open file's: it tells two copies of the library in one process apart.
 
-/// Takes or gives back (F_RDLCK, F_WRLCK, F_UNLCK) a lock, which ends with the process at the
-/// latest. `command` is F_SETLK or F_SETLKW. False with errno when that fails.
-bool setLock(int file, int command, short type, LockedByte byte)
+/// Takes (F_WRLCK) or gives back (F_UNLCK) the lock for an operation. False with errno when that
+/// fails.
+bool lockOperation(int file, short type)
 {
     struct flock lock = {};
     lock.l_type = type;
     lock.l_whence = SEEK_SET;
-    lock.l_start = byte;
-    lock.l_len = 1;
     int result = 0;
     do {
-        result = fcntl(file, command, &lock);
+        result = fcntl(file, F_SETLKW, &lock);
     } while (result != 0 && errno == EINTR);
     return result == 0;
 }
 
-/// Libraries whose states have different layouts have different files.
-std::string fileName()
+/// Whether nobody else uses the file; then they are kept from it.
+bool takeAlone(int file)
 {
-    const char *runtime = std::getenv("XDG_RUNTIME_DIR"); // NOLINT(concurrency-mt-unsafe)
-    const bool usable = runtime != nullptr && runtime[0] == '/';
-    return std::string(usable ? runtime : "/tmp") + "/orvanta-bench-" + std::to_string(geteuid()) +
-           '-' + std::to_string(ORVANTA_VERSION_NUMBER) + '-' + std::to_string(sizeof(BenchState));
+    return flock(file, LOCK_EX | LOCK_NB) == 0;
 }
 
-/// Opens the user's own file and locks it for an operation; -1 when that fails.
+/// Whether it is a file of this user's own.
+bool isOwn(int file)
+{
+    struct stat status = {};
+    return fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_uid == geteuid();
+}
+
+/// Whether the name is still that of this file.
+bool isNamed(int file, const std::string &name)
+{
+    struct stat status = {};
+    struct stat named = {};
+    return fstat(file, &status) == 0 && lstat(name.c_str(), &named) == 0 &&
+           status.st_dev == named.st_dev && status.st_ino == named.st_ino;
+}
+
+/// Opens the file and locks it for an operation; -1 when that fails.
 int openLocked(const std::string &name)
 {
     for (;;) {
         const int file = open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-        struct stat status = {};
-        if (file >= 0 && setLock(file, F_SETLKW, F_WRLCK, Operation) && fstat(file, &status) == 0 &&
-            S_ISREG(status.st_mode) && status.st_uid == geteuid()) {
-            if (status.st_nlink > 0) {
-                return file;
-            }
-            close(file); // its last user removed it meanwhile: the next round makes a new one
-            continue;
+        if (file < 0) {
+            return -1;
         }
-        if (file >= 0) {
-            close(file);
+        const bool isLocked = isOwn(file) && lockOperation(file, F_WRLCK);
+        if (isLocked && isNamed(file, name)) {
+            return file;
         }
-        return -1;
+        close(file);
+        if (!isLocked) {
+            return -1;
+        }
+        // Its last user removed it meanwhile: the next round makes a new one.
     }
 }
 
@@ -75,65 +85,76 @@ public:
         : name_(std::move(name)), file_(file), state_(static_cast<BenchState *>(mapping))
     {
     }
-    ~SharedBenchMemory() override
-    {
-        const bool isLast = setLock(file_, F_SETLKW, F_WRLCK, Operation) &&
-                            setLock(file_, F_SETLK, F_WRLCK, Presence);
-        if (isLast) {
-            unlink(name_.c_str());
-        }
-        munmap(state_, sizeof(BenchState));
-        close(file_);
-    }
-    SharedBenchMemory(const SharedBenchMemory &) = delete;
-    SharedBenchMemory &operator=(const SharedBenchMemory &) = delete;
 
     BenchState &state() override { return *state_; }
 
     void lock() override
     {
-        if (!setLock(file_, F_SETLKW, F_WRLCK, Operation)) {
+        if (!lockOperation(file_, F_WRLCK)) {
             throw std::system_error(errno, std::generic_category(), name_);
         }
     }
 
-    void unlock() override { setLock(file_, F_SETLK, F_UNLCK, Operation); }
+    void unlock() override { lockOperation(file_, F_UNLCK); }
+
+    void leave() override
+    {
+        if (getpid() != owner_) {
+            return; // a child of the process that uses it
+        }
+        lock();
+        if (takeAlone(file_) && isNamed(file_, name_)) {
+            unlink(name_.c_str());
+        }
+        flock(file_, LOCK_UN);
+        unlock();
+    }
 
 private:
     std::string name_;
     int file_;
     BenchState *state_;
+    pid_t owner_ = getpid();
 };
 
-std::unique_ptr<BenchMemory> openShared()
+std::unique_ptr<BenchMemory> openShared(const std::string &name)
 {
-    std::string name = fileName();
     const int file = openLocked(name);
     if (file < 0) {
         return nullptr;
     }
-    const bool isFirst = setLock(file, F_SETLK, F_WRLCK, Presence);
-    const BenchState switchedOff;
-    // Written, not only mapped: a full disk shows here.
-    const bool isThere =
-        !isFirst || pwrite(file, &switchedOff, sizeof switchedOff, 0) == sizeof switchedOff;
-    void *mapping =
-        isThere && setLock(file, F_SETLK, F_RDLCK, Presence)
-            ? mmap(nullptr, sizeof(BenchState), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0)
-            : MAP_FAILED;
-    if (mapping == MAP_FAILED) {
+    const bool isFirst = takeAlone(file);
+    // All zero is switched off. Written, not only mapped: a full disk shows here.
+    const std::array<char, sizeof(BenchState)> zeros{};
+    void *mapping = MAP_FAILED;
+    if (!isFirst || pwrite(file, zeros.data(), zeros.size(), 0) == ssize_t{zeros.size()}) {
+        mapping = mmap(nullptr, zeros.size(), PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+    }
+    if (mapping == MAP_FAILED || flock(file, LOCK_SH | LOCK_NB) != 0) {
+        if (isFirst) {
+            unlink(name.c_str());
+        }
         close(file);
         return nullptr;
     }
-    setLock(file, F_SETLK, F_UNLCK, Operation);
-    return std::make_unique<SharedBenchMemory>(std::move(name), file, mapping);
+    lockOperation(file, F_UNLCK);
+    return std::make_unique<SharedBenchMemory>(name, file, mapping);
 }
 
 } // namespace
 
-std::unique_ptr<BenchMemory> openBenchMemory()
+std::unique_ptr<BenchMemory> openBenchMemory(std::uint32_t layout)
 {
-    std::unique_ptr<BenchMemory> memory = openShared();
+    const std::string name = "/orvanta-bench-" + std::to_string(geteuid()) + '-' +
+                             std::to_string(ORVANTA_VERSION_NUMBER) + '-' + std::to_string(layout);
+    const char *runtime = std::getenv("XDG_RUNTIME_DIR"); // NOLINT(concurrency-mt-unsafe)
+    std::unique_ptr<BenchMemory> memory;
+    if (runtime != nullptr && runtime[0] == '/') {
+        memory = openShared(runtime + name);
+    }
+    if (!memory) {
+        memory = openShared("/tmp" + name);
+    }
     return memory ? std::move(memory) : std::make_unique<OwnBenchMemory>();
 }
 

@@ -8,7 +8,10 @@
 
 #include <algorithm>
 #include <cstdarg>
+#include <cstdio>
 #include <cstring>
+#include <exception>
+#include <memory>
 #include <mutex>
 #include <new>
 #include <string_view>
@@ -22,7 +25,8 @@ using simulator::SessionTable;
 
 SessionTable &sessions()
 {
-    static SessionTable table(Laboratory::instance().bench());
+    // Never destroyed, as the laboratory is.
+    static SessionTable &table = *new SessionTable(Laboratory::instance().bench());
     return table;
 }
 
@@ -35,8 +39,8 @@ ViStatus guarded(Body body) noexcept
         return body();
     } catch (const std::bad_alloc &) {
         return VI_ERROR_ALLOC;
-    } catch (...) {
-        return VI_ERROR_SYSTEM_ERROR; // no lock on the laboratory
+    } catch (const std::exception &) {
+        return VI_ERROR_SYSTEM_ERROR; // such as no lock on the laboratory
     }
 }
 
@@ -68,6 +72,12 @@ void copyText(ViChar *buffer, std::string_view text)
         *std::copy(text.begin(), text.end(), buffer) = '\0';
     }
 }
+
+struct CloseFile
+{
+    void operator()(std::FILE *file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, CloseFile>;
 
 void report(ViUInt32 *returnedCount, std::size_t count)
 {
@@ -256,19 +266,29 @@ ViStatus viRead(ViSession session, ViByte *buffer, ViUInt32 count, ViUInt32 *ret
     });
 }
 
+// Files are opened and written between the locks: one that blocks holds nobody else up.
 ViStatus viReadToFile(ViSession session, const ViChar *fileName, ViUInt32 count,
                       ViUInt32 *returnedCount)
 {
-    return withSession(session, [=](Session &open) {
-        report(returnedCount, 0);
-        if (fileName == nullptr) {
-            return VI_ERROR_FILE_ACCESS;
-        }
-        std::size_t written = 0;
-        const ViStatus status = open.readToFile(fileName, count, written);
-        report(returnedCount, written);
-        return status;
+    report(returnedCount, 0);
+    const ViStatus opened = withSession(session, [](const Session &) { return VI_SUCCESS; });
+    if (opened != VI_SUCCESS) {
+        return opened;
+    }
+    const File file(fileName == nullptr ? nullptr : std::fopen(fileName, "wb"));
+    if (!file) {
+        return VI_ERROR_FILE_ACCESS;
+    }
+    std::string bytes;
+    const ViStatus status = withSession(session, [&](Session &open) {
+        std::string_view part;
+        const ViStatus result = open.read(count, part);
+        bytes = part;
+        return result;
     });
+    const std::size_t written = std::fwrite(bytes.data(), 1, bytes.size(), file.get());
+    report(returnedCount, written);
+    return written == bytes.size() && std::fflush(file.get()) == 0 ? status : VI_ERROR_FILE_IO;
 }
 
 ViStatus viClear(ViSession session)

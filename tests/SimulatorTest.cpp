@@ -141,6 +141,8 @@ private slots:
                                                   {"((((?*)*)+)*)+", 6},
                                                   {"?*[a\\-x", -1},
                                                   {"(?*", -1},
+                                                  {"TCPIP0[z-a]::?*", -1},
+                                                  {"[^\x01-\xff]?*", 0},
                                                   {"?*)", -1},
                                                   {"*", -1},
                                                   {"?**", -1},
@@ -162,7 +164,8 @@ private slots:
                      expression);
             QVERIFY2(static_cast<int>(count) == std::max(expected, 0), expression);
             QSet<QByteArray> names;
-            for (; expected > 0 && names.size() < expected; viFindNext(list, name.data())) {
+            for (int i = 0; i < expected; ++i) {
+                QCOMPARE(i == 0 ? VI_SUCCESS : viFindNext(list, name.data()), VI_SUCCESS);
                 ViSession session = 0;
                 QCOMPARE(viOpen(manager_, name.data(), VI_NO_LOCK, 0, &session), VI_SUCCESS);
                 names.insert(name.data());
@@ -175,6 +178,14 @@ private slots:
             }
             QCOMPARE(viFindNext(list, name.data()), VI_ERROR_INV_OBJECT);
         }
+
+        ViSession manager = 0;
+        ViFindList list = 0;
+        std::array<char, VI_FIND_BUFLEN> name{};
+        viOpenDefaultRM(&manager);
+        QCOMPARE(viFindRsrc(manager, "?*", &list, nullptr, name.data()), VI_SUCCESS);
+        viClose(manager); // and its list with it
+        QCOMPARE(viFindNext(list, name.data()), VI_ERROR_INV_OBJECT);
     }
 
     void everyFunctionRefusesDeadHandles()
@@ -259,7 +270,8 @@ private slots:
             {VI_ATTR_DMA_ALLOW_EN, {16, 0}},
             {VI_ATTR_RM_SESSION, {32, manager_}},
             {VI_ATTR_RSRC_LOCK_STATE, {32, 0}},
-            {VI_ATTR_RSRC_SPEC_VERSION, {32, 0x300000}}};
+            {VI_ATTR_RSRC_SPEC_VERSION, {32, 0x300000}},
+            {VI_ATTR_RSRC_IMPL_VERSION, {32, ORVANTA_VERSION_NUMBER}}};
         for (const auto &[attribute, expected] : numbers) {
             const ViUInt64 value = untouched >> expected.first << expected.first | expected.second;
             QCOMPARE(get(second_, attribute), value);
@@ -357,20 +369,21 @@ private slots:
 
     void twoThreadsAtOnce()
     {
-        const auto work = [this] {
-            for (int i = 0; i < 2000; ++i) {
+        // Between setting and query of a message nobody else gets a turn.
+        const auto work = [this](const QByteArray &offset) {
+            for (int i = 0; i < 300; ++i) {
                 ViSession session = 0;
-                viOpen(manager_, "TCPIP::video-analyzer::INSTR", VI_NO_LOCK, 0, &session);
-                viPrintf(session, "*OPC?\n");
-                if (read(session, 9) != Reply("1\n", VI_SUCCESS) ||
+                viOpen(manager_, "TCPIP::oscilloscope::INSTR", VI_NO_LOCK, 0, &session);
+                viPrintf(session, "CHAN4:OFFS %s;:CHAN1:DATA?;:CHAN4:OFFS?\n", offset.data());
+                if (!read(session, 300000).first.endsWith(';' + offset + '\n') ||
                     viClose(session) != VI_SUCCESS) {
                     return false;
                 }
             }
             return true;
         };
-        auto other = std::async(std::launch::async, work);
-        QVERIFY(work());
+        auto other = std::async(std::launch::async, work, "0.25");
+        QVERIFY(work("0.125"));
         QVERIFY(other.get());
     }
 
@@ -403,7 +416,7 @@ private slots:
         for (const auto &[host, message, expected] : std::initializer_list<Exchange>{
                  {lpa, "chan:scal .05;POSITION -3;:channel1:scale?;pos?", "0.05;-3 / 0"},
                  {lpa, "CHAN4:SCAL 0.5;:CHAN2:SCAL?;:CHAN4:SCAL?", "0.2;0.5 / 0"},
-                 {lpa, "CHAN1:RANG 0.5;CHAN1:SCAL?", "0.05 / 0"},
+                 {lpa, "CHAN1:RANG 0.5;CHAN1:SCAL?;:TIM:RANG?", "0.05;1.2 / 0"},
                  {lpa, "CHAN2:STAT ON;CHAN3:STAT OFF;*RST;CHAN1:STAT?;:CHAN2:STAT?;:CHAN3:STAT?",
                   "1;0;1 / 0"},
                  {lpa, "FOO;*OPC?", "1 / -113"},

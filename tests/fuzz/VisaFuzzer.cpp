@@ -1,8 +1,9 @@
 // Any calls of the bench's VISA functions in any order, with any handles, texts and attributes.
 //
 // Input: calls, one after the other. Each begins with the function (1 byte; with its top bit set,
-// pointers to results are null) and the handle: which of the latest 16 (1 byte) or, from 16 on, any
-// handle (4 more bytes). Texts have their length in front (2 bytes).
+// pointers to results are null, with the next, those to texts) and the handle: which of the latest
+// 16 (1 byte) or, from 16 on, any handle (4 more bytes). Texts have their length in front (2
+// bytes).
 
 #include "Fuzzing.h"
 #include "simulator/Laboratory.h"
@@ -24,8 +25,10 @@ class Client
 public:
     Client(const std::uint8_t *data, std::size_t size) : input(data, size)
     {
-        simulator::BenchState &state = simulator::Laboratory::instance().bench().state();
-        state.isOn = false; // every input starts alike
+        simulator::bench().link() = {}; // every input starts alike
+        for (const std::string &host : simulator::bench().hosts()) {
+            simulator::bench().find(host)->switchOn();
+        }
     }
     ~Client()
     {
@@ -41,7 +44,8 @@ public:
         while (!input.isEmpty()) {
             const auto function = input.take<std::uint8_t>();
             null = (function & 0x80U) != 0;
-            const ViStatus status = call(function & 0x7FU, takeHandle());
+            nullText = (function & 0x40U) != 0;
+            const ViStatus status = call(function & 0x3FU, takeHandle());
 
             ViSession manager = 0;
             std::array<ViChar, 256> text{};
@@ -63,6 +67,27 @@ private:
     }
 
     QByteArray takeText() { return input.takeBytes(input.take<std::uint16_t>()); }
+
+    [[nodiscard]] const char *pointer(const QByteArray &text) const
+    {
+        return nullText ? nullptr : text.constData();
+    }
+
+    static std::size_t width(ViAttr attribute)
+    {
+        switch (attribute) {
+        case VI_ATTR_TERMCHAR:
+            return 1;
+        case VI_ATTR_TMO_VALUE:
+        case VI_ATTR_RM_SESSION:
+        case VI_ATTR_RSRC_IMPL_VERSION:
+        case VI_ATTR_RSRC_LOCK_STATE:
+        case VI_ATTR_RSRC_SPEC_VERSION:
+            return 4;
+        default:
+            return (attribute & 0x80000000U) != 0 ? VI_FIND_BUFLEN : 2;
+        }
+    }
 
     /// A place of exactly `count` values for a result, on the heap, where an overrun is noticed.
     template <typename Value>
@@ -99,11 +124,11 @@ private:
         case 1: {
             const auto mode = input.take<std::uint8_t>();
             const QByteArray name = takeText();
-            return keep(viOpen(handle, name.constData(), mode, 0, place(object)), object);
+            return keep(viOpen(handle, pointer(name), mode, 0, place(object)), object);
         }
         case 2: {
             const QByteArray expression = takeText();
-            const ViStatus status = viFindRsrc(handle, expression.constData(), place(object),
+            const ViStatus status = viFindRsrc(handle, pointer(expression), place(object),
                                                place(count), place(text, VI_FIND_BUFLEN));
             return keep(status, object);
         }
@@ -113,7 +138,7 @@ private:
             std::array<std::vector<ViChar>, 3> texts;
             const QByteArray name = takeText();
             words.resize(2);
-            return viParseRsrcEx(handle, name.constData(), null ? nullptr : &words[0], &words[1],
+            return viParseRsrcEx(handle, pointer(name), null ? nullptr : &words[0], &words[1],
                                  place(texts[0], VI_FIND_BUFLEN), place(texts[1], VI_FIND_BUFLEN),
                                  place(texts[2], VI_FIND_BUFLEN));
         }
@@ -125,12 +150,11 @@ private:
         }
         case 7: {
             const auto attribute = input.take<ViAttr>();
-            const bool isText = (attribute & 0x80000000U) != 0;
-            return viGetAttribute(handle, attribute, place(text, isText ? VI_FIND_BUFLEN : 4));
+            return viGetAttribute(handle, attribute, place(text, width(attribute)));
         }
         case 8: {
             const QByteArray message = takeText();
-            return viWrite(handle, reinterpret_cast<const ViByte *>(message.constData()),
+            return viWrite(handle, reinterpret_cast<const ViByte *>(pointer(message)),
                            static_cast<ViUInt32>(message.size()), place(count));
         }
         case 9:
@@ -138,8 +162,7 @@ private:
         case 10: {
             static const QTemporaryDir directory;
             const QByteArray name = directory.filePath("answer").toLocal8Bit();
-            return viReadToFile(handle, null ? nullptr : name.constData(), input.take<ViUInt32>(),
-                                place(count));
+            return viReadToFile(handle, pointer(name), input.take<ViUInt32>(), place(count));
         }
         case 11:
             return viClear(handle);
@@ -152,9 +175,9 @@ private:
             return viSetBuf(handle, mask, input.take<ViUInt32>());
         }
         case 15:
-            return viDisableEvent(handle, input.take<ViEventType>(), VI_READ_BUF);
+            return viDisableEvent(handle, input.take<ViEventType>(), 1);
         case 16:
-            return viDiscardEvents(handle, input.take<ViEventType>(), VI_READ_BUF);
+            return viDiscardEvents(handle, input.take<ViEventType>(), 1);
         default:
             return formatted(handle, function);
         }
@@ -193,6 +216,7 @@ private:
     Input input;
     std::deque<ViObject> opened; // the latest first
     bool null = false;
+    bool nullText = false;
 };
 
 } // namespace

@@ -13,13 +13,16 @@ with open(sys.argv.pop(1), encoding="utf-8") as file:
     DOCUMENT = file.read()
 
 
+HOSTS = re.findall(r"^\| `TCPIP0::([a-z-]+)::INSTR`", DOCUMENT, re.MULTILINE)
+
+
 def sections():
     """The hosts that each heading of a table of commands names, and the commands below it."""
     for section in DOCUMENT.split("\n### ")[1:]:
         heading, text = section.split("\n## ")[0].split("\n", 1)
         hosts = re.findall(r"`([a-z-]+)`", heading)
         cells = re.findall(r"^\| (.*?) \|", text, re.MULTILINE)
-        yield hosts or ["video-analyzer"], re.findall(r"`(.*?)`", "".join(cells))
+        yield hosts or HOSTS, re.findall(r"`(.*?)`", "".join(cells))
 
 
 class DocumentationTest(unittest.TestCase):

@@ -1,8 +1,10 @@
 """What an unmodified PyVISA does with the bench."""
 
 import os
+import signal
 import subprocess
 import sys
+import tempfile
 import unittest
 from concurrent.futures import ThreadPoolExecutor
 
@@ -24,17 +26,25 @@ MESSAGE_AVAILABLE = 0x10
 ERROR_AVAILABLE = 0x04
 
 
-def run_python(statements):
-    """Run another interpreter on the bench, and return what it prints."""
+def start_python(statements, environment=None):
+    """Start another interpreter on the bench."""
     script = "from laboratory import *; manager = resource_manager(); " + statements
-    result = subprocess.run(
+    return subprocess.Popen(
         [sys.executable, "-X", "dev", "-W", "error", "-c", script],
-        cwd=os.path.dirname(__file__),
-        capture_output=True,
+        cwd=os.path.dirname(os.path.abspath(__file__)),
+        env=environment,
+        stdin=subprocess.PIPE,
+        stdout=subprocess.PIPE,
+        stderr=subprocess.PIPE,
         text=True,
-        timeout=60,
     )
-    return result.stdout.strip(), result.stderr, result.returncode
+
+
+def run_python(statements, environment=None):
+    """Run another interpreter on the bench; return what it prints, complains, and its exit code."""
+    process = start_python(statements, environment)
+    output, errors = process.communicate(timeout=60)
+    return output.strip(), errors, process.returncode
 
 
 class SessionTest(unittest.TestCase):
@@ -153,14 +163,73 @@ class SessionTest(unittest.TestCase):
         self.assertEqual(beside.query("CHAN1:SCAL?"), "0.25\n")
         self.assertEqual(beside.query("SYST:ERR?").split(",")[0], "-113")
 
-    def test_many_processes_at_once(self):
-        statements = (
-            "scope = open_instrument(manager, 'oscilloscope', read_termination='\\n'); "
-            "print({scope.query(f'CHAN3:OFFS {i / 1000};*OPC?') for i in range(500)})"
-        )
+    def test_processes_take_turns(self):
+        def other_answers(offset):
+            """Nobody else gets a turn between the setting and the query of a message."""
+            return run_python(
+                "scope = open_instrument(manager, 'oscilloscope'); print([answer for answer in ("
+                f"scope.query('CHAN3:OFFS {offset};:CHAN1:DATA?;:CHAN3:OFFS?').split(';')[-1] "
+                f"for _ in range(200)) if float(answer) != {offset}])"
+            )
+
         with ThreadPoolExecutor() as pool:
-            for printed in pool.map(run_python, 4 * [statements]):
-                self.assertEqual(printed, ("{'1'}", "", 0))
+            for printed in pool.map(other_answers, (0.125, 0.25, 0.375)):
+                self.assertEqual(printed, ("[]", "", 0))
+
+    def test_the_laboratory_closes_behind_the_last(self):
+        statements = (
+            "scope = open_instrument(manager, 'oscilloscope'); "
+            "print(scope.query('CHAN1:SCAL?;:CHAN1:SCAL 0.5').strip()); "
+        )
+        fresh = ("0.2", "", 0)
+        with tempfile.TemporaryDirectory() as directory:
+            environment = dict(os.environ, XDG_RUNTIME_DIR=directory)
+            self.assertEqual(run_python(statements, environment), fresh)
+            self.assertEqual(os.listdir(directory), [])
+            killed = run_python(statements + "import os; os.kill(os.getpid(), 9)", environment)
+            self.assertEqual(killed[2], -signal.SIGKILL)
+            (name,) = os.listdir(directory)
+            self.assertEqual(run_python(statements, environment), fresh)
+
+            # Whatever lies under the file's name, there is a bench, and it stays.
+            file = os.path.join(directory, name)
+            target = os.path.join(directory, "target")
+            for make in (
+                lambda: os.mkdir(file),
+                lambda: os.mkfifo(file),
+                lambda: (open(target, "wb").close(), os.symlink(target, file)),
+            ):
+                make()
+                self.assertEqual(run_python(statements, environment), fresh)
+                self.assertTrue(os.path.lexists(file))
+                os.rmdir(file) if os.path.isdir(file) else os.remove(file)
+            self.assertEqual(os.path.getsize(target), 0)
+
+    def test_the_latecomers_laboratory_stays(self):
+        """Somebody tidies up: a new laboratory is opened, and the old one's end leaves it alone."""
+        with tempfile.TemporaryDirectory() as directory:
+            environment = dict(os.environ, XDG_RUNTIME_DIR=directory)
+            wait = "scope = open_instrument(manager, 'oscilloscope'); print(flush=True); input()"
+            clients = []
+            for _ in range(2):
+                clients.append(start_python(wait, environment))
+                clients[-1].stdout.readline()
+                (name,) = os.listdir(directory)
+                if len(clients) == 1:
+                    os.remove(os.path.join(directory, name))
+            for client, left in zip(clients, ([name], [])):
+                self.assertEqual(client.communicate("\n", timeout=60), ("", ""))
+                self.assertEqual(os.listdir(directory), left)
+
+    def test_exits_while_threads_go_on(self):
+        statements = (
+            "import threading; scope = open_instrument(manager, 'oscilloscope'); "
+            "query = lambda: [scope.query('*IDN?') for _ in iter(int, 1)]; "
+            "threading.Thread(target=query, daemon=True).start(); "
+            "import ctypes; ctypes.CDLL(None).exit(0)"
+        )
+        for _ in range(20):
+            self.assertEqual(run_python(statements), ("", "", 0))
 
     def test_exits_with_everything_open(self):
         for ending in ("", "scope.close(); manager.close()", "manager.close()", "del manager"):
