@@ -42,10 +42,20 @@ grep --quiet --line-regexp 'Save%20Data=2' "$settings" || fail "$settings does n
 # --- Screenshots: widgets below the title bar, which is colourful by itself, and each curve.
 colours=$(convert "$folder/ready.png" -gravity South -crop 100%x50%+0+0 -format %k info:)
 ((colours > 32)) || fail "ready.png has $colours colours: that is no window"
+# pixels_of COLOUR PICTURE [CONVERT-OPTION...]
+pixels_of() {
+    convert "$2" "${@:3}" -alpha off -depth 8 -format %c histogram:info:- |
+        awk -v colour="$1" '$0 ~ colour { sum += $1 } END { print sum + 0 }'
+}
 for colour in '#0000FF' '#FFFF00' '#FF0000'; do
-    pixels=$(convert "$folder/graph.png" -alpha off -depth 8 -format %c histogram:info:- |
-        awk -v colour="$colour" '$0 ~ colour { sum += $1 } END { print sum + 0 }')
+    pixels=$(pixels_of "$colour" "$folder/graph.png")
     ((pixels >= 500)) || fail "graph.png has $pixels pixels of $colour: that is no curve"
+done
+ground='#16324A' # of the icon, which the title bar has in its left corner
+for picture in ready graph; do
+    pixels=$(pixels_of "$ground" "$folder/$picture.png" \
+        -gravity NorthWest -crop 40x26+0+0 -fuzz 8% -fill "$ground" -opaque "$ground")
+    ((pixels >= 40)) || fail "$picture.png has $pixels pixels of the icon"
 done
 
 # --- The program's own complaints, and those of its sanitizers and of Qt.
