@@ -9,11 +9,14 @@ declare -A packages_of=(
     [desktop]='xvfb openbox xdotool imagemagick fonts-dejavu-core'
     [benchmarks]='libbenchmark-dev'
     [pyvisa]='python3 python3-pyvisa python3-numpy python3-matplotlib'
+    [package]='dpkg-dev file desktop-file-utils appstream mandoc lintian librsvg2-bin debootstrap'
     [checks]='clang libclang-rt-dev clang-format clang-tidy locales fonts-dejavu-core'
 )
 # Only where it is not called like its package. Of libraries and data there is none to look for.
 declare -A command_of=(
     [ninja-build]=ninja [xvfb]=Xvfb [imagemagick]=import
+    [dpkg-dev]=dpkg-shlibdeps [desktop-file-utils]=desktop-file-validate [appstream]=appstreamcli
+    [librsvg2-bin]=rsvg-convert
     [qtbase5-dev]='' [libqwt-qt5-dev]='' [libbenchmark-dev]='' [libclang-rt-dev]=''
     [python3-pyvisa]='' [python3-numpy]='' [python3-matplotlib]=''
     [locales]='' [fonts-dejavu-core]=''
