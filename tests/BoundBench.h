@@ -29,7 +29,10 @@ inline void bindBench()
 class BenchInstruments
 {
 public:
-    BenchInstruments(int oscilloscopeType, bool ifOutput)
+    BenchInstruments(int oscilloscopeType, bool ifOutput,
+                     const char *spectrumAnalyzer = "spectrum-analyzer-qan")
+        : hosts{oscilloscopeType == 0 ? "oscilloscope-kvx" : "oscilloscope", spectrumAnalyzer,
+                "video-analyzer"}
     {
         iaOpenDefaultRM(&manager);
         series.oscilloscopeType = oscilloscopeType;
@@ -43,20 +46,18 @@ public:
     {
         const int type = series.oscilloscopeType;
         return ::setUpOscilloscope(manager,
-                                   {resource(type == 0 ? "oscilloscope-kvx" : "oscilloscope"), true,
-                                    type, 0.027, series.rfFromOscilloscope},
+                                   {resource(0), true, type, 0.027, series.rfFromOscilloscope},
                                    &series.oscilloscope);
     }
     ViStatus setUpSpectrumAnalyzer()
     {
-        return ::setUpSpectrumAnalyzer(
-            manager, {resource("spectrum-analyzer-qan"), 5.192e9, series.oscilloscopeType},
-            &series.spectrumAnalyzer);
+        return ::setUpSpectrumAnalyzer(manager, {resource(1), 5.192e9, series.oscilloscopeType},
+                                       &series.spectrumAnalyzer);
     }
     ViStatus setUpVideoAnalyzer()
     {
-        return ::setUpVideoAnalyzer(manager, {resource("video-analyzer"), true, 35},
-                                    series.spectrumAnalyzer, &series.videoAnalyzer);
+        return ::setUpVideoAnalyzer(manager, {resource(2), true, 35}, series.spectrumAnalyzer,
+                                    &series.videoAnalyzer);
     }
     bool setUpAll()
     {
@@ -76,10 +77,34 @@ public:
                     VI_SUCCESS);
     }
 
+    [[nodiscard]] QVector<simulator::Instrument *> instruments() const
+    {
+        QVector<simulator::Instrument *> found;
+        for (const QString &host : hosts) {
+            found += simulator::bench().find(host.toStdString());
+        }
+        return found;
+    }
+    /// What the instruments complain of, by their error queues, which are empty then.
+    QString takeErrors()
+    {
+        QString text;
+        for (simulator::Instrument *instrument : instruments()) {
+            while (!instrument->errors().isEmpty()) {
+                text += QString::fromStdString(instrument->errors().next()) + ' ';
+            }
+        }
+        return text;
+    }
+
     SeriesSettings series;
 
 private:
-    static QString resource(const QString &host) { return "TCPIP0::" + host + "::INSTR"; }
+    [[nodiscard]] QString resource(int which) const
+    {
+        return "TCPIP0::" + hosts[which] + "::INSTR";
+    }
 
+    QVector<QString> hosts; ///< of oscilloscope, spectrum analyzer and video analyzer
     ViSession manager = 0;
 };

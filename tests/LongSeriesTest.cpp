@@ -1,6 +1,7 @@
 #include "BoundBench.h"
 #include "instrument/VisaLibraryPath.h"
 #include "measurement/Globals.h"
+#include "TestFiles.h"
 
 #include <QtTest>
 
@@ -23,11 +24,6 @@ qint64 residentBytes()
         return -1;
     }
     return file.readAll().split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE);
-}
-
-int openDescriptors()
-{
-    return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System).size();
 }
 
 /// Processor time of this process, which other programs do not lengthen.

@@ -1,7 +1,9 @@
 #include "VisaDouble.h"
 
+#include "DefiniteBlock.h"
 #include "instrument/VisaBinding.h"
 #include "instrument/VisaLibraryPath.h"
+#include "TestFiles.h"
 
 #include <QFile>
 
@@ -65,9 +67,7 @@ VisaDouble::VisaDouble()
     p_viReadToFile = [](ViSession session, const ViChar *fileName, ViUInt32 count, ViUInt32 *) {
         QByteArray bytes;
         const ViStatus status = current->take(session, " >file", count, &bytes);
-        QFile file(QFile::decodeName(fileName));
-        const bool kept = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-        return kept ? status : VI_ERROR_FILE_ACCESS;
+        return write(QFile::decodeName(fileName), bytes) ? status : VI_ERROR_FILE_ACCESS;
     };
     p_viClose = [](ViObject object) {
         current->transcript += current->name(object) + " close";
@@ -139,8 +139,6 @@ ViStatus VisaDouble::take(ViSession session, const QString &entry, ViUInt32 coun
 
 QByteArray blockOf(const QVector<double> &samples)
 {
-    const QVector<float> values(samples.begin(), samples.end());
-    const QByteArray data(reinterpret_cast<const char *>(values.constData()), 4 * values.size());
-    const QByteArray length = QByteArray::number(data.size());
-    return '#' + QByteArray::number(length.size()) + length + data + '\n';
+    const QByteArray data = bytesOf(QVector<float>(samples.begin(), samples.end()));
+    return block(data.size(), data);
 }
