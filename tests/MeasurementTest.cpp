@@ -3,16 +3,13 @@
 #include "measurement/MeasurementRun.h"
 #include "measurement/RfEnvelope.h"
 #include "measurement/TimeAxis.h"
-#include "measurement/TraceFile.h"
 #include "measurement/VectorCapacity.h"
-#include "measurement/WaveformTransfer.h"
+#include "TestFiles.h"
 #include "VisaDouble.h"
 
 #include <QtTest>
 
-#include <array>
 #include <cmath>
-#include <cstring>
 
 namespace {
 
@@ -25,12 +22,6 @@ QVector<double> step(int n, double from, int index, double to)
     QVector<double> trace(n, from);
     std::fill(trace.begin() + index, trace.end(), to);
     return trace;
-}
-
-QByteArray contents(const QString &fileName)
-{
-    QFile file(fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no such file");
 }
 
 bool traceFileIsLeft()
@@ -89,8 +80,10 @@ class MeasurementTest : public QObject
     {
         const QRegularExpression stamp(R"(^data\d{4}-\d\d-\d\d_\d\d-\d\d-\d\d_)");
         QMap<QString, QByteArray> files;
-        for (const QFileInfo &file : QDir(directory->path()).entryInfoList(QDir::Files)) {
-            files[file.fileName().remove(stamp)] = contents(file.filePath());
+        const QMap<QString, QByteArray> stamped = filesIn(directory->path());
+        for (QString name : stamped.keys()) {
+            const QByteArray &bytes = stamped[name];
+            files[name.remove(stamp)] = bytes;
         }
         return files;
     }
@@ -143,9 +136,8 @@ class MeasurementTest : public QObject
         QMap<QString, QByteArray> expected;
         for (const auto &[kind, samples] :
              {std::pair{"src", d1_src}, std::pair{"rf", d2_rf}, std::pair{"snk", d3_snk}}) {
-            const QByteArray raw(reinterpret_cast<const char *>(samples.constData()), 8 * 11);
-            expected[QString("001_%1.bin").arg(kind)] = raw;
-            expected[QString("002_%1.bin").arg(kind)] = raw;
+            expected[QString("001_%1.bin").arg(kind)] = bytesOf(samples);
+            expected[QString("002_%1.bin").arg(kind)] = bytesOf(samples);
         }
         QByteArray results = "Source2RF Delay: 120 120\nSource2RF Mean: 120\n"
                              "Source2HD Delay: 95.5 95.5\nSource2HD Mean: 95.5\n"
@@ -167,63 +159,6 @@ private slots:
             trace->clear();
         }
         NSmp = 0;
-    }
-
-    void transfer()
-    {
-        const QByteArray one("\0\0\x80\x3F", 4); // 1.0F in little-endian order
-        const QVector<double> none;
-        const QVector<double> old = {7, 8}; // what a transfer that fails leaves alone
-        for (const auto &[reply, samples] :
-             {std::pair{"#18" + one + one + "\n", QVector<double>{1, 1}},
-              {"#9000000004" + one + "\n", {1}},
-              {"#14" + one, {1}},
-              {"#14\n\n\n\n\n", {double(0x1.141414p-107F)}},
-              {"#10\n", none},
-              {"#13abc\n", none},
-              {"#16" + one + "ab\n", {1}},
-              {"#3400" + one + one, {1, 1}},   // declares more than comes
-              {"#14" + one + one + "\n", {1}}, // less
-              {"0.1,0.2\n", old},
-              {"#", old},
-              {"#:4" + one + "\n", old}, // the characters next to the digits
-              {"#/4" + one + "\n", old},
-              {"#21:" + one + one + "\n", old},
-              {"#2+4" + one + "\n", old},
-              {"#512", old},
-              {"#14", old}}) {
-            VisaDouble visa;
-            visa.answer = [&reply = reply](const QString &, const QByteArray &) { return reply; };
-            QVector<double> trace = old;
-            QCOMPARE(queryTrace(visa.openQuietly("osc"), "CHAN1:DATA?\n", &trace), samples != old);
-            QVERIFY2(trace == samples, reply);
-            QVERIFY(!traceFileIsLeft());
-        }
-    }
-
-    /// Remarks of VISA are no failures of a transfer; a failed write is, but not to its caller.
-    void transferStatuses()
-    {
-        const QStringList traffic = {"osc < CHAN1:DATA?\\n", "osc >", "osc >", "osc >file"};
-        for (const ViStatus status : {VI_ERROR_TMO, VI_SUCCESS_TERM_CHAR}) {
-            for (int failing = 0; failing < traffic.size(); ++failing) {
-                VisaDouble visa;
-                visa.answer = [](const QString &, const QByteArray &) {
-                    return blockOf(goodSource);
-                };
-                visa.failAt(failing == 0 ? VisaDouble::At::Write : VisaDouble::At::Read,
-                            qMax(0, failing - 1), status);
-                const bool stops = status < 0 || failing == 0;
-                QVector<double> trace = {7};
-                QCOMPARE(queryTrace(visa.openQuietly("osc"), "CHAN1:DATA?\n", &trace),
-                         !stops || failing == 0);
-                QCOMPARE(trace.size(), stops ? 1 : goodSource.size());
-                QStringList expected = traffic.mid(0, stops ? failing + 1 : 4);
-                expected[failing] += status < 0 ? " -> bfff0015" : " -> 3fff0005";
-                QCOMPARE(visa.takeTranscript(), expected);
-                QVERIFY(!traceFileIsLeft());
-            }
-        }
     }
 
     /// Edges by index, in records of 101 samples.
@@ -323,27 +258,6 @@ private slots:
             QCOMPARE(axes.size(), maxVectorSize);
             QCOMPARE(axes.last(), -0.5);
         }
-    }
-
-    void traceFiles()
-    {
-        const QString name = directory->filePath("trace.bin");
-        const QVector<double> trace = {0.1, -1e300, qInf(), 5};
-        QVector<double> loaded = {7};
-        int count = -1;
-        for (const auto &[asked, written] : {std::pair{9, 4}, {3, 3}, {0, 0}, {-1, 0}}) {
-            loaded = {7};
-            QCOMPARE(saveTrace(name, trace, asked), 0); // a shorter file replaces the longer one
-            QCOMPARE(loadTrace(name, &loaded, &count), 0);
-            QCOMPARE(count, written);
-            QCOMPARE(loaded, QVector<double>{7} + trace.mid(0, written));
-        }
-        QVERIFY(QFile::resize(name, 20)); // two samples and a half
-        QCOMPARE(loadTrace(name, &loaded, &count), 0);
-        QCOMPARE(count, 2);
-        QCOMPARE(loaded.size(), 3);
-        QCOMPARE(saveTrace(directory->path(), trace, 1), -1);
-        QCOMPARE(loadTrace(directory->filePath("none"), &loaded, &count), -1);
     }
 
     void seriesLpa4004() { wholeSeries(lpa4004, false); }

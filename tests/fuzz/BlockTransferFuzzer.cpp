@@ -29,17 +29,15 @@ constexpr int mostTurns = 16;
 constexpr unsigned noFileFlag = 0x80;
 constexpr unsigned queryFlag = 0x40;
 constexpr unsigned statusMask = 0x0F;
-constexpr std::array<ViStatus, 9> statuses{
-    VI_SUCCESS,
-    VI_SUCCESS,
-    VI_SUCCESS,
-    VI_SUCCESS_MAX_CNT,
-    VI_SUCCESS_TERM_CHAR,
-    VI_ERROR_TMO,
-    VI_ERROR_IO,
-    VI_WARN_UNKNOWN_STATUS,
-    visaStatus(0xBFFF00A6), // the connection is lost
-};
+constexpr std::array<ViStatus, 9> statuses = {VI_SUCCESS,
+                                              VI_SUCCESS,
+                                              VI_SUCCESS,
+                                              VI_SUCCESS_MAX_CNT,
+                                              VI_SUCCESS_TERM_CHAR,
+                                              VI_ERROR_TMO,
+                                              VI_ERROR_IO,
+                                              VI_WARN_UNKNOWN_STATUS,
+                                              visaStatus(0xBFFF00A6)}; // the connection is lost
 
 /// What the instrument does at one call. Past the script it sends whatever it has.
 struct Turn
@@ -53,11 +51,10 @@ struct Turn
 /// A call as the instrument saw and answered it.
 struct Call
 {
-    char kind; ///< 'w' write, 'r' read, 'f' read to file
-    ViUInt32 asked;
-    ViStatus status;
+    QString asked; ///< "w" write, "r" read, "f" read to file, and how many bytes at most
+    ViStatus status = VI_SUCCESS;
     QByteArray bytes;
-    bool made; ///< the file is there
+    bool noFile = false;
 };
 
 QVector<Turn> turns;
@@ -65,101 +62,76 @@ QByteArray toSend;
 QVector<Call> calls;
 QString fileName;
 
-Turn nextTurn()
+Call answer(ViSession asked, const char *kind, ViUInt32 count)
 {
-    return turns.isEmpty() ? Turn{} : turns.takeFirst();
-}
-
-/// The bytes that one read delivers.
-QByteArray deliver(ViUInt32 asked, const Turn &turn)
-{
-    const int count = static_cast<int>(
-        std::min<std::int64_t>({asked, turn.mostBytes, std::int64_t{toSend.size()}}));
-    QByteArray bytes = toSend.left(count);
-    toSend.remove(0, count);
-    return bytes;
+    require(asked == session, "the call goes to the instrument");
+    const Turn turn = turns.isEmpty() ? Turn{} : turns.takeFirst();
+    const auto most = std::min<std::int64_t>({count, turn.mostBytes, toSend.size()});
+    const QByteArray bytes = *kind == 'w' ? QByteArray() : toSend.left(static_cast<int>(most));
+    toSend.remove(0, bytes.size());
+    calls.append({kind + QString::number(count), turn.status, bytes, turn.noFile});
+    return calls.last();
 }
 
 ViStatus write(ViSession to, const ViByte *buffer, ViUInt32 count, ViUInt32 * /*returnedCount*/)
 {
-    require(to == session, "the write goes to the instrument");
     require(QByteArray(reinterpret_cast<const char *>(buffer), static_cast<int>(count)) == command,
             "the command goes out as it is");
-    const ViStatus status = nextTurn().status;
-    calls.append({'w', count, status, {}, false});
-    return status;
+    return answer(to, "w", count).status;
 }
 
 ViStatus read(ViSession from, ViByte *buffer, ViUInt32 count, ViUInt32 *returnedCount)
 {
-    require(from == session, "the read comes from the instrument");
-    const Turn turn = nextTurn();
-    const QByteArray bytes = deliver(count, turn);
-    std::memcpy(buffer, bytes.constData(), static_cast<std::size_t>(bytes.size()));
-    if (returnedCount != nullptr) {
-        *returnedCount = static_cast<ViUInt32>(bytes.size());
-    }
-    calls.append({'r', count, turn.status, bytes, false});
-    return turn.status;
+    const Call call = answer(from, "r", count);
+    std::copy(call.bytes.begin(), call.bytes.end(), buffer);
+    *returnedCount = static_cast<ViUInt32>(call.bytes.size());
+    return call.status;
 }
 
-ViStatus readToFile(ViSession from, const ViChar *name, ViUInt32 count, ViUInt32 *returnedCount)
+ViStatus readToFile(ViSession from, const ViChar *name, ViUInt32 count, ViUInt32 * /*none*/)
 {
-    require(from == session, "the data comes from the instrument");
-    const Turn turn = nextTurn();
-    const QByteArray bytes = deliver(count, turn);
+    const Call call = answer(from, "f", count);
     fileName = QFile::decodeName(name);
     require(!QFile::exists(fileName), "no transfer leaves its file to the next");
-    if (!turn.noFile) {
-        writeFile(fileName, bytes);
+    if (!call.noFile) {
+        writeFile(fileName, call.bytes);
     }
-    if (returnedCount != nullptr) {
-        *returnedCount = static_cast<ViUInt32>(bytes.size());
-    }
-    calls.append({'f', count, turn.status, bytes, !turn.noFile});
-    return turn.status;
+    return call.status;
 }
 
 /// The samples that a transfer brings by the calls it made, or none when it fails. Requires that
-/// the calls are the right ones.
+/// the calls are the right ones: nothing is read after what is no block, or has no length.
 std::optional<QVector<double>> outcome()
 {
-    require(!calls.isEmpty() && calls[0].kind == 'r' && calls[0].asked == 2,
-            "a transfer begins with '#' and a digit");
-    const QByteArray start = calls[0].bytes;
     const auto isDigit = [](char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; };
-    if (calls[0].status < 0 || start.size() < 2 || start[0] != '#' || !isDigit(start[1])) {
-        require(calls.size() == 1, "nothing is read after what is no block");
+    QStringList expected = {"r2"};
+    const Call start = calls.value(0);
+    const bool isBlock = start.status >= 0 && start.bytes.size() == 2 && start.bytes[0] == '#' &&
+                         isDigit(start.bytes[1]);
+    const Call digits = calls.value(1);
+    const int digitCount = isBlock ? start.bytes[1] - '0' : 0;
+    const bool hasLength = isBlock && digits.status >= 0 && digits.bytes.size() == digitCount &&
+                           std::all_of(digits.bytes.begin(), digits.bytes.end(), isDigit);
+    const int length = hasLength ? std::stoi("0" + digits.bytes.toStdString()) : 0;
+    if (isBlock) {
+        expected += 'r' + QString::number(digitCount);
+    }
+    if (hasLength) {
+        expected += 'f' + QString::number(length + 10); // with room for the terminator
+    }
+    QStringList asked;
+    for (const Call &call : qAsConst(calls)) {
+        asked += call.asked;
+    }
+    require(asked == expected, "a transfer reads what the block announces");
+    const Call data = calls.value(2);
+    if (!hasLength || data.status < 0 || data.noFile) {
         return std::nullopt;
     }
-
-    const int digits = start[1] - '0';
-    require(calls.size() >= 2 && calls[1].kind == 'r' &&
-                calls[1].asked == static_cast<ViUInt32>(digits),
-            "the length has as many digits as announced");
-    const QByteArray text = calls[1].bytes;
-    if (calls[1].status < 0 || text.size() != digits ||
-        !std::all_of(text.begin(), text.end(), isDigit)) {
-        require(calls.size() == 2, "nothing is read after what is no length");
-        return std::nullopt;
-    }
-
-    const int length = std::stoi("0" + text.toStdString());
-    require(calls.size() == 3 && calls[2].kind == 'f' &&
-                calls[2].asked == static_cast<ViUInt32>(length + 10),
-            "the data is read with room for its terminator");
-    if (calls[2].status < 0 || !calls[2].made) {
-        return std::nullopt;
-    }
-
-    QVector<double> samples;
-    const QByteArray data = calls[2].bytes.left(length);
-    for (int offset = 0; offset + 4 <= data.size(); offset += 4) {
-        float value = 0.0F;
-        std::memcpy(&value, data.mid(offset, 4).constData(), 4);
-        samples.append(static_cast<double>(value));
-    }
-    return samples;
+    QVector<float> samples(std::min(length, data.bytes.size()) / 4);
+    std::memcpy(samples.data(), data.bytes.constData(),
+                sizeof(float) * std::size_t(samples.size()));
+    return QVector<double>(samples.begin(), samples.end());
 }
 
 void transfer(bool isQuery, QVector<double> *trace)
@@ -172,7 +144,7 @@ void transfer(bool isQuery, QVector<double> *trace)
 
     require(fileName.isEmpty() || !QFile::exists(fileName), "the temporary file is gone");
     if (isQuery) {
-        require(!calls.isEmpty() && calls[0].kind == 'w', "a query begins with its command");
+        require(!calls.isEmpty() && calls[0].asked[0] == 'w', "a query begins with its command");
         if (calls[0].status != VI_SUCCESS) {
             require(calls.size() == 1 && done, "a query that is not sent reads nothing");
             require(bytesOf(*trace) == bytesOf(before), "a query that is not sent keeps the trace");

@@ -20,22 +20,21 @@
 
 namespace {
 
-constexpr std::array<double, 14> values{
-    0.0,
-    0.01,
-    0.035,
-    0.0350000001,
-    0.05,
-    0.0500000001,
-    0.06,
-    0.0599999999,
-    0.2,
-    -0.04,
-    1e308,
-    std::numeric_limits<double>::quiet_NaN(),
-    std::numeric_limits<double>::infinity(),
-    -std::numeric_limits<double>::infinity(),
-};
+using Limits = std::numeric_limits<double>;
+constexpr std::array<double, 14> values = {0.0,
+                                           0.01,
+                                           0.035,
+                                           0.0350000001,
+                                           0.05,
+                                           0.0500000001,
+                                           0.06,
+                                           0.0599999999,
+                                           0.2,
+                                           -0.04,
+                                           1e308,
+                                           Limits::quiet_NaN(),
+                                           Limits::infinity(),
+                                           -Limits::infinity()};
 
 QVector<double> takeTrace(Input *input)
 {
@@ -50,49 +49,16 @@ QVector<double> takeTrace(Input *input)
     return trace;
 }
 
-/// A sample, or one that qualifies for nothing where the trace has none.
-double sampleAt(const QVector<double> &trace, int index)
+/// The first index from `start` on at which something holds, below n and the trace's end.
+template <typename Predicate>
+int firstIndex(int n, const QVector<double> &trace, int start, const Predicate &holds)
 {
-    return index < trace.size() ? trace[index] : std::numeric_limits<double>::quiet_NaN();
-}
-
-/// The index from which on no sample is looked at.
-int endOf(int n, const QVector<double> &trace)
-{
-    return std::min(n, trace.size());
-}
-
-int firstRise(int n, const QVector<double> &source)
-{
-    int i = 0;
-    while (i < endOf(n, source) && !(source[i] - source[0] > 0.035)) {
-        ++i;
-    }
-    return i < endOf(n, source) ? i : std::max(n, 0);
-}
-
-int firstBurst(int n, const QVector<double> &rf, int start)
-{
-    for (int r = start; r < endOf(n, rf); ++r) {
-        int on = 0;
-        while (on < 8 && sampleAt(rf, r + on) > 0.05) {
-            ++on;
-        }
-        if (on == 8) {
-            return r;
+    for (int i = start; i < std::min(n, trace.size()); ++i) {
+        if (holds(i)) {
+            return i;
         }
     }
     return std::max(n, start);
-}
-
-int firstLight(int n, const QVector<double> &sink)
-{
-    for (int k = 0; k < endOf(n, sink); ++k) {
-        if (sink[k] >= 0.06) {
-            return k;
-        }
-    }
-    return std::max(n, 0);
 }
 
 double onAxis(int index, int n, int type)
@@ -121,10 +87,15 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 
     const Delays delays = computeDelays(n, source, rf, sink, time, type);
 
-    const int s = firstRise(n, source);
-    const int k = firstLight(n, sink);
+    const int s = firstIndex(n, source, 0, [&](int i) { return source[i] - source[0] > 0.035; });
+    const int r = firstIndex(n, rf, s, [&](int i) {
+        const QVector<double> eight = rf.mid(i, 8);
+        return eight.size() == 8 &&
+               std::all_of(eight.begin(), eight.end(), [](double x) { return x > 0.05; });
+    });
+    const int k = firstIndex(n, sink, 0, [&](int i) { return sink[i] >= 0.06; });
     const double sourceInstant = s < time.size() ? time[s] : onAxis(s, n, type);
-    const double rfInstant = onAxis(firstBurst(n, rf, s), n, type);
+    const double rfInstant = onAxis(r, n, type);
     const double sinkInstant = k < time.size() ? time[k] : onAxis(k, n, type);
     require(isSameNumber(delays.sourceInstant, sourceInstant), "the source instant");
     require(isSameNumber(delays.rfInstant, rfInstant), "the RF instant");

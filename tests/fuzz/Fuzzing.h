@@ -1,9 +1,6 @@
 #pragma once
 
-#include <QByteArray>
-#include <QFile>
-#include <QString>
-#include <QVector>
+#include "tests/TestFiles.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -59,23 +56,13 @@ private:
     int position = 0;
 };
 
-/// The samples as they lie in memory, so that NaN compares, too.
-inline QByteArray bytesOf(const QVector<double> &samples)
-{
-    return {reinterpret_cast<const char *>(samples.constData()),
-            samples.size() * static_cast<int>(sizeof(double))};
-}
-
 inline void writeFile(const QString &name, const QByteArray &bytes)
 {
-    QFile file(name);
-    require(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush(),
-            "the fuzzer can write its file");
+    require(write(name, bytes), "the fuzzer can write its file");
 }
 
 inline QByteArray readFile(const QString &name)
 {
-    QFile file(name);
-    require(file.open(QIODevice::ReadOnly), "the fuzzer can read its file");
-    return file.readAll();
+    require(QFile::exists(name), "the fuzzer can read its file");
+    return contents(name);
 }
