@@ -28,7 +28,6 @@ int main(int argc, char *argv[])
 {
     scaleFormsWithScreen();
     const QApplication application(argc, argv);
-    QApplication::setApplicationVersion(ORVANTA_VERSION);
     introduceToDesktop();
     fitTextToForms();
     // The window makes the settings directory itself, but not the one above it.
