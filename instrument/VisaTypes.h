@@ -73,6 +73,7 @@ constexpr ViStatus VI_SUCCESS_EVENT_DIS = visaStatus(0x3FFF0003);
 constexpr ViStatus VI_SUCCESS_QUEUE_EMPTY = visaStatus(0x3FFF0004);
 constexpr ViStatus VI_SUCCESS_TERM_CHAR = visaStatus(0x3FFF0005);
 constexpr ViStatus VI_SUCCESS_MAX_CNT = visaStatus(0x3FFF0006);
+constexpr ViStatus VI_WARN_NULL_OBJECT = visaStatus(0x3FFF0082);
 constexpr ViStatus VI_WARN_UNKNOWN_STATUS = visaStatus(0x3FFF0085);
 constexpr ViStatus VI_ERROR_SYSTEM_ERROR = visaStatus(0xBFFF0000);
 constexpr ViStatus VI_ERROR_INV_OBJECT = visaStatus(0xBFFF000E);

@@ -31,9 +31,7 @@ std::string numberText(double value)
     std::array<char, 32> digits{};
     char *const first = digits.data();
     char *const last = first + digits.size();
-    const auto rounded = std::to_chars(first, last, value, std::chars_format::scientific, 14);
-    std::from_chars(first, rounded.ptr, value);
-    return {first, std::to_chars(first, last, value).ptr};
+    return {first, std::to_chars(first, last, value, std::chars_format::general, 15).ptr};
 }
 
 void appendNumber(std::string &text, float value)

@@ -18,8 +18,8 @@ namespace simulator {
 namespace {
 
 // Two locks of the file, which both end with the process at the latest. The one for an operation
-// (fcntl) is the process's: it tells a child from its parent. The one for presence (flock) is the
-// open file's: it tells two copies of the library in one process apart.
+// (fcntl) is the process's: it tells a child from its parent, but not two copies of the library in
+// one process. The one for presence (flock) is the open file's.
 
 /// Takes (F_WRLCK) or gives back (F_UNLCK) the lock for an operation. False with errno when that
 /// fails.
@@ -99,10 +99,10 @@ public:
 
     void leave() override
     {
-        if (getpid() != owner_) {
-            return; // a child of the process that uses it
+        const bool isChild = getpid() != owner_; // of the process that uses it
+        if (isChild || !lockOperation(file_, F_WRLCK)) {
+            return;
         }
-        lock();
         if (takeAlone(file_) && isNamed(file_, name_)) {
             unlink(name_.c_str());
         }

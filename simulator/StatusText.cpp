@@ -19,6 +19,7 @@ constexpr std::array descriptions{
     Description{VI_SUCCESS_QUEUE_EMPTY, "The event queue is empty already."},
     Description{VI_SUCCESS_TERM_CHAR, "The termination character was read."},
     Description{VI_SUCCESS_MAX_CNT, "As many bytes were read as were asked for."},
+    Description{VI_WARN_NULL_OBJECT, "There is nothing to close."},
     Description{VI_WARN_UNKNOWN_STATUS, "This status is not known here."},
     Description{VI_ERROR_SYSTEM_ERROR, "The operating system refused a service."},
     Description{VI_ERROR_INV_OBJECT, "No session or manager is open under this handle."},

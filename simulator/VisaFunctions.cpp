@@ -65,6 +65,15 @@ ViStatus withManager(ViSession handle, Body body) noexcept
     });
 }
 
+/// Answers for a session or a resource manager, neither of which ever has an event.
+ViStatus withoutEvents(ViSession handle, ViStatus answer) noexcept
+{
+    return guarded([=] {
+        ViStatus status = VI_SUCCESS;
+        return sessions().attributes(handle, status) != nullptr ? answer : status;
+    });
+}
+
 /// Copies a text with its zero byte, where the caller has a buffer for it.
 void copyText(ViChar *buffer, std::string_view text)
 {
@@ -119,12 +128,12 @@ ViStatus viFindRsrc(ViSession resourceManager, const ViChar *expression, ViFindL
         }
         std::vector<std::string> names;
         ViStatus status = sessions().find(expression, names);
-        report(count, names.size());
         if (status == VI_SUCCESS && list != nullptr) {
             status = sessions().openList(resourceManager, {names.begin() + 1, names.end()}, *list);
         }
         if (status == VI_SUCCESS) {
             copyText(description, names.front());
+            report(count, names.size());
         }
         return status;
     });
@@ -187,6 +196,9 @@ ViStatus viOpen(ViSession resourceManager, const ViChar *resourceName, ViAccessM
 
 ViStatus viClose(ViObject object)
 {
+    if (object == 0) {
+        return VI_WARN_NULL_OBJECT;
+    }
     return guarded([=] { return sessions().close(object); });
 }
 
@@ -230,12 +242,12 @@ ViStatus viGetAttribute(ViObject object, ViAttr attribute, void *value)
 // The bench raises no events, and none can be enabled.
 ViStatus viDisableEvent(ViSession session, ViEventType /*type*/, ViUInt16 /*mechanism*/)
 {
-    return withSession(session, [](const Session &) { return VI_SUCCESS_EVENT_DIS; });
+    return withoutEvents(session, VI_SUCCESS_EVENT_DIS);
 }
 
 ViStatus viDiscardEvents(ViSession session, ViEventType /*type*/, ViUInt16 /*mechanism*/)
 {
-    return withSession(session, [](const Session &) { return VI_SUCCESS_QUEUE_EMPTY; });
+    return withoutEvents(session, VI_SUCCESS_QUEUE_EMPTY);
 }
 
 ViStatus viWrite(ViSession session, const ViByte *buffer, ViUInt32 count, ViUInt32 *returnedCount)

@@ -195,7 +195,8 @@ private slots:
         viOpenDefaultRM(&closedManager);
         viOpen(closedManager, "TCPIP::oscilloscope::INSTR", VI_NO_LOCK, 0, &closed);
         viClose(closedManager); // and its session with it
-        for (const ViSession handle : {ViSession{0}, closed, closedManager}) {
+        QCOMPARE(viClose(0), VI_WARN_NULL_OBJECT);
+        for (const ViSession handle : {closed + 1, closed, closedManager}) {
             ViSession session = 0;
             ViByte byte = 'x';
             ViUInt16 statusByte = 0;
@@ -347,8 +348,10 @@ private slots:
 
     void hasNoEvents()
     {
-        QCOMPARE(viDisableEvent(first_, 0x3FFF7FFF, 0xFFFF), VI_SUCCESS_EVENT_DIS);
-        QCOMPARE(viDiscardEvents(first_, 0x3FFF7FFF, 0xFFFF), VI_SUCCESS_QUEUE_EMPTY);
+        for (const ViSession handle : {first_, manager_}) {
+            QCOMPARE(viDisableEvent(handle, 0x3FFF7FFF, 0xFFFF), VI_SUCCESS_EVENT_DIS);
+            QCOMPARE(viDiscardEvents(handle, 0x3FFF7FFF, 0xFFFF), VI_SUCCESS_QUEUE_EMPTY);
+        }
     }
 
     void answersBelongToTheirSession()
@@ -437,7 +440,7 @@ private slots:
                   "1;0;0;1 / 0"},
                  {spa, "FREQ:MODE SW", " / -113"},
                  {spa, "SWE:OPT SPE;OPT;OPT?", "AUTO / 0"},
-                 {spa, "BWID 50e6;BWID:RES?;VID?", "5e+07;3e+06 / 0"},
+                 {spa, "BWID 50e6;BWID:RES?;VID?", "50000000;3000000 / 0"},
                  {qan, "FREQ:MODE SW;MODE?;:OUTP:IF VID;:OUTP1:IF:SOUR?", "SW;VID / 0"},
                  {qel, "OUTP:IF VID", " / -113"},
                  {video, "READ:AVDA:TTV:STAT?;VAL?", "0 / -230"},

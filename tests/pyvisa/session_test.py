@@ -205,6 +205,23 @@ class SessionTest(unittest.TestCase):
                 os.rmdir(file) if os.path.isdir(file) else os.remove(file)
             self.assertEqual(os.path.getsize(target), 0)
 
+    def test_the_laboratory_stays_for_those_who_are_left(self):
+        """Neither the end of a child nor that of the first user takes it from the others."""
+        scope = "scope = open_instrument(manager, 'oscilloscope'); "
+        query = "print(scope.query('CHAN1:SCAL?').strip(), flush=True); "
+        have_a_child = "import os, sys; os.fork() or sys.exit(); os.wait(); "
+        with tempfile.TemporaryDirectory() as directory:
+            environment = dict(os.environ, XDG_RUNTIME_DIR=directory)
+            clients = []
+            for statements in ("scope.write('CHAN1:SCAL 0.5'); " + have_a_child, ""):
+                clients.append(start_python(scope + statements + query + "input()", environment))
+                self.assertEqual(clients[-1].stdout.readline(), "0.5\n")
+            first, second = clients
+            self.assertEqual(first.communicate("\n", timeout=60), ("", ""))
+            self.assertEqual(run_python(scope + query, environment), ("0.5", "", 0))
+            self.assertEqual(second.communicate("\n", timeout=60), ("", ""))
+            self.assertEqual(os.listdir(directory), [])
+
     def test_the_latecomers_laboratory_stays(self):
         """Somebody tidies up: a new laboratory is opened, and the old one's end leaves it alone."""
         with tempfile.TemporaryDirectory() as directory:
@@ -232,7 +249,13 @@ class SessionTest(unittest.TestCase):
             self.assertEqual(run_python(statements), ("", "", 0))
 
     def test_exits_with_everything_open(self):
-        for ending in ("", "scope.close(); manager.close()", "manager.close()", "del manager"):
+        for ending in (
+            "",
+            "scope.close(); manager.close()",
+            "manager.close()",
+            "del manager",
+            "manager.close(); import os; os.closerange(3, 256)",
+        ):
             with self.subTest(ending):
                 self.assertEqual(
                     run_python(
