@@ -10,7 +10,6 @@
 
 #include <array>
 #include <csignal>
-#include <cstring>
 #include <limits>
 #include <sys/resource.h>
 
@@ -275,8 +274,7 @@ private:
         const Exchange &exchange = exchanges[session];
         const int declared = declaredLength(exchange.reply);
         transferredRubbish = transferredRubbish || declared < 0;
-        QVector<float> samples(qMax(0, qMin(declared, bytes.size())) / 4);
-        std::memcpy(samples.data(), bytes.constData(), sizeof(float) * std::size_t(samples.size()));
+        const QVector<float> samples = floatsOf(bytes.left(declared));
         const char channel = exchange.command.startsWith("CHAN") ? exchange.command[4] : '3';
         traces[channel == '1' ? 0 : channel == '2' ? 2 : 1] = {samples.begin(), samples.end()};
     }

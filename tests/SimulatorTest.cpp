@@ -1,5 +1,7 @@
+#include "DefiniteBlock.h"
 #include "simulator/Laboratory.h"
 #include "simulator/VisaFunctions.h"
+#include "TestFiles.h"
 
 #include <QSet>
 #include <QTemporaryFile>
@@ -8,7 +10,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <future>
 #include <map>
 #include <tuple>
@@ -33,16 +34,12 @@ QString ask(Bench &bench, const char *host, const QByteArray &message)
     return QString::fromStdString(bench.find(host)->execute(message.toStdString())).trimmed();
 }
 
-std::vector<float> floats(const std::string &block)
+/// The samples of a block, none unless there is just the block.
+QVector<float> floats(const std::string &answer)
 {
-    const auto digits = static_cast<std::size_t>(block.at(1) - '0');
-    const std::size_t size = std::stoul(block.substr(2, digits));
-    std::vector<float> values(size / sizeof(float));
-    if (block.at(0) != '#' || block.size() != 2 + digits + size + 1 || block.back() != '\n') {
-        return {};
-    }
-    std::memcpy(values.data(), block.data() + 2 + digits, size);
-    return values;
+    const QByteArray message = QByteArray::fromStdString(answer);
+    const QByteArray data = dataOf(message);
+    return message == block(data.size(), data) ? floatsOf(data) : QVector<float>();
 }
 
 } // namespace
@@ -464,10 +461,10 @@ private slots:
         const auto values = floats(kvx.execute("FORM REAL,32;:CHAN1:DATA?"));
         const auto pairs = floats(kvx.execute("EXP:WAV:INCX ON;:CHAN1:DATA?"));
         QCOMPARE(texts.size(), 1000);
-        QCOMPARE(values.size(), std::size_t{1000});
-        QCOMPARE(pairs.size(), std::size_t{2000});
-        for (std::size_t k = 0; k < 1000; ++k) {
-            QCOMPARE(texts.at(static_cast<int>(k)).toFloat(), values[k]);
+        QCOMPARE(values.size(), 1000);
+        QCOMPARE(pairs.size(), 2000);
+        for (int k = 0; k < 1000; ++k) {
+            QCOMPARE(texts.at(k).toFloat(), values[k]);
             QCOMPARE(pairs[2 * k + 1], values[k]);
         }
         QCOMPARE(pairs[0], -0.5F);

@@ -7,12 +7,22 @@
 #include <QString>
 #include <QVector>
 
+#include <cstring>
+
 /// The samples as they lie in memory, so that NaN compares, too.
 template <typename Sample>
 QByteArray bytesOf(const QVector<Sample> &samples)
 {
     return {reinterpret_cast<const char *>(samples.constData()),
             samples.size() * static_cast<int>(sizeof(Sample))};
+}
+
+/// The same backwards, as many whole samples as there are.
+inline QVector<float> floatsOf(const QByteArray &bytes)
+{
+    QVector<float> samples(bytes.size() / static_cast<int>(sizeof(float)));
+    std::memcpy(samples.data(), bytes.constData(), sizeof(float) * std::size_t(samples.size()));
+    return samples;
 }
 
 inline QByteArray contents(const QString &fileName)

@@ -128,9 +128,7 @@ std::optional<QVector<double>> outcome()
     if (!hasLength || data.status < 0 || data.noFile) {
         return std::nullopt;
     }
-    QVector<float> samples(std::min(length, data.bytes.size()) / 4);
-    std::memcpy(samples.data(), data.bytes.constData(),
-                sizeof(float) * std::size_t(samples.size()));
+    const QVector<float> samples = floatsOf(data.bytes.left(length));
     return QVector<double>(samples.begin(), samples.end());
 }
 
