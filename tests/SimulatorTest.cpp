@@ -1,19 +1,14 @@
-#include "DefiniteBlock.h"
 #include "simulator/Laboratory.h"
 #include "simulator/VisaFunctions.h"
 #include "TestFiles.h"
 
-#include <QSet>
 #include <QTemporaryFile>
 #include <QtTest>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <future>
 #include <map>
-#include <tuple>
-#include <utility>
 
 using namespace simulator;
 
@@ -26,21 +21,14 @@ struct OwnBench
     Bench bench{state};
 
     OwnBench() { bench.switchOn(); }
+
+    /// Asks an instrument without VISA.
+    QByteArray ask(const char *host, const QByteArray &message) const
+    {
+        return QByteArray::fromStdString(bench.find(host)->execute(message.toStdString()))
+            .trimmed();
+    }
 };
-
-/// Asks an instrument without VISA.
-QString ask(Bench &bench, const char *host, const QByteArray &message)
-{
-    return QString::fromStdString(bench.find(host)->execute(message.toStdString())).trimmed();
-}
-
-/// The samples of a block, none unless there is just the block.
-QVector<float> floats(const std::string &answer)
-{
-    const QByteArray message = QByteArray::fromStdString(answer);
-    const QByteArray data = dataOf(message);
-    return message == block(data.size(), data) ? floatsOf(data) : QVector<float>();
-}
 
 } // namespace
 
@@ -51,9 +39,9 @@ class SimulatorTest : public QObject
     using Reply = std::pair<QByteArray, ViStatus>;
     const Reply nothing{"", VI_ERROR_TMO};
 
-    ViSession manager_ = 0;
-    ViSession first_ = 0; // two links to one oscilloscope
-    ViSession second_ = 0;
+    ViSession manager = 0;
+    ViSession first = 0; // two links to one oscilloscope
+    ViSession second = 0;
 
     static void write(ViSession session, const QByteArray &message)
     {
@@ -71,28 +59,31 @@ class SimulatorTest : public QObject
                                        static_cast<ViUInt32>(size), &count);
         return {bytes.left(static_cast<int>(count)), status};
     }
+    static Reply ask(ViSession session, const QByteArray &message, int size = 99999)
+    {
+        write(session, message);
+        return read(session, size);
+    }
 
 private slots:
     void init()
     {
-        QCOMPARE(viOpenDefaultRM(&manager_), VI_SUCCESS);
-        for (ViSession *session : {&first_, &second_}) {
-            QCOMPARE(viOpen(manager_, "TCPIP::oscilloscope::INSTR", VI_NO_LOCK, 0, session),
+        QCOMPARE(viOpenDefaultRM(&manager), VI_SUCCESS);
+        for (ViSession *session : {&first, &second}) {
+            QCOMPARE(viOpen(manager, "TCPIP::oscilloscope::INSTR", VI_NO_LOCK, 0, session),
                      VI_SUCCESS);
         }
-        QVERIFY(first_ != second_);
-        write(first_, "*RST;*CLS");
+        write(first, "*RST;*CLS");
     }
 
-    void cleanup() { QCOMPARE(viClose(manager_), VI_SUCCESS); }
+    void cleanup() { QCOMPARE(viClose(manager), VI_SUCCESS); }
 
     void resourceStrings()
     {
         const std::map<ViStatus, QByteArrayList> texts = {
             {VI_SUCCESS,
              {"TCPIP0::oscilloscope::INSTR", "TCPIP::oscilloscope-kvx::inst0::INSTR",
-              "tcpip7::Spectrum-Analyzer::INST0::instr", "TCPIP0::spectrum-analyzer-qan::INSTR",
-              "TCPIP0::spectrum-analyzer-qel::INSTR", "TCPIP0::video-analyzer::INSTR"}},
+              "tcpip7::Spectrum-Analyzer::INST0::instr"}},
             {VI_ERROR_RSRC_NFOUND,
              {"TCPIP0::printer::INSTR", "TCPIP0::oscilloscope::inst1::INSTR"}},
             {VI_ERROR_INV_RSRC_NAME,
@@ -103,35 +94,30 @@ private slots:
         for (const auto &[status, names] : texts) {
             for (const QByteArray &name : names) {
                 ViSession session = 4711;
-                QVERIFY2(viOpen(manager_, name, VI_NO_LOCK, 0, &session) == status, name);
+                QVERIFY2(viOpen(manager, name, VI_NO_LOCK, 0, &session) == status, name);
                 QCOMPARE(session != 0, status == VI_SUCCESS);
-                ViUInt16 type = 0;
-                ViUInt16 board = 0;
-                const bool malformed = status == VI_ERROR_INV_RSRC_NAME;
-                QCOMPARE(viParseRsrc(manager_, name, &type, &board),
-                         malformed ? status : VI_SUCCESS);
-                QCOMPARE(type, malformed ? ViUInt16{0} : VI_INTF_TCPIP);
             }
         }
         ViUInt16 type = 0;
         ViUInt16 board = 0;
         std::array<std::array<char, VI_FIND_BUFLEN>, 3> parts{};
-        QCOMPARE(viParseRsrcEx(manager_, "tcpip7::Printer::instr", &type, &board, parts[0].data(),
+        QCOMPARE(viParseRsrcEx(manager, "tcpip7::Printer::instr", &type, &board, parts[0].data(),
                                parts[1].data(), parts[2].data()),
                  VI_SUCCESS);
-        QCOMPARE(board, ViUInt16{7});
+        QVERIFY(type == VI_INTF_TCPIP && board == 7);
         QCOMPARE(QByteArray(parts[0].data()), QByteArray("INSTR"));
         QCOMPARE(QByteArray(parts[1].data()), QByteArray("TCPIP7::printer::inst0::INSTR"));
-        QCOMPARE(parts[2][0], '\0');
+        QCOMPARE(viParseRsrc(manager, "printer", &type, &board), VI_ERROR_INV_RSRC_NAME);
     }
 
+    /// How many an expression finds, -1 where it is none.
     void findsResources()
     {
         const std::map<QByteArray, int> counts = {{"?*", 6},
                                                   {"?*::INSTR", 6},
                                                   {"tcpip?*instr", 6},
-                                                  {"?*-[kq]?[xn]::?*", 2},
                                                   {"?*-[^k]??::?*", 2},
+                                                  {"?*-[kq]?[xn]::?*", 2},
                                                   {"?*::(oscillo|spectrum\\-)?*", 5},
                                                   {"?*(-q(an|el)|-kvx)+::?*", 3},
                                                   {"?*[l-n]-kvx::?*|?*video?*", 1},
@@ -139,7 +125,6 @@ private slots:
                                                   {"?*[a\\-x", -1},
                                                   {"(?*", -1},
                                                   {"TCPIP0[z-a]::?*", -1},
-                                                  {"[^\x01-\xff]?*", 0},
                                                   {"?*)", -1},
                                                   {"*", -1},
                                                   {"?**", -1},
@@ -148,26 +133,22 @@ private slots:
                                                   {QByteArray(300, '?'), -1},
                                                   {"", 0},
                                                   {"?*::INST", 0},
-                                                  {"GPIB?*", 0},
-                                                  {"TCPIP?INSTR", 0}};
+                                                  {"[^\x01-\xff]?*", 0}};
         for (const auto &[expression, expected] : counts) {
             ViFindList list = 0;
             ViUInt32 count = 0;
             std::array<char, VI_FIND_BUFLEN> name{};
-            const ViStatus status = viFindRsrc(manager_, expression, &list, &count, name.data());
+            const ViStatus status = viFindRsrc(manager, expression, &list, &count, name.data());
             QVERIFY2(status == (expected > 0   ? VI_SUCCESS
                                 : expected < 0 ? VI_ERROR_INV_EXPR
                                                : VI_ERROR_RSRC_NFOUND),
                      expression);
-            QVERIFY2(static_cast<int>(count) == std::max(expected, 0), expression);
-            QSet<QByteArray> names;
-            for (int i = 0; i < expected; ++i) {
-                QCOMPARE(i == 0 ? VI_SUCCESS : viFindNext(list, name.data()), VI_SUCCESS);
-                ViSession session = 0;
-                QCOMPARE(viOpen(manager_, name.data(), VI_NO_LOCK, 0, &session), VI_SUCCESS);
-                names.insert(name.data());
+            QVERIFY2(static_cast<int>(count) == qMax(expected, 0), expression);
+            for (int i = 1; i < expected; ++i) {
+                const QByteArray before = name.data();
+                QCOMPARE(viFindNext(list, name.data()), VI_SUCCESS);
+                QVERIFY(before != name.data());
             }
-            QCOMPARE(names.size(), std::max(expected, 0));
             if (expected > 0) {
                 QCOMPARE(viFindNext(list, name.data()), VI_ERROR_RSRC_NFOUND);
                 QCOMPARE(viClear(list), VI_ERROR_NSUP_OPER);
@@ -175,17 +156,9 @@ private slots:
             }
             QCOMPARE(viFindNext(list, name.data()), VI_ERROR_INV_OBJECT);
         }
-
-        ViSession manager = 0;
-        ViFindList list = 0;
-        std::array<char, VI_FIND_BUFLEN> name{};
-        viOpenDefaultRM(&manager);
-        QCOMPARE(viFindRsrc(manager, "?*", &list, nullptr, name.data()), VI_SUCCESS);
-        viClose(manager); // and its list with it
-        QCOMPARE(viFindNext(list, name.data()), VI_ERROR_INV_OBJECT);
     }
 
-    void everyFunctionRefusesDeadHandles()
+    void deadHandles()
     {
         ViSession closedManager = 0;
         ViSession closed = 0;
@@ -196,7 +169,6 @@ private slots:
         for (const ViSession handle : {closed + 1, closed, closedManager}) {
             ViSession session = 0;
             ViByte byte = 'x';
-            ViUInt16 statusByte = 0;
             ViUInt16 number = 0;
             std::array<char, 256> text{};
             for (const ViStatus answer :
@@ -213,7 +185,7 @@ private slots:
                   viSetAttribute(handle, VI_ATTR_TMO_VALUE, 1),
                   viGetAttribute(handle, VI_ATTR_TMO_VALUE, nullptr),
                   viSetBuf(handle, VI_READ_BUF, 100),
-                  viReadSTB(handle, &statusByte),
+                  viReadSTB(handle, &number),
                   viGpibControlREN(handle, VI_GPIB_REN_ADDRESS_GTL),
                   viPrintf(handle, "x"),
                   viScanf(handle, "x"),
@@ -227,27 +199,19 @@ private slots:
 
     void readsInPieces()
     {
-        QCOMPARE(read(first_, 10), nothing);
-        write(first_, "*OPC?;*OPC?;*OPC?\r\n"); // six bytes of answer: 1;1;1 and the newline
-        QCOMPARE(read(first_, 2), Reply("1;", VI_SUCCESS_MAX_CNT));
-        QCOMPARE(read(first_, 0), Reply("", VI_SUCCESS_MAX_CNT));
-        QCOMPARE(read(first_, 4), Reply("1;1\n", VI_SUCCESS)); // the end, exactly at the count
-        QCOMPARE(read(first_, 1), nothing);
-    }
-
-    void readsToAFileThatItTruncates()
-    {
+        QCOMPARE(read(first, 10), nothing);
+        // Six bytes of answer: 1;1;1 and the newline.
+        QCOMPARE(ask(first, "*OPC?;*OPC?;*OPC?\r\n", 2), Reply("1;", VI_SUCCESS_MAX_CNT));
+        QCOMPARE(read(first, 0), Reply("", VI_SUCCESS_MAX_CNT));
         QTemporaryFile file;
         QVERIFY(file.open() && file.write(QByteArray(100, 'z')) == 100 && file.flush());
-        const QByteArray name = file.fileName().toLocal8Bit();
         ViUInt32 count = 99;
-        write(first_, "*OPC?;*OPC?");
-        QCOMPARE(viReadToFile(first_, "/nonexistent/x", 9, &count), VI_ERROR_FILE_ACCESS);
-        QCOMPARE(viReadToFile(first_, name, 3, &count), VI_SUCCESS_MAX_CNT);
-        QCOMPARE(count, 3U);
-        file.seek(0);
-        QCOMPARE(file.readAll(), QByteArray("1;1"));
-        QCOMPARE(read(first_, 9), Reply("\n", VI_SUCCESS)); // the next read goes on from there
+        QCOMPARE(viReadToFile(first, "/nonexistent/x", 9, &count), VI_ERROR_FILE_ACCESS);
+        QCOMPARE(viReadToFile(first, file.fileName().toLocal8Bit(), 2, &count), VI_SUCCESS_MAX_CNT);
+        QCOMPARE(count, 2U);
+        QCOMPARE(contents(file.fileName()), QByteArray("1;")); // the file was truncated
+        QCOMPARE(read(first, 2), Reply("1\n", VI_SUCCESS));    // the end, exactly at the count
+        QCOMPARE(read(first, 1), nothing);
     }
 
     void attributesAndModes()
@@ -257,130 +221,94 @@ private slots:
             ViUInt64 value = untouched;
             return viGetAttribute(session, attribute, &value) == VI_SUCCESS ? value : 0;
         };
-        const std::map<ViAttr, std::pair<unsigned, ViUInt64>> numbers = {
-            {VI_ATTR_TMO_VALUE, {32, 2000}},
-            {VI_ATTR_TERMCHAR, {8, '\n'}},
-            {VI_ATTR_TERMCHAR_EN, {16, 0}},
-            {VI_ATTR_SEND_END_EN, {16, 1}},
-            {VI_ATTR_INTF_TYPE, {16, 6}},
-            {VI_ATTR_INTF_NUM, {16, 0}},
-            {VI_ATTR_IO_PROT, {16, 1}},
-            {VI_ATTR_DMA_ALLOW_EN, {16, 0}},
-            {VI_ATTR_RM_SESSION, {32, manager_}},
-            {VI_ATTR_RSRC_LOCK_STATE, {32, 0}},
-            {VI_ATTR_RSRC_SPEC_VERSION, {32, 0x300000}},
-            {VI_ATTR_RSRC_IMPL_VERSION, {32, ORVANTA_VERSION_NUMBER}}};
-        for (const auto &[attribute, expected] : numbers) {
-            const ViUInt64 value = untouched >> expected.first << expected.first | expected.second;
-            QCOMPARE(get(second_, attribute), value);
+        for (const auto &[attribute, bits, number] :
+             {std::tuple<ViAttr, unsigned, ViUInt64>{VI_ATTR_TMO_VALUE, 32, 2000},
+              {VI_ATTR_TERMCHAR, 8, '\n'},
+              {VI_ATTR_TERMCHAR_EN, 16, 0},
+              {VI_ATTR_SEND_END_EN, 16, 1},
+              {VI_ATTR_INTF_TYPE, 16, 6},
+              {VI_ATTR_INTF_NUM, 16, 0},
+              {VI_ATTR_IO_PROT, 16, 1},
+              {VI_ATTR_RM_SESSION, 32, manager},
+              {VI_ATTR_RSRC_SPEC_VERSION, 32, 0x300000}}) {
+            QCOMPARE(get(second, attribute), (untouched >> bits << bits | number));
         }
         // The upper half is what some clients leave in the register.
-        QCOMPARE(viSetAttribute(first_, VI_ATTR_TMO_VALUE, 0xBAD00001388), VI_SUCCESS);
-        QCOMPARE(static_cast<ViUInt32>(get(first_, VI_ATTR_TMO_VALUE)), 5000U);
-        QCOMPARE(static_cast<ViUInt32>(get(second_, VI_ATTR_TMO_VALUE)), 2000U);
-        QCOMPARE(viSetAttribute(first_, VI_ATTR_TERMCHAR_EN, 2), VI_ERROR_NSUP_ATTR_STATE);
-        QCOMPARE(viSetAttribute(first_, VI_ATTR_TERMCHAR, 256), VI_ERROR_NSUP_ATTR_STATE);
-        QCOMPARE(viSetAttribute(first_, VI_ATTR_INTF_NUM, 0), VI_ERROR_ATTR_READONLY);
-        QCOMPARE(viSetAttribute(first_, VI_ATTR_RSRC_NAME, 0), VI_ERROR_ATTR_READONLY);
-        QCOMPARE(viSetAttribute(first_, 1, 1), VI_ERROR_NSUP_ATTR);
-        QCOMPARE(viSetAttribute(manager_, VI_ATTR_TMO_VALUE, 1), VI_ERROR_NSUP_ATTR);
-        QCOMPARE(get(first_, 1), 0U);
-
+        QCOMPARE(viSetAttribute(first, VI_ATTR_TMO_VALUE, 0xBAD00001388), VI_SUCCESS);
+        QCOMPARE(static_cast<ViUInt32>(get(first, VI_ATTR_TMO_VALUE)), 5000U);
+        QCOMPARE(static_cast<ViUInt32>(get(second, VI_ATTR_TMO_VALUE)), 2000U);
+        QCOMPARE(viSetAttribute(first, VI_ATTR_TERMCHAR_EN, 2), VI_ERROR_NSUP_ATTR_STATE);
+        QCOMPARE(viSetAttribute(first, VI_ATTR_TERMCHAR, 256), VI_ERROR_NSUP_ATTR_STATE);
+        QCOMPARE(viSetAttribute(first, VI_ATTR_RSRC_NAME, 0), VI_ERROR_ATTR_READONLY);
+        QCOMPARE(viSetAttribute(first, 1, 1), VI_ERROR_NSUP_ATTR);
+        QCOMPARE(viSetAttribute(manager, VI_ATTR_TMO_VALUE, 1), VI_ERROR_NSUP_ATTR);
         std::array<char, VI_FIND_BUFLEN> text{};
-        QCOMPARE(viGetAttribute(first_, VI_ATTR_RSRC_NAME, text.data()), VI_SUCCESS);
+        QCOMPARE(viGetAttribute(first, VI_ATTR_RSRC_NAME, text.data()), VI_SUCCESS);
         QCOMPARE(QByteArray(text.data()), QByteArray("TCPIP0::oscilloscope::inst0::INSTR"));
-        QCOMPARE(viGetAttribute(manager_, VI_ATTR_RSRC_MANF_NAME, text.data()), VI_SUCCESS);
-        QCOMPARE(QByteArray(text.data()), QByteArray("Varnholt"));
 
         const Instrument *oscilloscope = bench().find("oscilloscope");
-        const std::array<bool, 7> remoteAfter{false, true, false, true, true, true, false};
+        const QVector<bool> remoteAfter = {false, true, false, true, true, true, false};
         for (ViUInt16 mode = 0; mode < 7; ++mode) {
-            write(first_, "*WAI");
+            write(first, "*WAI");
             QVERIFY(oscilloscope->isRemote());
-            QCOMPARE(viGpibControlREN(second_, mode), VI_SUCCESS);
-            QCOMPARE(oscilloscope->isRemote(), remoteAfter.at(mode));
+            QCOMPARE(viGpibControlREN(second, mode), VI_SUCCESS);
+            QCOMPARE(oscilloscope->isRemote(), remoteAfter[mode]);
         }
-        QCOMPARE(viGpibControlREN(first_, 7), VI_ERROR_INV_MODE);
+        QCOMPARE(viGpibControlREN(first, 7), VI_ERROR_INV_MODE);
     }
 
-    void terminationCharacters()
+    void terminations()
     {
         const QByteArray block = "FORM REAL,32;:CHAN1:DATA?";
-        write(first_, block);
-        const Reply whole = read(first_, 99999); // with bytes 0x0A in it, which mean nothing
-        QCOMPARE(whole.second, VI_SUCCESS);
-        const int newline = whole.first.indexOf('\n');
-        QVERIFY(newline < whole.first.size() - 1);
+        const Reply whole = ask(first, block); // with bytes 0x0A in it, which mean nothing
+        const int newline = whole.first.indexOf('\n') + 1;
+        QVERIFY(whole.second == VI_SUCCESS && newline < whole.first.size());
+        viSetAttribute(first, VI_ATTR_TERMCHAR_EN, 1);
+        QCOMPARE(ask(first, block), Reply(whole.first.left(newline), VI_SUCCESS_TERM_CHAR));
+        QCOMPARE(read(first, 1), Reply(whole.first.mid(newline, 1), VI_SUCCESS_MAX_CNT));
+        viSetAttribute(first, VI_ATTR_TERMCHAR, ';');
+        QCOMPARE(ask(first, "*CLS;*OPC?;*OPC?", 2), Reply("1;", VI_SUCCESS_TERM_CHAR));
+        QCOMPARE(read(first, 9), Reply("1\n", VI_SUCCESS)); // the message's end
 
-        viSetAttribute(first_, VI_ATTR_TERMCHAR_EN, 1);
-        write(first_, block);
-        QCOMPARE(read(first_, 99999), Reply(whole.first.left(newline + 1), VI_SUCCESS_TERM_CHAR));
-        QCOMPARE(read(first_, 1), Reply(whole.first.mid(newline + 1, 1), VI_SUCCESS_MAX_CNT));
-        write(first_, "*CLS;*OPC?");
-        QCOMPARE(read(first_, 9), Reply("1\n", VI_SUCCESS)); // the message's end, too
-        viSetAttribute(first_, VI_ATTR_TERMCHAR, ';');
-        write(first_, "*OPC?;*OPC?");
-        QCOMPARE(read(first_, 2), Reply("1;", VI_SUCCESS_TERM_CHAR));
-        QCOMPARE(read(first_, 9), Reply("1\n", VI_SUCCESS));
-    }
-
-    void messagesWithoutEnd()
-    {
-        viSetAttribute(first_, VI_ATTR_SEND_END_EN, 0);
-        write(first_, "*OP");
-        write(first_, "C?");
-        QCOMPARE(read(first_, 9), nothing);
-        write(first_, "\r\n*OPC?;");
-        QCOMPARE(read(first_, 9), Reply("1\n", VI_SUCCESS));
-        viClear(first_); // the rest of the message goes
-        viSetAttribute(first_, VI_ATTR_SEND_END_EN, 1);
-        write(first_, "SYST:ERR?");
-        QCOMPARE(read(first_, 99).first, QByteArray("0,\"No error\"\n"));
-        write(first_, QByteArray(70000, ' ') + "\n:SYST:ERR?");
-        QCOMPARE(read(first_, 99).first, QByteArray("0,\"No error\"\n"));
-        write(first_, QByteArray(70000, 'x'));
-        write(first_, "SYST:ERR?");
-        QCOMPARE(read(first_, 99).first, QByteArray("-363,\"Input buffer overrun\"\n"));
-    }
-
-    void hasNoEvents()
-    {
-        for (const ViSession handle : {first_, manager_}) {
-            QCOMPARE(viDisableEvent(handle, 0x3FFF7FFF, 0xFFFF), VI_SUCCESS_EVENT_DIS);
-            QCOMPARE(viDiscardEvents(handle, 0x3FFF7FFF, 0xFFFF), VI_SUCCESS_QUEUE_EMPTY);
-        }
+        viSetAttribute(first, VI_ATTR_SEND_END_EN, 0);
+        QCOMPARE(ask(first, "*OP"), nothing);
+        QCOMPARE(ask(first, "C?\r\nSYST:"), Reply("1\n", VI_SUCCESS));
+        viClear(first); // the rest of the message goes
+        viSetAttribute(first, VI_ATTR_SEND_END_EN, 1);
+        QCOMPARE(ask(first, QByteArray(70000, ' ') + "\nSYST:ERR?").first,
+                 QByteArray("0,\"No error\"\n"));
+        write(first, QByteArray(70000, 'x'));
+        QVERIFY(ask(first, "SYST:ERR?").first.startsWith("-363,"));
     }
 
     void answersBelongToTheirSession()
     {
         ViUInt16 statusByte = 0;
-        write(first_, "CHAN1:SCAL 0.5;SCAL?");
-        write(second_, "FOO;CHAN1:SCAL?");
-        viReadSTB(first_, &statusByte);
-        QCOMPARE(statusByte, ViUInt16{0x14});    // a message, and an error in the queue
-        write(first_, "SYST:ERR?;:SYST:ERR?\n"); // interrupts the answer that nobody read
-        QCOMPARE(read(first_, 99).first,
+        write(first, "CHAN1:SCAL 0.5;SCAL?");
+        write(second, "FOO;CHAN1:SCAL?");
+        viReadSTB(first, &statusByte);
+        QCOMPARE(statusByte, ViUInt16{0x14});                // a message, and an error in the queue
+        QCOMPARE(ask(first, "SYST:ERR?;:SYST:ERR?\n").first, // interrupts what nobody read
                  QByteArray("-113,\"Undefined header\";-410,\"Query INTERRUPTED\"\n"));
-        QCOMPARE(read(second_, 99).first, QByteArray("0.5\n"));
-        write(second_, "*OPC?");
-        QCOMPARE(viClear(second_), VI_SUCCESS);
-        QCOMPARE(read(second_, 99), nothing);
+        QCOMPARE(read(second, 99).first, QByteArray("0.5\n"));
+        write(second, "*OPC?");
+        QCOMPARE(viClear(second), VI_SUCCESS);
+        QCOMPARE(read(second, 99), nothing);
     }
 
+    /// Between setting and query of a message nobody else gets a turn.
     void twoThreadsAtOnce()
     {
-        // Between setting and query of a message nobody else gets a turn.
         const auto work = [this](const QByteArray &offset) {
+            bool right = true;
             for (int i = 0; i < 300; ++i) {
                 ViSession session = 0;
-                viOpen(manager_, "TCPIP::oscilloscope::INSTR", VI_NO_LOCK, 0, &session);
+                viOpen(manager, "TCPIP::oscilloscope::INSTR", VI_NO_LOCK, 0, &session);
                 viPrintf(session, "CHAN4:OFFS %s;:CHAN1:DATA?;:CHAN4:OFFS?\n", offset.data());
-                if (!read(session, 300000).first.endsWith(';' + offset + '\n') ||
-                    viClose(session) != VI_SUCCESS) {
-                    return false;
-                }
+                right = right && read(session, 300000).first.endsWith(';' + offset + '\n') &&
+                        viClose(session) == VI_SUCCESS;
             }
-            return true;
+            return right;
         };
         auto other = std::async(std::launch::async, work, "0.25");
         QVERIFY(work("0.125"));
@@ -391,16 +319,16 @@ private slots:
     {
         double scale = 0.0;
         std::array<char, 64> text{};
-        QCOMPARE(viPrintf(first_, "CHAN%hu:SCAL %.*f;POS %s%%\n", 2, 3, 0.25, "-2"), VI_SUCCESS);
-        QCOMPARE(viQueryf(first_, ":CHAN%d:SCAL?\n", "%lf", 2, &scale), VI_SUCCESS);
+        QCOMPARE(viPrintf(first, "CHAN%hu:SCAL %.*f;POS %s%%\n", 2, 3, 0.25, "-2"), VI_SUCCESS);
+        QCOMPARE(viQueryf(first, ":CHAN%d:SCAL?\n", "%lf", 2, &scale), VI_SUCCESS);
         QCOMPARE(scale, 0.25);
-        QCOMPARE(viPrintf(first_, "%s\n", "*IDN?;*OPC?"), VI_SUCCESS);
-        QCOMPARE(viScanf(first_, "Varnholt,%7s", text.data()), VI_SUCCESS);
+        QCOMPARE(viPrintf(first, "%s\n", "*IDN?;*OPC?"), VI_SUCCESS);
+        QCOMPARE(viScanf(first, "Varnholt,%7s", text.data()), VI_SUCCESS);
         QCOMPARE(QByteArray(text.data()), QByteArray("LPA4004"));
-        QCOMPARE(viScanf(first_, "%t", text.data()), VI_SUCCESS);
+        QCOMPARE(viScanf(first, "%t", text.data()), VI_SUCCESS);
         QVERIFY(QByteArray(text.data()).endsWith(";1\n"));
-        QCOMPARE(viScanf(first_, "%t", text.data()), VI_ERROR_TMO);
-        QCOMPARE(viPrintf(first_, "%n", 1), VI_ERROR_INV_FMT);
+        QCOMPARE(viScanf(first, "%t", text.data()), VI_ERROR_TMO);
+        QCOMPARE(viPrintf(first, "%n", 1), VI_ERROR_INV_FMT);
     }
 
     /// What is answered, and the first error that is left.
@@ -412,7 +340,7 @@ private slots:
         const char *const qan = "spectrum-analyzer-qan";
         const char *const qel = "spectrum-analyzer-qel";
         const char *const video = "video-analyzer";
-        using Exchange = std::tuple<const char *, const char *, QString>;
+        using Exchange = std::tuple<const char *, const char *, const char *>;
         for (const auto &[host, message, expected] : std::initializer_list<Exchange>{
                  {lpa, "chan:scal .05;POSITION -3;:channel1:scale?;pos?", "0.05;-3 / 0"},
                  {lpa, "CHAN4:SCAL 0.5;:CHAN2:SCAL?;:CHAN4:SCAL?", "0.2;0.5 / 0"},
@@ -444,31 +372,27 @@ private slots:
                  {video, "INIT:AVDA;READ:AVDA:TTV:STAT?;COUN?;*RST;READ:AVDA:TTV:STAT?",
                   "1;0;0 / 0"},
                  {video, "CONF:AVDA:TTV:APL:THR 101", " / -222"}}) {
-            OwnBench own;
-            Bench &bench = own.bench;
-            QString outcome = ask(bench, host, message) + " / ";
-            outcome += ask(bench, host, "SYST:ERR?").section(',', 0, 0);
-            QVERIFY2(outcome == expected, qPrintable(QString(message) + " gave " + outcome));
+            const OwnBench own;
+            QByteArray outcome = own.ask(host, message) + " / ";
+            outcome += own.ask(host, "SYST:ERR?").split(',')[0];
+            QVERIFY2(outcome == expected, message + QByteArray(" gave ") + outcome);
         }
     }
 
     void formatsCarryTheSameRecord()
     {
-        OwnBench own;
-        Bench &bench = own.bench;
-        Instrument &kvx = *bench.find("oscilloscope-kvx");
-        const auto texts = ask(bench, "oscilloscope-kvx", "ACQ:POIN 1000;:CHAN1:DATA?").split(',');
-        const auto values = floats(kvx.execute("FORM REAL,32;:CHAN1:DATA?"));
-        const auto pairs = floats(kvx.execute("EXP:WAV:INCX ON;:CHAN1:DATA?"));
-        QCOMPARE(texts.size(), 1000);
-        QCOMPARE(values.size(), 1000);
-        QCOMPARE(pairs.size(), 2000);
+        const OwnBench own;
+        const auto ask = [&](const char *message) { return own.ask("oscilloscope-kvx", message); };
+        const auto texts = ask("ACQ:POIN 1000;:CHAN1:DATA?").split(',');
+        const QByteArray block = ask("FORM REAL,32;:CHAN1:DATA?");
+        QVERIFY(block.startsWith("#44000"));
+        const auto values = floatsOf(block.mid(6));
+        const auto pairs = floatsOf(ask("EXP:WAV:INCX ON;:CHAN1:DATA?").mid(6));
+        QVERIFY(texts.size() == 1000 && values.size() == 1000 && pairs.size() == 2000);
         for (int k = 0; k < 1000; ++k) {
-            QCOMPARE(texts.at(k).toFloat(), values[k]);
-            QCOMPARE(pairs[2 * k + 1], values[k]);
+            QVERIFY(texts[k].toFloat() == values[k] && pairs[2 * k + 1] == values[k]);
         }
-        QCOMPARE(pairs[0], -0.5F);
-        QCOMPARE(pairs[1998], 0.5F);
+        QVERIFY(pairs[0] == -0.5F && pairs[1998] == 0.5F);
     }
 
     void nothingTriggersBeyondTheStep()
@@ -476,37 +400,33 @@ private slots:
         for (const char *settings :
              {"TRIG:A:LEV1 0.005", "TRIG:A:LEV1 0.15", "TRIG:A:EDGE:SLOP NEG", "TRIG:A:SOUR EXT"}) {
             OwnBench own;
-            Bench &bench = own.bench;
-            ask(bench, "video-analyzer", "INIT:AVDA");
-            ask(bench, "oscilloscope", QByteArray(settings) + ";*TRG");
-            QVERIFY2(std::isnan(bench.link().lastEvent().instants().rf), settings);
-            QCOMPARE(ask(bench, "video-analyzer", "READ:AVDA:TTV:COUN?"), QString("0"));
-            ask(bench, "oscilloscope", "*RST;SING;*TRG"); // the sequence waited
-            QCOMPARE(bench.link().lastEvent().instants().rf,
+            own.ask("video-analyzer", "INIT:AVDA");
+            own.ask("oscilloscope", QByteArray(settings) + ";*TRG");
+            QVERIFY2(std::isnan(own.bench.link().lastEvent().instants().rf), settings);
+            QCOMPARE(own.ask("video-analyzer", "READ:AVDA:TTV:COUN?"), QByteArray("0"));
+            own.ask("oscilloscope", "*RST;SING;*TRG"); // the sequence waited
+            QCOMPARE(own.bench.link().lastEvent().instants().rf,
                      OwnBench().bench.link().lastEvent().instants().rf);
         }
     }
 
-    void theSequenceIsTheSameAndPlausible()
+    void theSequenceIsPlausible()
     {
         LinkModel link;
-        LinkModel again;
         constexpr int events = 800;
-        Instants sum{0.0, 0.0, 0.0, 0.0};
+        double rf = 0.0;
+        double hdmi = 0.0;
+        double sink = 0.0;
         int overloads = 0;
         for (int i = 0; i < events; ++i) {
             link.trigger(powerUpTriggerLevel);
-            again.trigger(powerUpTriggerLevel);
             const Instants &instants = link.lastEvent().instants();
-            QCOMPARE(instants.sink, again.lastEvent().instants().sink);
-            sum.rf += 1000.0 * (instants.rf - instants.source);
-            sum.hdmiDelayMs += instants.hdmiDelayMs;
-            sum.sink += 1000.0 * (instants.sink - instants.source);
+            rf += 1000.0 * (instants.rf - instants.source) / events;
+            hdmi += instants.hdmiDelayMs / events;
+            sink += 1000.0 * (instants.sink - instants.source) / events;
             overloads += link.lastEvent().isOverloaded() ? 1 : 0;
         }
-        QVERIFY(std::abs(sum.rf / events - 45.0) < 1.0);
-        QVERIFY(std::abs(sum.hdmiDelayMs / events - 95.0) < 1.0);
-        QVERIFY(std::abs(sum.sink / events - 120.0) < 1.0);
+        QVERIFY(qAbs(rf - 45.0) < 1.0 && qAbs(hdmi - 95.0) < 1.0 && qAbs(sink - 120.0) < 1.0);
         QVERIFY(overloads > events / 25 && overloads < events / 10);
     }
 };

@@ -1,15 +1,14 @@
 #!/usr/bin/env bash
-# Fuzzes with one target for some seconds, from a copy of its corpus; any finding fails, and its
-# input is left in the scratch folder, which is made anew.
-# Usage: run.sh PROGRAM CORPUS SCRATCH SECONDS [LIBFUZZER-OPTION...]
+# Fuzzes with one target for some seconds; any finding fails, and its input is left in the scratch
+# folder, which is made anew.
+# Usage: run.sh PROGRAM SCRATCH SECONDS [LIBFUZZER-OPTION...]
 set -euo pipefail
 
-program=$1 corpus=$2 scratch=$3 seconds=$4
-shift 4
+program=$1 scratch=$2 seconds=$3
+shift 3
 
 rm -rf "$scratch"
-mkdir -p "$scratch"
-cp -r "$corpus" "$scratch/corpus"
+mkdir -p "$scratch/corpus"
 # The target's own files are in memory where there is room for them, and go however it ends.
 if [[ -w /dev/shm ]]; then
     TMPDIR=$(mktemp -d /dev/shm/orvanta-fuzz-XXXXXX)

@@ -1,0 +1,8 @@
+#include "Line.h"
+
+#include "instrument/VisaLibraryPath.h"
+
+QString visaLibraryPath()
+{
+    return Line::libraryPath;
+}

@@ -1,0 +1,93 @@
+// Traces from an instrument that sends what it likes, as it likes: their transfer, their delays and
+// their files. Input: the bytes that it sends; from its end, what it does at each call.
+
+#include "instrument/VisaBinding.h"
+#include "instrument/VisaLibraryPath.h"
+#include "measurement/DelayComputation.h"
+#include "measurement/RfEnvelope.h"
+#include "measurement/TimeAxis.h"
+#include "measurement/TraceFile.h"
+#include "measurement/WaveformTransfer.h"
+#include "Require.h"
+
+#include <QTemporaryDir>
+
+#include <cmath>
+#include <fuzzer/FuzzedDataProvider.h>
+
+namespace {
+
+FuzzedDataProvider *input = nullptr;
+QByteArray file; ///< what the last transfer wrote
+QString fileName;
+
+/// What the instrument sends at a call, and its status.
+std::pair<ViStatus, QByteArray> answer(ViUInt32 most)
+{
+    constexpr std::array<ViStatus, 6> statuses = {VI_SUCCESS,           VI_SUCCESS,
+                                                  VI_SUCCESS_TERM_CHAR, VI_ERROR_TMO,
+                                                  VI_ERROR_IO,          visaStatus(0xBFFF00A6)};
+    const ViStatus status = input->PickValueInArray(statuses);
+    const auto withheld = input->ConsumeIntegral<std::uint8_t>();
+    const auto bytes = input->ConsumeBytesAsString(most - std::min<ViUInt32>(most, withheld));
+    return {status, QByteArray::fromStdString(bytes)};
+}
+
+void bind()
+{
+    p_viRead = [](ViSession, ViByte *buffer, ViUInt32 count, ViUInt32 *returned) {
+        const auto [status, bytes] = answer(count);
+        std::copy(bytes.begin(), bytes.end(), buffer);
+        *returned = static_cast<ViUInt32>(bytes.size());
+        return status;
+    };
+    p_viReadToFile = [](ViSession, const ViChar *name, ViUInt32 count, ViUInt32 *) {
+        ViStatus status = VI_SUCCESS;
+        std::tie(status, file) = answer(count);
+        fileName = QFile::decodeName(name);
+        require(!QFile::exists(fileName) && write(fileName, file), "a file for each transfer");
+        return status;
+    };
+}
+
+} // namespace
+
+QString visaLibraryPath()
+{
+    return {};
+}
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    FuzzedDataProvider provider(data, size);
+    input = &provider;
+    bind();
+    const auto n = input->ConsumeIntegral<std::int32_t>();
+    const auto type = input->ConsumeIntegralInRange<int>(0, 1);
+    std::array<QVector<double>, 3> traces = {QVector<double>(5, 1.0)};
+    for (QVector<double> &trace : traces) {
+        const QVector<double> before = trace;
+        const bool done = readTrace(7, &trace);
+        const QVector<float> sent = floatsOf(file).mid(0, trace.size());
+        require(bytesOf(trace) ==
+                    bytesOf(done ? QVector<double>(sent.begin(), sent.end()) : before),
+                "a trace is what came, or what it was");
+        require(!QFile::exists(fileName), "the transfer's file is gone");
+    }
+
+    normaliseEnvelope(&traces[1]);
+    QVector<double> axis;
+    appendTimeAxis(traces[0].size(), type, &axis);
+    const Delays delays = computeDelays(n, traces[0], traces[1], traces[2], axis, type);
+    require(n == 1 || std::isfinite(delays.rfInstant), "an RF instant is on the axis");
+
+    static const QTemporaryDir directory;
+    const QString name = directory.filePath("trace.bin");
+    QVector<double> loaded;
+    int count = -1;
+    require(saveTrace(name, traces[0], n) == 0 && loadTrace(name, &loaded, &count) == 0 &&
+                count == std::clamp(n, 0, traces[0].size()) &&
+                bytesOf(loaded) == bytesOf(traces[0].mid(0, count)),
+            "a file has the first samples, no more than there are");
+    return 0;
+}
