@@ -1,0 +1,86 @@
+#pragma once
+
+#include "instrument/VisaTypes.h"
+
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace visa {
+
+/// By when a call must have ended; time_point::max() waits for ever.
+using Deadline = std::chrono::steady_clock::time_point;
+
+struct ResourceName;
+
+/// Why a read ended without an error.
+enum class ReadEnd
+{
+    Count,                ///< as many bytes as were asked for, and more to come
+    TerminationCharacter, ///< the last byte is the termination character
+    End,                  ///< the last byte came with END (IEEE 488.1), whatever byte it is
+};
+
+/// What became of a read. After an error the bytes before it count, too.
+struct ReadOutcome
+{
+    ViStatus status = 0; ///< 0, or an error
+    std::size_t count = 0;
+    ReadEnd end = ReadEnd::Count;
+};
+
+/// One client's connection to one device; the destructor ends it. Every call ends by its deadline
+/// and returns 0 or a negative VISA status: VI_ERROR_TMO, VI_ERROR_CONN_LOST, VI_ERROR_IO,
+/// VI_ERROR_RSRC_LOCKED, VI_ERROR_NSUP_OPER. Calls on one link never overlap.
+class Link
+{
+public:
+    Link() = default;
+    Link(const Link &) = delete;
+    Link &operator=(const Link &) = delete;
+    virtual ~Link() = default;
+
+    /// Write bytes, the last one with END if wanted. Sets written in any case.
+    virtual ViStatus write(const ViByte *bytes, std::size_t count, bool end, Deadline deadline,
+                           std::size_t *written) = 0;
+    /// Read at most count bytes, up to END or the termination character, if there is one. END
+    /// outranks the character, and both outrank the count.
+    virtual ReadOutcome read(ViByte *buffer, std::size_t count, std::optional<ViByte> termination,
+                             Deadline deadline) = 0;
+    /// Clear the device's input and output (IEEE 488.2 5.8).
+    virtual ViStatus clear(Deadline deadline) = 0;
+    /// Trigger the device (IEEE 488.1 group execute trigger, *TRG).
+    virtual ViStatus trigger(Deadline deadline) = 0;
+    /// Read the status byte (IEEE 488.2 11.2).
+    virtual ViStatus readStatusByte(Deadline deadline, ViUInt8 *statusByte) = 0;
+    /// Control remote and local state; the modes are those of viGpibControlREN.
+    virtual ViStatus controlRemote(ViUInt16 mode, Deadline deadline) = 0;
+    /// Lock the device for this link, waiting for other links' locks until the deadline; unlock.
+    virtual ViStatus lock(Deadline deadline) = 0;
+    virtual ViStatus unlock(Deadline deadline) = 0;
+};
+
+/// Where devices are found and links come from.
+class Backend
+{
+public:
+    Backend() = default;
+    Backend(const Backend &) = delete;
+    Backend &operator=(const Backend &) = delete;
+    virtual ~Backend() = default;
+
+    /// Connect to the device that a TCPIP INSTR resource names. Returns 0, or a negative status:
+    /// VI_ERROR_RSRC_NFOUND when there is none, VI_ERROR_TMO, VI_ERROR_ALLOC.
+    virtual ViStatus open(const ResourceName &name, Deadline deadline,
+                          std::unique_ptr<Link> *link) = 0;
+    /// Full resource strings of the devices that can be found, in the order of the listing.
+    virtual std::vector<std::string> list() = 0;
+};
+
+/// The backend of the library that is linked; every VISA library defines it, once.
+Backend &backend();
+
+} // namespace visa
