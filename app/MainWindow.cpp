@@ -1,11 +1,11 @@
 #include "app/MainWindow.h"
 
+#include "app/Globals.h"
 #include "app/graph/Graph.h"
 #include "app/SettingsDirectory.h"
 #include "instrument/InstrumentIo.h"
 #include "instrument/VisaBinding.h"
 #include "measurement/DelayComputation.h"
-#include "measurement/Globals.h"
 #include "measurement/MeasurementRun.h"
 #include "measurement/TraceFile.h"
 #include "measurement/WaveformTransfer.h"
@@ -40,6 +40,14 @@ void showOutcome(QPushButton *button, ViStatus status)
 bool isReady(const QPushButton *button)
 {
     return button->text() == readyText;
+}
+
+/// Leave the instants where the graph finds them.
+void publishInstants(const Instants &instants)
+{
+    t_src = instants.source;
+    t_rf = instants.rf;
+    t_snk = instants.sink;
 }
 
 } // namespace
@@ -99,20 +107,35 @@ int MainWindow::Meas(QVector<double> *d1, QVector<double> *d2, QVector<double> *
     settings.oscilloscope = oscilloscope;
     settings.spectrumAnalyzer = spectrumAnalyzer;
     settings.videoAnalyzer = videoAnalyzer;
-    settings.oscilloscopeType = OsTyp;
+    settings.oscilloscopeType = chosenOscilloscopeType();
     settings.rfFromOscilloscope = ui->SaIfDem->isChecked();
     settings.measureHdmi = VaHdmi;
     settings.count = ui->MeasCnt->text().toInt();
     settings.save = ui->SaveData->checkState() != Qt::Unchecked;
     settings.filePrefix = settingsDirectoryName;
-    return runSeries(settings, d1, d2, d3, t);
+
+    // The run works on values; this is the one place where they become program-wide.
+    Record record{std::move(*d1), std::move(*d2), std::move(*d3),
+                  std::move(*t),  NSmp,           {t_src, t_rf, t_snk}};
+    SeriesResults results;
+    const int outcome = runSeries(settings, &record, &results);
+    *d1 = std::move(record.source);
+    *d2 = std::move(record.rf);
+    *d3 = std::move(record.sink);
+    *t = std::move(record.time);
+    NSmp = record.samples;
+    publishInstants(record.instants);
+    mS2Rf = results.sourceToRf.mean;
+    mS2Hd = results.sourceToHdmi.mean;
+    mS2Snk = results.sourceToSink.mean;
+    return outcome;
 }
 
 void MainWindow::CalcDeltaT2(int pts, QVector<double> *d1, QVector<double> *d2, QVector<double> *d3,
                              QVector<double> *t, double *Src2Rf, double *Src2Snk)
 {
-    const Delays delays = computeDelays(pts, *d1, *d2, *d3, *t, OsTyp);
-    publishInstants(delays);
+    const Delays delays = computeDelays(pts, *d1, *d2, *d3, *t, chosenOscilloscopeType());
+    publishInstants(delays.instants);
     *Src2Rf = delays.sourceToRf;
     *Src2Snk = delays.sourceToSink;
 }
@@ -135,9 +158,9 @@ void MainWindow::on_OsInit_clicked()
     OscilloscopeSettings settings;
     settings.resource = ui->OsIp->text();
     settings.reset = ui->OsRst->isChecked();
-    settings.type = OsTyp;
+    settings.oscilloscopeType = chosenOscilloscopeType();
     settings.triggerLevel = ui->OsTrgLvl->text().toDouble();
-    settings.ifDemodulation = ui->SaIfDem->isChecked();
+    settings.rfFromOscilloscope = ui->SaIfDem->isChecked();
     showOutcome(ui->OsInit, setUpOscilloscope(resourceManager, settings, &oscilloscope));
     UndimStart();
 }
@@ -148,7 +171,7 @@ void MainWindow::on_SaInit_clicked()
     SpectrumAnalyzerSettings settings;
     settings.resource = ui->SaIp->text();
     settings.centerFrequency = ui->SaFrq->text().toDouble();
-    settings.oscilloscopeType = OsTyp;
+    settings.oscilloscopeType = chosenOscilloscopeType();
     // The panel's Reset and IF/video boxes steer nothing here: the analyzer is never reset, and
     // its IF output serves whether or not the oscilloscope listens.
     showOutcome(ui->SaInit, setUpSpectrumAnalyzer(resourceManager, settings, &spectrumAnalyzer));

@@ -1,8 +1,8 @@
 // The settings file: what MainWindow keeps from one session to the next, in INI format.
 
+#include "app/Globals.h"
 #include "app/MainWindow.h"
 #include "instrument/NumberText.h"
-#include "measurement/Globals.h"
 #include "ui_MainWindow.h"
 
 #include <QFile>

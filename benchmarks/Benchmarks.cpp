@@ -2,11 +2,11 @@
 
 #include "CannedVisa.h"
 
+#include "app/Globals.h"
 #include "app/graph/Graph.h"
 #include "app/MainWindow.h"
 #include "instrument/VisaBinding.h"
 #include "measurement/DelayComputation.h"
-#include "measurement/Globals.h"
 #include "measurement/RfEnvelope.h"
 #include "measurement/TimeAxis.h"
 #include "measurement/TraceFile.h"
@@ -28,22 +28,21 @@
 namespace {
 
 /// A record of the given number of samples with its three edges in the second half.
-struct Record
+Record recordOf(int samples)
 {
-    explicit Record(int samples) : source(samples, 0.005), rf(samples, 0.0), sink(samples, 0.01)
-    {
-        const int rfEdge = samples / 20 * 11;
-        const int sinkEdge = samples / 5 * 3;
-        std::fill(source.begin() + samples / 2, source.end(), 0.15);
-        std::fill(rf.begin() + rfEdge, rf.end(), 0.2);
-        std::fill(sink.begin() + sinkEdge, sink.end(), 0.12);
-        appendTimeAxis(samples, 0, &time);
-    }
-    QVector<double> source;
-    QVector<double> rf;
-    QVector<double> sink;
-    QVector<double> time;
-};
+    Record record;
+    const auto step = [samples](double from, int edge, double to) {
+        QVector<double> trace(samples, from);
+        std::fill(trace.begin() + edge, trace.end(), to);
+        return trace;
+    };
+    record.source = step(0.005, samples / 2, 0.15);
+    record.rf = step(0.0, samples / 20 * 11, 0.2);
+    record.sink = step(0.01, samples / 5 * 3, 0.12);
+    record.samples = samples;
+    appendTimeAxis(samples, OscilloscopeType::Kvx, &record.time);
+    return record;
+}
 
 QVector<double> recordPass(const Record &record)
 {
@@ -64,10 +63,12 @@ QVector<double> recordPass(const Record &record)
 
 void measurement(benchmark::State &state)
 {
-    const SeriesSettings settings = canned::series(static_cast<int>(state.range(0)));
+    const SeriesSettings settings = canned::series(OscilloscopeType(state.range(0)));
+    Record record;
+    SeriesResults results;
     for (auto _ : state) {
-        t.resize(0); // keeps its memory, which a series needs once
-        benchmark::DoNotOptimize(runSeries(settings, &d1_src, &d2_rf, &d3_snk, &t));
+        record.time.resize(0); // keeps its memory, which a series needs once
+        benchmark::DoNotOptimize(runSeries(settings, &record, &results));
     }
 }
 
@@ -81,7 +82,7 @@ void transfer(benchmark::State &state)
 
 void normalisation(benchmark::State &state)
 {
-    Record record(static_cast<int>(state.range(0)));
+    Record record = recordOf(static_cast<int>(state.range(0)));
     for (auto _ : state) {
         normaliseEnvelope(&record.rf);
         benchmark::ClobberMemory();
@@ -91,10 +92,10 @@ void normalisation(benchmark::State &state)
 void delayComputation(benchmark::State &state)
 {
     const auto samples = static_cast<int>(state.range(0));
-    const Record record(samples);
+    const Record record = recordOf(samples);
     for (auto _ : state) {
-        benchmark::DoNotOptimize(
-            computeDelays(samples, record.source, record.rf, record.sink, record.time, 0));
+        benchmark::DoNotOptimize(computeDelays(samples, record.source, record.rf, record.sink,
+                                               record.time, OscilloscopeType::Kvx));
     }
 }
 
@@ -104,14 +105,14 @@ void timeAxis(benchmark::State &state)
     QVector<double> axis;
     for (auto _ : state) {
         axis.resize(0);
-        appendTimeAxis(samples, 0, &axis);
+        appendTimeAxis(samples, OscilloscopeType::Kvx, &axis);
         benchmark::ClobberMemory();
     }
 }
 
 void traceFiles(benchmark::State &state)
 {
-    const Record record(canned::recordLength);
+    const Record record = recordOf(canned::recordLength);
     const QTemporaryDir directory;
     for (auto _ : state) {
         saveTrace(directory.filePath("src.bin"), record.source, canned::recordLength);
@@ -122,7 +123,7 @@ void traceFiles(benchmark::State &state)
 
 void graph(benchmark::State &state)
 {
-    const Record record(canned::recordLength);
+    const Record record = recordOf(canned::recordLength);
     d1_src = record.source;
     d2_rf = record.rf;
     d3_snk = record.sink;
@@ -145,7 +146,7 @@ void mainWindow(benchmark::State &state)
 /// Floor: every VISA call of a measurement but the files, with nothing between them.
 void bareExchanges(benchmark::State &state)
 {
-    const canned::Exchanges exchanges = canned::exchanges(static_cast<int>(state.range(0)));
+    const canned::Exchanges exchanges = canned::exchanges(OscilloscopeType(state.range(0)));
     std::array<ViByte, 100> buffer{};
     const auto write = [](const QByteArray &command) {
         p_viWrite(1, reinterpret_cast<const ViByte *>(command.constData()),
@@ -186,7 +187,7 @@ void fileRoundTrip(benchmark::State &state)
 /// Floor: read the three traces once.
 void onePass(benchmark::State &state)
 {
-    const Record record(static_cast<int>(state.range(0)));
+    const Record record = recordOf(static_cast<int>(state.range(0)));
     for (auto _ : state) {
         benchmark::DoNotOptimize(recordPass(record));
     }

@@ -110,24 +110,24 @@ void canned::bind()
     p_viReadToFile = readToFile;
 }
 
-SeriesSettings canned::series(int oscilloscopeType)
+SeriesSettings canned::series(OscilloscopeType type)
 {
     SeriesSettings settings;
     settings.oscilloscope = 1;
     settings.spectrumAnalyzer = 2;
     settings.videoAnalyzer = 3;
-    settings.oscilloscopeType = oscilloscopeType;
-    settings.rfFromOscilloscope = oscilloscopeType == 0;
+    settings.oscilloscopeType = type;
+    settings.rfFromOscilloscope = type == OscilloscopeType::Kvx;
     settings.measureHdmi = true;
     settings.count = 1;
     return settings;
 }
 
-canned::Exchanges canned::exchanges(int oscilloscopeType)
+canned::Exchanges canned::exchanges(OscilloscopeType type)
 {
     const QByteArrayList hdmi = {"READ:AVDA:TTV:STAT?\n", "READ:AVDA:TTV:COUN?\n",
                                  "READ:AVDA:TTV:VAL?\n"};
-    if (oscilloscopeType == 0) {
+    if (type == OscilloscopeType::Kvx) {
         return {QByteArrayList{"INIT:CONT OFF;*OPC?\n", "INIT:CONT OFF;*OPC?\n", "*TRG;*OPC?\n",
                                "FORM REAL,32;*OPC?\n", "RUNC;*OPC?\n", "INIT:CONT ON;*OPC?\n"} +
                     hdmi,

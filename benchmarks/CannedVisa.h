@@ -15,7 +15,7 @@ constexpr int recordLength = 20000;
 void bind();
 
 /// A series of one measurement with all three instruments, for an oscilloscope type.
-SeriesSettings series(int oscilloscopeType);
+SeriesSettings series(OscilloscopeType type);
 
 /// The commands of one measurement, traces last.
 struct Exchanges
@@ -23,6 +23,6 @@ struct Exchanges
     QByteArrayList queries;
     QByteArrayList traces;
 };
-Exchanges exchanges(int oscilloscopeType);
+Exchanges exchanges(OscilloscopeType type);
 
 } // namespace canned

@@ -1,6 +1,5 @@
 #include "measurement/DelayComputation.h"
 
-#include "measurement/Globals.h"
 #include "measurement/TimeAxis.h"
 
 namespace {
@@ -49,28 +48,17 @@ int sinkEdge(int n, const QVector<double> &sink)
 } // namespace
 
 Delays computeDelays(int n, const QVector<double> &source, const QVector<double> &rf,
-                     const QVector<double> &sink, const QVector<double> &time, int oscilloscopeType)
+                     const QVector<double> &sink, const QVector<double> &time,
+                     OscilloscopeType type)
 {
     const auto instant = [&](int index) {
-        return index < time.size() ? time[index] : sampleInstant(index, n, oscilloscopeType);
+        return index < time.size() ? time[index] : sampleInstant(index, n, type);
     };
 
     const int s = sourceEdge(n, source);
-    Delays delays{};
-    delays.sourceInstant = instant(s);
-    delays.rfInstant = sampleInstant(rfEdge(n, rf, s), n, oscilloscopeType);
-    delays.sinkInstant = instant(sinkEdge(n, sink));
+    const Instants at = {instant(s), sampleInstant(rfEdge(n, rf, s), n, type),
+                         instant(sinkEdge(n, sink))};
     // An RF instant on the trigger itself reports no delay.
-    delays.sourceToRf = delays.rfInstant == 0.0
-                            ? 0.0
-                            : (delays.rfInstant - delays.sourceInstant) * millisecondsPerSecond;
-    delays.sourceToSink = (delays.sinkInstant - delays.sourceInstant) * millisecondsPerSecond;
-    return delays;
-}
-
-void publishInstants(const Delays &delays)
-{
-    t_src = delays.sourceInstant;
-    t_rf = delays.rfInstant;
-    t_snk = delays.sinkInstant;
+    const double sourceToRf = at.rf == 0.0 ? 0.0 : (at.rf - at.source) * millisecondsPerSecond;
+    return {at, sourceToRf, (at.sink - at.source) * millisecondsPerSecond};
 }

@@ -1,9 +1,7 @@
 #include "measurement/MeasurementRun.h"
 
+#include "instrument/CommandChain.h"
 #include "instrument/InstrumentIo.h"
-#include "measurement/DelayComputation.h"
-#include "measurement/Globals.h"
-#include "measurement/ResultsFile.h"
 #include "measurement/RfEnvelope.h"
 #include "measurement/TimeAxis.h"
 #include "measurement/TraceFile.h"
@@ -19,52 +17,56 @@ namespace {
 constexpr double lowestStart = -0.05;
 constexpr double highestStart = 0.3;
 
-ViStatus send(ViSession session, const QString &command)
-{
-    QString reply;
-    return iaQueryf_s(session, command, &reply);
-}
-
 /// Fetch the source trace; its length becomes the record length.
-bool fetchSource(ViSession oscilloscope, QVector<double> *source)
+bool fetchSource(ViSession oscilloscope, Record *record)
 {
-    const bool fetched = queryTrace(oscilloscope, "CHAN1:DATA?\n", source);
+    const bool fetched = queryTrace(oscilloscope, "CHAN1:DATA?\n", &record->source);
     if (fetched) {
-        NSmp = source->size();
+        record->samples = record->source.size();
     }
     return fetched;
 }
 
-void acquireKvx(const SeriesSettings &settings, QVector<double> *source)
+void acquireKvx(const SeriesSettings &settings, Record *record)
 {
-    if (send(settings.oscilloscope, "INIT:CONT OFF;*OPC?\n") == VI_SUCCESS &&
-        send(settings.oscilloscope, "*TRG;*OPC?\n") == VI_SUCCESS &&
-        send(settings.oscilloscope, "FORM REAL,32;*OPC?\n") == VI_SUCCESS) {
-        fetchSource(settings.oscilloscope, source);
+    const QStringList takeRecord = {
+        "INIT:CONT OFF;*OPC?\n",
+        "*TRG;*OPC?\n",
+        "FORM REAL,32;*OPC?\n",
+    };
+    if (sendOrStop(settings.oscilloscope, takeRecord) == VI_SUCCESS) {
+        fetchSource(settings.oscilloscope, record);
     }
 }
 
-void acquireLpa4004(const SeriesSettings &settings, QVector<double> *source)
+void acquireLpa4004(const SeriesSettings &settings, Record *record)
 {
-    send(settings.oscilloscope, "SING;*OPC?\n"); // its status is ignored
-    if (send(settings.oscilloscope, "FORM REAL,32;*OPC?\n") == VI_SUCCESS &&
-        send(settings.oscilloscope, "*TRG;*OPC?\n") == VI_SUCCESS &&
-        fetchSource(settings.oscilloscope, source)) {
+    const QStringList takeRecord = {
+        "FORM REAL,32;*OPC?\n",
+        "*TRG;*OPC?\n",
+    };
+    sendOrStopAndIgnore(settings.oscilloscope, {"SING;*OPC?\n"});
+    if (sendOrStop(settings.oscilloscope, takeRecord) == VI_SUCCESS &&
+        fetchSource(settings.oscilloscope, record)) {
         // As many points in the analyzer's trace as in the record.
-        send(settings.spectrumAnalyzer, "SWE:POIN " + QString::number(NSmp) + ";*OPC?\n");
+        sendOrStopAndIgnore(settings.spectrumAnalyzer,
+                            {"SWE:POIN " + QString::number(record->samples) + ";*OPC?\n"});
     }
 }
 
 /// Take one record: arm the analyzer, trigger the oscilloscope, fetch the source.
-void acquire(const SeriesSettings &settings, QVector<double> *source)
+void acquire(const SeriesSettings &settings, Record *record)
 {
-    if (send(settings.spectrumAnalyzer, "INIT:CONT OFF;*OPC?\n") != VI_SUCCESS) {
+    if (sendOrStop(settings.spectrumAnalyzer, {"INIT:CONT OFF;*OPC?\n"}) != VI_SUCCESS) {
         return;
     }
-    if (settings.oscilloscopeType == 0) {
-        acquireKvx(settings, source);
-    } else {
-        acquireLpa4004(settings, source);
+    switch (settings.oscilloscopeType) {
+    case OscilloscopeType::Kvx:
+        acquireKvx(settings, record);
+        break;
+    case OscilloscopeType::Lpa4004:
+        acquireLpa4004(settings, record);
+        break;
     }
 }
 
@@ -75,12 +77,13 @@ bool isPlausible(const QVector<double> &source)
     return source.isEmpty() || (source[0] > lowestStart && source[0] < highestStart);
 }
 
-void fetchRf(const SeriesSettings &settings, QVector<double> *rf)
+void fetchRf(const SeriesSettings &settings, Record *record)
 {
     if (settings.rfFromOscilloscope) {
-        queryTrace(settings.oscilloscope, "CHAN3:DATA?\n", rf);
-    } else if (send(settings.spectrumAnalyzer, "FORM REAL,32;*OPC?\n") == VI_SUCCESS) {
-        queryTrace(settings.spectrumAnalyzer, "TRAC? TRACE1, " + QString::number(NSmp) + "\n", rf);
+        queryTrace(settings.oscilloscope, "CHAN3:DATA?\n", &record->rf);
+    } else if (sendOrStop(settings.spectrumAnalyzer, {"FORM REAL,32;*OPC?\n"}) == VI_SUCCESS) {
+        queryTrace(settings.spectrumAnalyzer,
+                   "TRAC? TRACE1, " + QString::number(record->samples) + "\n", &record->rf);
     }
 }
 
@@ -98,8 +101,15 @@ void readHdmiDelay(ViSession videoAnalyzer, double *delay)
 /// Return both instruments to free run.
 void release(const SeriesSettings &settings)
 {
-    send(settings.oscilloscope, settings.oscilloscopeType == 0 ? "RUNC;*OPC?\n" : "RUN;*OPC?\n");
-    send(settings.spectrumAnalyzer, "INIT:CONT ON;*OPC?\n");
+    switch (settings.oscilloscopeType) {
+    case OscilloscopeType::Kvx:
+        sendOrStopAndIgnore(settings.oscilloscope, {"RUNC;*OPC?\n"});
+        break;
+    case OscilloscopeType::Lpa4004:
+        sendOrStopAndIgnore(settings.oscilloscope, {"RUN;*OPC?\n"});
+        break;
+    }
+    sendOrStopAndIgnore(settings.spectrumAnalyzer, {"INIT:CONT ON;*OPC?\n"});
 }
 
 /// The sum of all values over the count that was asked for: NaN for a count of 0.
@@ -108,9 +118,7 @@ double mean(const QVector<double> &values, int count)
     return std::accumulate(values.begin(), values.end(), 0.0) / count;
 }
 
-int saveSeries(const SeriesSettings &settings, const SeriesResults &results,
-               const QVector<double> &source, const QVector<double> &rf,
-               const QVector<double> &sink)
+int saveSeries(const SeriesSettings &settings, const SeriesResults &results, const Record &record)
 {
     const QString prefix =
         settings.filePrefix + QDateTime::currentDateTime().toString("yyyy-MM-dd_hh-mm-ss_");
@@ -120,49 +128,44 @@ int saveSeries(const SeriesSettings &settings, const SeriesResults &results,
     // Every set holds the last measurement's traces; only the numbers follow the count.
     for (int i = 0; i < settings.count; ++i) {
         const QString set = prefix + QString("%1").arg(i + 1, 3, 10, QChar('0'));
-        saveTrace(set + "_src.bin", source, NSmp);
-        saveTrace(set + "_rf.bin", rf, NSmp);
-        saveTrace(set + "_snk.bin", sink, NSmp);
+        saveTrace(set + "_src.bin", record.source, record.samples);
+        saveTrace(set + "_rf.bin", record.rf, record.samples);
+        saveTrace(set + "_snk.bin", record.sink, record.samples);
     }
     return 0;
 }
 
 } // namespace
 
-int runSeries(const SeriesSettings &settings, QVector<double> *source, QVector<double> *rf,
-              QVector<double> *sink, QVector<double> *time)
+int runSeries(const SeriesSettings &settings, Record *record, SeriesResults *results)
 {
-    SeriesResults results;
+    *results = {};
     for (int i = 0; i < settings.count; ++i) {
         do {
-            acquire(settings, source);
-            appendTimeAxis(NSmp, settings.oscilloscopeType, time);
-        } while (!isPlausible(*source));
+            acquire(settings, record);
+            appendTimeAxis(record->samples, settings.oscilloscopeType, &record->time);
+        } while (!isPlausible(record->source));
 
-        fetchRf(settings, rf);
-        normaliseEnvelope(rf);
+        fetchRf(settings, record);
+        normaliseEnvelope(&record->rf);
         double hdmiDelay = 0.0;
         if (settings.measureHdmi) {
             readHdmiDelay(settings.videoAnalyzer, &hdmiDelay);
         }
-        queryTrace(settings.oscilloscope, "CHAN2:DATA?\n", sink);
+        queryTrace(settings.oscilloscope, "CHAN2:DATA?\n", &record->sink);
 
-        const Delays delays =
-            computeDelays(NSmp, *source, *rf, *sink, *time, settings.oscilloscopeType);
-        publishInstants(delays);
-        results.sourceToRf.values.append(delays.sourceToRf);
-        results.sourceToHdmi.values.append(hdmiDelay);
-        results.sourceToSink.values.append(delays.sourceToSink);
+        const Delays delays = computeDelays(record->samples, record->source, record->rf,
+                                            record->sink, record->time, settings.oscilloscopeType);
+        record->instants = delays.instants;
+        results->sourceToRf.values.append(delays.sourceToRf);
+        results->sourceToHdmi.values.append(hdmiDelay);
+        results->sourceToSink.values.append(delays.sourceToSink);
     }
     release(settings);
 
     for (DelaySeries *series :
-         {&results.sourceToRf, &results.sourceToHdmi, &results.sourceToSink}) {
+         {&results->sourceToRf, &results->sourceToHdmi, &results->sourceToSink}) {
         series->mean = mean(series->values, settings.count);
     }
-    mS2Rf = results.sourceToRf.mean;
-    mS2Hd = results.sourceToHdmi.mean;
-    mS2Snk = results.sourceToSink.mean;
-
-    return settings.save ? saveSeries(settings, results, *source, *rf, *sink) : 0;
+    return settings.save ? saveSeries(settings, *results, *record) : 0;
 }

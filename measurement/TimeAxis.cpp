@@ -4,13 +4,14 @@
 
 #include <new>
 
-double sampleInstant(int index, int samples, int oscilloscopeType)
+double sampleInstant(int index, int samples, OscilloscopeType type)
 {
     const double last = static_cast<double>(samples) - 1.0;
-    return oscilloscopeType == 0 ? index / last - 0.5 : 1.2 * index / last - 0.6;
+    const double span = recordSpan(type);
+    return span * index / last - span / 2;
 }
 
-void appendTimeAxis(int samples, int oscilloscopeType, QVector<double> *axes)
+void appendTimeAxis(int samples, OscilloscopeType type, QVector<double> *axes)
 {
     const int first = axes->size();
     const int count = qBound(0, samples, maxVectorSize - first);
@@ -21,6 +22,6 @@ void appendTimeAxis(int samples, int oscilloscopeType, QVector<double> *axes)
     }
     double *axis = axes->data() + first;
     for (int k = 0; k < count; ++k) {
-        axis[k] = sampleInstant(k, samples, oscilloscopeType);
+        axis[k] = sampleInstant(k, samples, type);
     }
 }

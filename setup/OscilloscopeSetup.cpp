@@ -1,8 +1,8 @@
 #include "setup/OscilloscopeSetup.h"
 
+#include "instrument/CommandChain.h"
 #include "instrument/InstrumentIo.h"
 #include "instrument/NumberText.h"
-#include "setup/CommandChain.h"
 #include "setup/InstrumentSession.h"
 
 namespace {
@@ -10,7 +10,7 @@ namespace {
 constexpr ViAttrState ioTimeout = 5000; // ms
 constexpr int recordLength = 20000;     // samples
 
-ViStatus setUpKvx(ViSession session, double triggerLevel, bool ifDemodulation)
+ViStatus setUpKvx(ViSession session, double triggerLevel, bool rfFromOscilloscope)
 {
     const QStringList recordAndChannels = {
         "ACQ:POIN:AUTO 1;*OPC?\n",
@@ -44,13 +44,13 @@ ViStatus setUpKvx(ViSession session, double triggerLevel, bool ifDemodulation)
     // clang-format on
 
     ViStatus status = sendOrStop(session, recordAndChannels);
-    if (status == VI_SUCCESS && ifDemodulation) {
+    if (status == VI_SUCCESS && rfFromOscilloscope) {
         status = sendOrFallBack(session, ifChannel);
     }
     if (status != VI_SUCCESS) {
         return status; // without Go To Local
     }
-    sendOrIgnore(session, timeBase);
+    sendOrStopAndIgnore(session, timeBase);
     status = sendOrStop(session, triggerAndExport);
     iaGpibControlREN(session, VI_GPIB_REN_ADDRESS_GTL);
     return status;
@@ -104,9 +104,16 @@ ViStatus setUpOscilloscope(ViSession resourceManager, const OscilloscopeSettings
         status = sendOrStop(*session, {"SYST:ERR?\n"});
     }
     if (status == VI_SUCCESS && settings.reset) {
-        sendOrIgnore(*session, {"*RST;*OPC?\n"});
+        sendOrStopAndIgnore(*session, {"*RST;*OPC?\n"});
     }
     // Attempted whatever happened before: on a session that is none the first command fails.
-    return settings.type == 0 ? setUpKvx(*session, settings.triggerLevel, settings.ifDemodulation)
-                              : setUpLpa4004(*session, settings.triggerLevel);
+    switch (settings.oscilloscopeType) {
+    case OscilloscopeType::Kvx:
+        status = setUpKvx(*session, settings.triggerLevel, settings.rfFromOscilloscope);
+        break;
+    case OscilloscopeType::Lpa4004:
+        status = setUpLpa4004(*session, settings.triggerLevel);
+        break;
+    }
+    return status;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "instrument/OscilloscopeType.h"
 #include "instrument/VisaTypes.h"
 
 #include <QString>
@@ -7,11 +8,11 @@
 /// What the operator chooses for the oscilloscope.
 struct OscilloscopeSettings
 {
-    QString resource;            ///< VISA resource string
-    bool reset = false;          ///< reset the instrument first
-    int type = 0;                ///< command dialect: 0 "KVx", otherwise "LPA4004"
-    double triggerLevel = 0.0;   ///< volts
-    bool ifDemodulation = false; ///< channel 3 takes the analyzer's IF/video output (KVx only)
+    QString resource;   ///< VISA resource string
+    bool reset = false; ///< reset the instrument first
+    OscilloscopeType oscilloscopeType = OscilloscopeType::Kvx;
+    double triggerLevel = 0.0;       ///< volts
+    bool rfFromOscilloscope = false; ///< channel 3 takes the analyzer's IF/video output (KVx only)
 };
 
 /// Open the oscilloscope and configure its channels, a time base of 1 s (KVx) or 1.2 s (LPA4004)

@@ -1,15 +1,13 @@
 #include "setup/SpectrumAnalyzerSetup.h"
 
+#include "instrument/CommandChain.h"
 #include "instrument/InstrumentIo.h"
 #include "instrument/NumberText.h"
-#include "setup/CommandChain.h"
 #include "setup/InstrumentSession.h"
 
 namespace {
 
 constexpr ViAttrState ioTimeout = 5000; // ms
-constexpr double sweepTimeKvx = 1.0;    // seconds, as long as the oscilloscope's record
-constexpr double sweepTimeLpa4004 = 1.2;
 constexpr int sweepPoints = 20001;
 constexpr double triggerHoldOff = -0.6; // seconds: the sweep begins before the trigger
 
@@ -31,7 +29,7 @@ ViStatus setUpSpectrumAnalyzer(ViSession resourceManager, const SpectrumAnalyzer
     const QString identity = openAndIdentify(resourceManager, settings.resource, session);
     // The QANX models are named for the reader: the shorter name finds them too.
     if (identity.contains("QAN") || identity.contains("QANX")) {
-        sendOrIgnore(*session, {"FREQ:MODE SW;*OPC?\n"});
+        sendOrStopAndIgnore(*session, {"FREQ:MODE SW;*OPC?\n"});
     }
 
     const QStringList zeroSpan = {
@@ -41,9 +39,8 @@ ViStatus setUpSpectrumAnalyzer(ViSession resourceManager, const SpectrumAnalyzer
         "FREQ:SPAN 0;*OPC?\n",
         "TRIG1:SOUR EXT;*OPC?\n",
     };
-    const double sweepTime = settings.oscilloscopeType == 0 ? sweepTimeKvx : sweepTimeLpa4004;
     const QStringList sweepAndBandwidths = {
-        "SWE:TIME " + numberText(sweepTime) + ";*OPC?\n",
+        "SWE:TIME " + numberText(recordSpan(settings.oscilloscopeType)) + ";*OPC?\n",
         "SWE:POIN " + QString::number(sweepPoints) + ";*OPC?\n",
         "SWE:TYPE SWE;SWE:OPT;BWID:FFT AUTO;*OPC?\n",
         "BWID 50e6;*OPC?\n",
@@ -62,11 +59,11 @@ ViStatus setUpSpectrumAnalyzer(ViSession resourceManager, const SpectrumAnalyzer
         };
     }
 
-    sendOrIgnore(*session, zeroSpan);
+    sendOrStopAndIgnore(*session, zeroSpan);
     const ViStatus status = sendOrStop(*session, sweepAndBandwidths);
     if (status != VI_SUCCESS) {
         return status;
     }
-    sendOrIgnore(*session, triggerAndIfOutput);
+    sendOrStopAndIgnore(*session, triggerAndIfOutput);
     return iaGpibControlREN(*session, VI_GPIB_REN_ADDRESS_GTL);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "instrument/OscilloscopeType.h"
 #include "instrument/VisaTypes.h"
 
 #include <QString>
@@ -9,7 +10,8 @@ struct SpectrumAnalyzerSettings
 {
     QString resource;             ///< VISA resource string
     double centerFrequency = 0.0; ///< hertz
-    int oscilloscopeType = 0;     ///< the sweep lasts as long as this oscilloscope's record
+    /// The sweep lasts as long as this oscilloscope's record.
+    OscilloscopeType oscilloscopeType = OscilloscopeType::Kvx;
 };
 
 /// Open the spectrum analyzer and put it into zero span with an external trigger, wide bandwidths

@@ -1,8 +1,8 @@
 #include "setup/VideoAnalyzerSetup.h"
 
+#include "instrument/CommandChain.h"
 #include "instrument/InstrumentIo.h"
 #include "instrument/NumberText.h"
-#include "setup/CommandChain.h"
 #include "setup/InstrumentSession.h"
 
 namespace {
@@ -26,7 +26,7 @@ ViStatus setUpVideoAnalyzer(ViSession resourceManager, const VideoAnalyzerSettin
         return status;
     }
     if (settings.reset) {
-        sendOrIgnore(*session, {"*RST;*OPC?\n"});
+        sendOrStopAndIgnore(*session, {"*RST;*OPC?\n"});
     }
     status = sendOrStop(*session, delayMeasurement);
     return status == VI_SUCCESS ? iaGpibControlREN(spectrumAnalyzer, VI_GPIB_REN_ADDRESS_GTL)

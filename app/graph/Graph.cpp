@@ -1,7 +1,7 @@
 #include "app/graph/Graph.h"
 
+#include "app/Globals.h"
 #include "instrument/NumberText.h"
-#include "measurement/Globals.h"
 #include "ui_Graph.h"
 
 #include <QCoreApplication>
@@ -47,7 +47,7 @@ Graph::Graph(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui_Graph>()
     ui->setupUi(this);
     QwtPlot *plot = ui->plt;
 
-    const double halfSpan = OsTyp == 0 ? 0.5 : 0.6; // seconds
+    const double halfSpan = recordSpan(chosenOscilloscopeType()) / 2; // seconds
     plot->setAxisScale(QwtPlot::xBottom, -halfSpan, halfSpan);
     plot->setAxisScaleEngine(QwtPlot::xBottom, new QwtLinearScaleEngine(10));
     plot->setAxisTitle(QwtPlot::xBottom, "Time / s");

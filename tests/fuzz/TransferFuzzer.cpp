@@ -63,7 +63,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     input = &provider;
     bind();
     const auto n = input->ConsumeIntegral<std::int32_t>();
-    const auto type = input->ConsumeIntegralInRange<int>(0, 1);
+    const auto type = input->ConsumeBool() ? OscilloscopeType::Kvx : OscilloscopeType::Lpa4004;
     std::array<QVector<double>, 3> traces = {QVector<double>(5, 1.0)};
     for (QVector<double> &trace : traces) {
         const QVector<double> before = trace;
@@ -79,7 +79,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     QVector<double> axis;
     appendTimeAxis(traces[0].size(), type, &axis);
     const Delays delays = computeDelays(n, traces[0], traces[1], traces[2], axis, type);
-    require(n == 1 || std::isfinite(delays.rfInstant), "an RF instant is on the axis");
+    require(n == 1 || std::isfinite(delays.instants.rf), "an RF instant is on the axis");
 
     static const QTemporaryDir directory;
     const QString name = directory.filePath("trace.bin");

@@ -1,4 +1,4 @@
-#include "setup/CommandChain.h"
+#include "instrument/CommandChain.h"
 
 #include "instrument/InstrumentIo.h"
 
@@ -28,7 +28,7 @@ ViStatus sendOrFallBack(ViSession session, const QStringList &commands)
     return status;
 }
 
-void sendOrIgnore(ViSession session, const QStringList &commands)
+void sendOrStopAndIgnore(ViSession session, const QStringList &commands)
 {
     static_cast<void>(sendOrStop(session, commands));
 }

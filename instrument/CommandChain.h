@@ -16,4 +16,4 @@
 [[nodiscard]] ViStatus sendOrFallBack(ViSession session, const QStringList &commands);
 
 /// Send the commands in order until one fails, and ignore the failure.
-void sendOrIgnore(ViSession session, const QStringList &commands);
+void sendOrStopAndIgnore(ViSession session, const QStringList &commands);

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "instrument/OscilloscopeType.h"
+
 #include <QVector>
 
-// What the window, the measurement run and the result graph share. Everything starts at zero or
+// What the window and the result graph share. Everything starts at zero or
 // empty and keeps its value from one series to the next.
 
-inline int OsTyp = 0;       ///< oscilloscope dialect: 0 "KVx", otherwise "LPA4004"
+inline int OsTyp = 0;       ///< index of the oscilloscope type: 0 "KVx", otherwise "LPA4004"
 inline bool VaHdmi = false; ///< the video analyzer takes part
 
 inline QVector<double> d1_src; ///< source trace of the last record, volts
@@ -22,3 +24,9 @@ inline double t_snk = 0.0; ///< instant of the sink edge
 inline double mS2Rf = 0.0;  ///< mean delay of the last series, source to RF, milliseconds
 inline double mS2Hd = 0.0;  ///< source to HDMI
 inline double mS2Snk = 0.0; ///< source to sink
+
+/// The dialect that OsTyp means.
+inline OscilloscopeType chosenOscilloscopeType()
+{
+    return OsTyp == 0 ? OscilloscopeType::Kvx : OscilloscopeType::Lpa4004;
+}
