@@ -20,7 +20,8 @@ may_include() {
 may_include instrument 'no others'
 may_include setup 'instrument/.*'
 may_include measurement 'instrument/.*'
-may_include app '(instrument|setup|measurement)/.*'
+may_include plot 'no others'
+may_include app '(instrument|setup|measurement|plot)/.*'
 may_include simulator 'instrument/VisaTypes\.h'
 
 exit "$failed"
