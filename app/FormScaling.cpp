@@ -34,6 +34,20 @@ public:
     }
 };
 
+/// Make the platform's font smaller where the forms have no place for it.
+void fitFont()
+{
+    QFont font = QApplication::font();
+    int size = QFontInfo(font).pixelSize();
+    const int usualSize = size;
+    while (size > 1 && QFontMetrics(font).horizontalAdvance(narrowestText) > narrowestPlace) {
+        font.setPixelSize(--size);
+    }
+    if (size < usualSize) {
+        QApplication::setFont(font);
+    }
+}
+
 } // namespace
 
 void scaleFormsWithScreen()
@@ -47,13 +61,7 @@ void fitTextToForms()
 {
     QApplication::setStyle(new PointIsPixelStyle);
 
-    QFont font = QApplication::font();
-    int size = QFontInfo(font).pixelSize();
-    const int usualSize = size;
-    while (size > 1 && QFontMetrics(font).horizontalAdvance(narrowestText) > narrowestPlace) {
-        font.setPixelSize(--size);
-    }
-    if (size < usualSize) {
-        QApplication::setFont(font);
-    }
+    fitFont();
+    // Some platform themes set their font once the event loop runs.
+    QObject::connect(qGuiApp, &QGuiApplication::fontChanged, [] { fitFont(); });
 }

@@ -1,5 +1,6 @@
 #include "app/MainWindow.h"
 
+#include "app/Busy.h"
 #include "app/Globals.h"
 #include "app/graph/Graph.h"
 #include "app/SettingsDirectory.h"
@@ -18,19 +19,13 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QRegularExpressionValidator>
 
 namespace {
 
 // The text of an Init button is the only record of an instrument's readiness.
 const QString notReadyText = QStringLiteral("Init");
 const QString readyText = QStringLiteral("Ready");
-
-/// Take the button's readiness back, and paint it before the set-up blocks the event loop.
-void showSettingUp(QPushButton *button)
-{
-    button->setText(notReadyText);
-    QCoreApplication::processEvents();
-}
 
 void showOutcome(QPushButton *button, ViStatus status)
 {
@@ -56,6 +51,9 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(std::make_uniq
 {
     qRegisterMetaType<QVector<double>>("QVector<double>");
     ui->setupUi(this);
+    ui->MeasCnt->setValidator(
+        new QRegularExpressionValidator(QRegularExpression("[0-9]{0,9}"), ui->MeasCnt));
+    setTabOrder(ui->SaveData, ui->Cancel->button(QDialogButtonBox::Cancel));
 
     if (!iaVisaDll_Init()) {
         QMessageBox::information(this, "VISA Error", "The VISA Library could not be loaded.");
@@ -154,7 +152,8 @@ void MainWindow::UndimStart()
 
 void MainWindow::on_OsInit_clicked()
 {
-    showSettingUp(ui->OsInit);
+    ui->OsInit->setText(notReadyText);
+    const Busy busy;
     OscilloscopeSettings settings;
     settings.resource = ui->OsIp->text();
     settings.reset = ui->OsRst->isChecked();
@@ -167,7 +166,8 @@ void MainWindow::on_OsInit_clicked()
 
 void MainWindow::on_SaInit_clicked()
 {
-    showSettingUp(ui->SaInit);
+    ui->SaInit->setText(notReadyText);
+    const Busy busy;
     SpectrumAnalyzerSettings settings;
     settings.resource = ui->SaIp->text();
     settings.centerFrequency = ui->SaFrq->text().toDouble();
@@ -180,7 +180,8 @@ void MainWindow::on_SaInit_clicked()
 
 void MainWindow::on_VaInit_clicked()
 {
-    showSettingUp(ui->VaInit);
+    ui->VaInit->setText(notReadyText);
+    const Busy busy;
     VideoAnalyzerSettings settings;
     settings.resource = ui->VaIp->text();
     settings.reset = ui->VaRst->isChecked();
@@ -192,8 +193,10 @@ void MainWindow::on_VaInit_clicked()
 
 void MainWindow::on_Start_clicked()
 {
+    auto busy = std::make_unique<Busy>();
     Meas(&d1_src, &d2_rf, &d3_snk, &t);
     Graph graph(nullptr);
+    busy.reset();
     graph.exec();
 }
 

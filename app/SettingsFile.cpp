@@ -5,9 +5,7 @@
 #include "instrument/NumberText.h"
 #include "ui_MainWindow.h"
 
-#include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <QSettings>
 
 namespace {
@@ -53,46 +51,29 @@ void loadIndex(const QSettings &settings, const char *key, int initial, QComboBo
     }
 }
 
-/// Whether a file may hold values of Qt's own types, which begin with a single "@". This program
-/// saves none but "@String(", for texts with NUL; a text that begins with "@" gets a second one. Qt
-/// takes as much memory for such a value, and nests as deeply, as the value itself says. Any
-/// spelling counts: the character, its escapes, quotes and line continuations before it, and
-/// escapes that Qt drops.
-bool mayHoldForeignValues(const QString &fnam)
+/// Something other than a regular file at the settings' place is left alone.
+bool isUsable(const QString &fnam)
 {
-    constexpr qint64 largest = 16LL << 20; // bytes; ours have a few hundred
-    static const QRegularExpression foreignValue(
-        R"rx([=,](\s|"|\\([\r\n]|x(?![0-9a-fA-F])|[^0-7abfnrtvx"?'\\\r\n]))*)rx"
-        R"rx((@(?!"*(@|String\())|\\x[0-9a-fA-F]*40(?![0-9a-fA-F])|\\[0-7]*100(?![0-7])))rx");
     const QFileInfo info(fnam);
-    if (info.exists() && (!info.isFile() || info.size() > largest)) {
-        return true;
-    }
-    QFile file(fnam);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return false;
-    }
-    const QByteArray bytes = file.readAll();
-    // With its length, as it may hold NUL.
-    return QString::fromLatin1(bytes.constData(), bytes.size()).contains(foreignValue);
+    return info.isFile() || !info.exists();
 }
 
 } // namespace
 
 int MainWindow::LoadCfgFile(const QString &fnam)
 {
-    const QString absent = ":/";
-    const QSettings settings(mayHoldForeignValues(fnam) ? absent : fnam, QSettings::IniFormat);
-    loadText(settings, osAddressKey, "TCPIP0::oscilloscope::INSTR", ui->OsIp);
+    const QString nothing = ":/"; // holds no settings: all take their defaults
+    const QSettings settings(isUsable(fnam) ? fnam : nothing, QSettings::IniFormat);
+    loadText(settings, osAddressKey, "TCPIP0::scope::INSTR", ui->OsIp);
     loadCheck(settings, osResetKey, ui->OsRst);
     loadIndex(settings, osTypeKey, 1, ui->OsTyp);
     OsTyp = ui->OsTyp->currentIndex();
     loadNumber(settings, osTriggerLevelKey, 0.027, ui->OsTrgLvl);
-    loadText(settings, saAddressKey, "TCPIP0::spectrum-analyzer::INSTR", ui->SaIp);
+    loadText(settings, saAddressKey, "TCPIP0::analyzer::INSTR", ui->SaIp);
     loadCheck(settings, saResetKey, ui->SaRst);
     loadNumber(settings, saCenterFrequencyKey, 5.192e9, ui->SaFrq);
     loadCheck(settings, saIfDemodKey, ui->SaIfDem);
-    loadText(settings, vaAddressKey, "TCPIP0::video-analyzer::INSTR", ui->VaIp);
+    loadText(settings, vaAddressKey, "TCPIP0::video::INSTR", ui->VaIp);
     loadCheck(settings, vaResetKey, ui->VaRst);
     loadNumber(settings, vaThresholdKey, 35.0, ui->VaThres);
     VaHdmi = settings.value(vaHdmiDelayKey, false).toBool();
@@ -105,10 +86,7 @@ int MainWindow::LoadCfgFile(const QString &fnam)
 
 int MainWindow::SaveCfgFile(const QString &fnam)
 {
-    // Saving keeps what else a file holds, and writes through a link, over whatever it leads to.
-    // Such a file or link gives way, or stays as it is.
-    const bool givesWay = mayHoldForeignValues(fnam) || QFileInfo(fnam).isSymLink();
-    if (givesWay && !QFile::remove(fnam)) {
+    if (!isUsable(fnam)) {
         return 0;
     }
     QSettings settings(fnam, QSettings::IniFormat);

@@ -1,6 +1,7 @@
 #include "app/FormScaling.h"
 #include "app/MainWindow.h"
 #include "app/SettingsDirectory.h"
+#include "instrument/VisaBinding.h"
 
 #include <QApplication>
 #include <QDir>
@@ -22,6 +23,18 @@ void introduceToDesktop()
                                      QFileInfo(QApplication::applicationFilePath()).baseName());
 }
 
+/// Where this executable looks for VISA. Relative paths begin at its own folder, so that the build
+/// tree and an installation can be moved.
+QStringList visaLibraryPaths()
+{
+    QStringList paths;
+    const QDir folder(QApplication::applicationDirPath());
+    for (const QString &path : QStringLiteral(ORVANTA_VISA_LIBRARIES).split('|')) {
+        paths << QDir::cleanPath(folder.absoluteFilePath(path));
+    }
+    return paths;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -30,6 +43,7 @@ int main(int argc, char *argv[])
     const QApplication application(argc, argv);
     introduceToDesktop();
     fitTextToForms();
+    setVisaLibraryPaths(visaLibraryPaths());
     // The window makes the settings directory itself, but not the one above it.
     QDir().mkpath(QFileInfo(settingsDirectory()).path());
 

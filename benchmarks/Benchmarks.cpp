@@ -166,21 +166,20 @@ void bareExchanges(benchmark::State &state)
     }
 }
 
-/// Floor: write a block's bytes to a file where transfers keep theirs, and read them back.
+/// Floor: write a block's bytes to a file like that of a transfer, and read them back.
 void fileRoundTrip(benchmark::State &state)
 {
-    const QByteArray name = transferFileName().toLocal8Bit();
     const QByteArray written(canned::recordLength * static_cast<int>(sizeof(float)), 'x');
     QByteArray read(written.size(), '\0');
     const auto size = static_cast<std::size_t>(written.size());
     for (auto _ : state) {
-        const int output = ::open(name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+        TransferFile file;
+        const int output = ::open(file.name().toLatin1(), O_WRONLY | O_TRUNC | O_CLOEXEC);
         benchmark::DoNotOptimize(::write(output, written.constData(), size));
         ::close(output);
-        const int input = ::open(name, O_RDONLY | O_CLOEXEC);
+        const int input = ::open(file.name().toLatin1(), O_RDONLY | O_CLOEXEC);
         benchmark::DoNotOptimize(::read(input, read.data(), size));
         ::close(input);
-        ::unlink(name);
     }
 }
 
@@ -214,6 +213,7 @@ int main(int argc, char *argv[])
     const QTemporaryDir home; // the window's settings
     qputenv("XDG_DATA_HOME", home.path().toLocal8Bit());
     const QApplication application(argc, argv);
+    setVisaLibraryPaths({BENCH_LIBRARY}); // for the window; everything else is bound by hand
     canned::bind();
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {

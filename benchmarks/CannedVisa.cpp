@@ -1,7 +1,6 @@
 #include "CannedVisa.h"
 
 #include "instrument/VisaBinding.h"
-#include "instrument/VisaLibraryPath.h"
 
 #include <QVector>
 
@@ -97,11 +96,6 @@ ViStatus readToFile(ViSession /*session*/, const ViChar *fileName, ViUInt32 coun
 }
 
 } // namespace
-
-QString visaLibraryPath()
-{
-    return QStringLiteral(BENCH_LIBRARY); // for the window; everything else is bound by hand
-}
 
 void canned::bind()
 {

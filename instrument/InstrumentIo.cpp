@@ -1,15 +1,10 @@
 #include "instrument/InstrumentIo.h"
 
+#include "instrument/NumberText.h"
 #include "instrument/VisaBinding.h"
 
 #include <array>
-#include <clocale>
 #include <cmath>
-#include <cstdlib>
-#include <limits>
-#ifdef __APPLE__
-#include <xlocale.h>
-#endif
 
 namespace {
 
@@ -39,22 +34,6 @@ ViStatus query(ViSession session, const QString &command, std::array<char, Buffe
 {
     const ViStatus status = iaPrintf(session, command);
     return status == VI_SUCCESS ? readReply(session, buffer) : status;
-}
-
-/// atof() in the C locale: a QApplication puts the process into the operator's locale, where the
-/// decimal point of an instrument's reply may end the number.
-double toDouble(const char *text)
-{
-    static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", nullptr);
-    return strtod_l(text, nullptr, cLocale);
-}
-
-/// atoi() with a defined result for numbers that an int cannot hold: the nearest one.
-int toInt(const char *text)
-{
-    const long value = std::strtol(text, nullptr, 10);
-    return static_cast<int>(
-        qBound<long>(std::numeric_limits<int>::min(), value, std::numeric_limits<int>::max()));
 }
 
 } // namespace
@@ -157,7 +136,7 @@ ViStatus iaQueryf_f(ViSession session, const QString &command, double *value)
     ReplyBuffer<numericReplySize> buffer{};
     const ViStatus status = query(session, command, buffer);
     if (status == VI_SUCCESS) {
-        *value = toDouble(buffer.data());
+        *value = leadingNumber(buffer.data());
     }
     return status;
 }
@@ -167,7 +146,7 @@ ViStatus iaQueryf_i(ViSession session, const QString &command, int *value)
     ReplyBuffer<numericReplySize> buffer{};
     const ViStatus status = query(session, command, buffer);
     if (status == VI_SUCCESS) {
-        *value = toInt(buffer.data());
+        *value = leadingInteger(buffer.data());
     }
     return status;
 }
@@ -180,7 +159,7 @@ ViStatus iaScanf_s(ViSession session, QString *reply)
     ReplyBuffer<textReplySize> buffer{};
     const ViStatus status = readReply(session, buffer);
     // The remainder fits an int whatever the number; of an infinity or NaN there is none.
-    const double low = std::fmod(std::trunc(toDouble(buffer.data())), 256.0);
+    const double low = std::fmod(std::trunc(leadingNumber(buffer.data())), 256.0);
     const int code = std::isfinite(low) ? static_cast<int>(low) & 0xFF : 0;
     *reply = QString(QChar(code));
     return status;
@@ -193,7 +172,7 @@ ViStatus iaScanf_f(ViSession session, double *value)
     }
     ReplyBuffer<numericReplySize> buffer{};
     const ViStatus status = readReply(session, buffer);
-    *value = toDouble(buffer.data());
+    *value = leadingNumber(buffer.data());
     return status;
 }
 

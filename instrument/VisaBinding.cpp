@@ -1,9 +1,9 @@
 #include "instrument/VisaBinding.h"
 
-#include "instrument/VisaLibraryPath.h"
-
 #include <QFileInfo>
 #include <QLibrary>
+
+#include <cstdio>
 
 visa::OpenDefaultRM *p_viOpenDefaultRM = nullptr;
 visa::StatusDesc *p_viStatusDesc = nullptr;
@@ -27,6 +27,8 @@ visa::GpibControlREN *p_viGpibControlREN = nullptr;
 
 namespace {
 
+QStringList libraryPaths;
+
 template <typename Function>
 bool resolve(QLibrary &library, const char *symbol, Function *&entryPoint)
 {
@@ -34,20 +36,9 @@ bool resolve(QLibrary &library, const char *symbol, Function *&entryPoint)
     return entryPoint != nullptr;
 }
 
-} // namespace
-
-bool iaVisaDll_Init()
+bool resolveAll(QLibrary &library)
 {
-    const QString path = visaLibraryPath();
-    // QLibrary goes on to names with other prefixes and suffixes when a file is missing; another
-    // library than the configured one must never be taken for it.
-    if (!QFileInfo::exists(path)) {
-        return false;
-    }
-
-    QLibrary library(path); // its destructor leaves the library loaded
-    return library.load()   //
-           && resolve(library, "viOpenDefaultRM", p_viOpenDefaultRM) &&
+    return resolve(library, "viOpenDefaultRM", p_viOpenDefaultRM) &&
            resolve(library, "viStatusDesc", p_viStatusDesc) &&
            resolve(library, "viOpen", p_viOpen) && resolve(library, "viWrite", p_viWrite) &&
            resolve(library, "viRead", p_viRead) && resolve(library, "viQueryf", p_viQueryf_s) &&
@@ -60,4 +51,40 @@ bool iaVisaDll_Init()
            resolve(library, "viGetAttribute", p_viGetAttribute) &&
            resolve(library, "viSetBuf", p_viSetBuf) && resolve(library, "viReadSTB", p_viReadSTB) &&
            resolve(library, "viGpibControlREN", p_viGpibControlREN);
+}
+
+/// Bind the library at a path. Returns what keeps it from serving; nothing when it does.
+QString bind(const QString &path)
+{
+    // QLibrary goes on to names with other prefixes and suffixes when a file is missing, which may
+    // be another library; and it would wait at a FIFO.
+    if (!QFileInfo(path).isFile()) {
+        return QFileInfo::exists(path) ? "not a regular file" : "not there";
+    }
+    QLibrary library(path); // its destructor leaves the library loaded
+    if (!library.load() || !resolveAll(library)) {
+        return library.errorString();
+    }
+    return {};
+}
+
+} // namespace
+
+void setVisaLibraryPaths(const QStringList &paths)
+{
+    libraryPaths = paths;
+}
+
+bool iaVisaDll_Init()
+{
+    QStringList failures;
+    for (const QString &path : qAsConst(libraryPaths)) {
+        const QString failure = bind(path);
+        if (failure.isEmpty()) {
+            return true;
+        }
+        failures += "  " + path + ": " + failure + '\n';
+    }
+    std::fputs(qPrintable("No VISA library could be loaded:\n" + failures.join("")), stderr);
+    return false;
 }

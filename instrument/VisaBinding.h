@@ -2,6 +2,8 @@
 
 #include "instrument/VisaTypes.h"
 
+#include <QStringList>
+
 // The VISA entry points of this process: null until iaVisaDll_Init() finds them, then valid until
 // the process ends. Only the ia functions call through them.
 
@@ -25,7 +27,12 @@ extern visa::SetBuf *p_viSetBuf;
 extern visa::ReadSTB *p_viReadSTB;
 extern visa::GpibControlREN *p_viGpibControlREN;
 
-/// Load the VISA library at visaLibraryPath() and resolve its entry points in the order above.
-/// Returns true when all of them are there. At the first that is missing it stops: the pointers
-/// before it keep their values, the later ones stay null.
+/// Say where iaVisaDll_Init() looks for the VISA library: absolute paths of files, the first one
+/// that serves is taken.
+void setVisaLibraryPaths(const QStringList &paths);
+
+/// Load a VISA library and resolve its entry points in the order above. Returns true when all of
+/// them are there. At the first that is missing it gives that library up: the pointers before it
+/// keep their values, the later ones stay null. When none of the libraries serves, standard error
+/// says why.
 bool iaVisaDll_Init();

@@ -8,6 +8,7 @@
 #include "measurement/WaveformTransfer.h"
 
 #include <QDateTime>
+#include <QLocale>
 
 #include <numeric>
 
@@ -120,8 +121,9 @@ double mean(const QVector<double> &values, int count)
 
 int saveSeries(const SeriesSettings &settings, const SeriesResults &results, const Record &record)
 {
-    const QString prefix =
-        settings.filePrefix + QDateTime::currentDateTime().toString("yyyy-MM-dd_hh-mm-ss_");
+    // In the C locale: other digits than ASCII's make names that other programs do not find.
+    const QString prefix = settings.filePrefix + QLocale::c().toString(QDateTime::currentDateTime(),
+                                                                       "yyyy-MM-dd_hh-mm-ss_");
     if (!writeResults(prefix + "Results.txt", results)) {
         return -1;
     }

@@ -39,5 +39,5 @@ struct Record
 /// An exchange that fails ends its acquisition, and the measurement goes on with the traces that
 /// there are. A record whose source starts implausibly is taken again, as often as it takes.
 ///
-/// Returns 0, or -1 when the results file cannot be opened; then no trace file is written either.
+/// Returns 0, or -1 when the results file cannot be written; then no trace file is written either.
 int runSeries(const SeriesSettings &settings, Record *record, SeriesResults *results);

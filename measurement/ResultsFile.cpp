@@ -2,7 +2,7 @@
 
 #include "instrument/NumberText.h"
 
-#include <QFile>
+#include <QSaveFile>
 
 namespace {
 
@@ -19,7 +19,7 @@ QString paragraph(const QString &name, const DelaySeries &series)
 
 bool writeResults(const QString &fileName, const SeriesResults &results)
 {
-    QFile file(fileName);
+    QSaveFile file(fileName); // a file that cannot be written whole is none
     if (!file.open(QIODevice::WriteOnly)) {
         return false;
     }
@@ -27,5 +27,5 @@ bool writeResults(const QString &fileName, const SeriesResults &results)
                          paragraph("Source2HD", results.sourceToHdmi) + '\n' +
                          paragraph("Source2Snk", results.sourceToSink);
     file.write(text.toUtf8());
-    return true;
+    return file.commit();
 }

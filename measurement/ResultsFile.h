@@ -19,5 +19,5 @@ struct SeriesResults
 };
 
 /// Write the results as UTF-8 text: for RF, HDMI and sink a line with the delays and a line with
-/// their mean. Returns false when the file cannot be opened for writing.
+/// their mean. Returns false, and leaves no file, when it cannot be written whole.
 bool writeResults(const QString &fileName, const SeriesResults &results);

@@ -16,8 +16,12 @@ int saveTrace(const QString &fileName, const QVector<double> &trace, int count)
     if (!file.open(QIODevice::WriteOnly)) {
         return -1;
     }
-    file.write(reinterpret_cast<const char *>(trace.constData()),
-               qBound(0, count, trace.size()) * sampleSize);
+    const qint64 size = qBound(0, count, trace.size()) * sampleSize;
+    if (file.write(reinterpret_cast<const char *>(trace.constData()), size) != size ||
+        !file.flush()) {
+        file.remove(); // half a trace looks like a whole one
+        return -1;
+    }
     return 0;
 }
 

@@ -5,8 +5,8 @@
 
 // Trace files: the samples as 64-bit IEEE 754 doubles in the host's byte order, nothing else.
 
-/// Write the first count samples of a trace, or all when it has fewer. Returns 0, or -1 when the
-/// file cannot be opened for writing.
+/// Write the first count samples of a trace, or all when it has fewer. Returns 0, or -1 when it
+/// cannot be written; what is written of it is removed then.
 int saveTrace(const QString &fileName, const QVector<double> &trace, int count);
 
 /// Append the samples of a file to a trace and tell how many they are; a last part of fewer than

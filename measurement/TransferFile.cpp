@@ -1,52 +1,35 @@
 #include "measurement/TransferFile.h"
 
-#include <QDir>
-#include <QFileInfo>
-#include <QTemporaryDir>
+#ifdef Q_OS_LINUX
 
-#include <memory>
-#include <unistd.h>
+#include <sys/mman.h>
 
-namespace {
-
-class TransferDirectory
+TransferFile::TransferFile()
 {
-public:
-    explicit TransferDirectory(const QString &parent) : directory(parent + "/orvanta-XXXXXX") {}
-    ~TransferDirectory() { directory.setAutoRemove(isOurs()); }
-    TransferDirectory(const TransferDirectory &) = delete;
-    TransferDirectory &operator=(const TransferDirectory &) = delete;
-
-    /// Whether it is there, and is the one that was made: what tidies temporary directories up may
-    /// have taken it, and somebody else its name.
-    [[nodiscard]] bool isOurs() const
-    {
-        const QFileInfo info(directory.path());
-        return directory.isValid() && info.isDir() && !info.isSymLink() && info.isWritable() &&
-               info.ownerId() == geteuid();
+    const int descriptor = memfd_create("Trace.tmp", MFD_CLOEXEC);
+    if (descriptor >= 0) {
+        file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle);
     }
-    [[nodiscard]] QString fileName() const { return directory.filePath("Trace.tmp"); }
+}
 
-private:
-    QTemporaryDir directory;
-};
-
-} // namespace
-
-QString transferFileName()
+QString TransferFile::name() const
 {
-    static std::unique_ptr<TransferDirectory> directory;
-    if (directory && directory->isOurs()) {
-        return directory->fileName();
-    }
-    // The run-time directory (XDG base directories) is the user's own, in memory.
-    for (const QString &parent : {qEnvironmentVariable("XDG_RUNTIME_DIR"), QDir::tempPath()}) {
-        if (QDir::isAbsolutePath(parent)) { // others are to be ignored
-            directory = std::make_unique<TransferDirectory>(parent);
-            if (directory->isOurs()) {
-                return directory->fileName();
-            }
-        }
-    }
-    return {};
+    return file.isOpen() ? "/proc/self/fd/" + QString::number(file.handle()) : QString();
+}
+
+#else
+
+TransferFile::TransferFile() : file(directory.isValid() ? directory.filePath("Trace.tmp") : "") {}
+
+QString TransferFile::name() const
+{
+    return file.fileName();
+}
+
+#endif
+
+QByteArray TransferFile::contents()
+{
+    const bool isReadable = file.isOpen() || file.open(QIODevice::ReadOnly);
+    return isReadable ? file.readAll() : QByteArray();
 }

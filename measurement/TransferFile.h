@@ -1,8 +1,28 @@
 #pragma once
 
-#include <QString>
+#include <QByteArray>
+#include <QFile>
+#ifndef Q_OS_LINUX
+#include <QTemporaryDir>
+#endif
 
-/// Name of the file through which traces are read: "Trace.tmp" in a directory of this process
-/// alone, in memory where the platform has a run-time directory. The directory goes when the
-/// process exits. Returns an empty name when no such directory can be made.
-QString transferFileName();
+/// The file through which one trace comes: VISA writes it by its name, the program reads it. It
+/// lies in memory without a place in any folder, where the system has such files; nothing of it
+/// stays behind, however the process ends.
+class TransferFile
+{
+public:
+    TransferFile();
+
+    /// Empty when there is no such file to be had.
+    [[nodiscard]] QString name() const;
+
+    /// Read what VISA has written; nothing when that cannot be read.
+    [[nodiscard]] QByteArray contents();
+
+private:
+#ifndef Q_OS_LINUX
+    QTemporaryDir directory;
+#endif
+    QFile file;
+};

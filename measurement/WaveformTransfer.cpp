@@ -1,10 +1,8 @@
 #include "measurement/WaveformTransfer.h"
 
 #include "instrument/InstrumentIo.h"
+#include "instrument/NumberText.h"
 #include "measurement/TransferFile.h"
-
-#include <QFile>
-#include <QScopeGuard>
 
 #include <array>
 #include <cstring>
@@ -15,31 +13,24 @@ namespace {
 /// Room for the terminator that follows the block's data.
 constexpr ViUInt32 terminatorRoom = 10;
 
-/// Read the header of a definite-length block: '#', a digit n, n digits. Returns the length of
-/// the data in bytes, which nine digits keep below 10^9.
+/// Read the header of a definite-length block: '#', a digit n, n digits. Returns the length of the
+/// data in bytes, which is the number that came of those digits; 0 when none did.
 std::optional<ViUInt32> readBlockHeader(ViSession session)
 {
-    std::array<unsigned char, 9> buffer{};
+    std::array<unsigned char, 100> buffer{};
     ViUInt32 count = 0;
-    const auto isDigit = [](unsigned char c) { return c >= '0' && c <= '9'; };
-
-    if (iaRead(session, buffer.data(), 2, &count) < 0 || count < 2 || buffer[0] != '#' ||
-        !isDigit(buffer[1])) {
+    if (iaRead(session, buffer.data(), 2, &count) < 0 || count < 2 || buffer[0] != '#') {
         return std::nullopt;
     }
-    const ViUInt32 digits = buffer[1] - ViUInt32{'0'};
+    // Other characters than digits ask for as little and as much as there is room for.
+    const int digits = qBound(0, buffer[1] - '0', static_cast<int>(buffer.size()) - 1);
     count = 0;
-    if (iaRead(session, buffer.data(), digits, &count) < 0 || count != digits) {
+    if (iaRead(session, buffer.data(), static_cast<ViUInt32>(digits), &count) < 0) {
         return std::nullopt;
     }
-    ViUInt32 length = 0;
-    for (ViUInt32 i = 0; i < digits; ++i) {
-        if (!isDigit(buffer[i])) {
-            return std::nullopt;
-        }
-        length = length * 10 + (buffer[i] - ViUInt32{'0'});
-    }
-    return length;
+    buffer.at(qMin(count, static_cast<ViUInt32>(digits))) = '\0';
+    return static_cast<ViUInt32>(
+        qMax(0, leadingInteger(reinterpret_cast<const char *>(buffer.data()))));
 }
 
 } // namespace
@@ -56,18 +47,14 @@ bool readTrace(ViSession session, QVector<double> *trace)
         return false;
     }
 
-    const QString fileName = transferFileName();
-    if (fileName.isEmpty()) {
-        return false;
-    }
-    QFile file(fileName);
-    const auto removal = qScopeGuard([&file] { file.remove(); });
-    if (iaReadToFile(session, fileName, *length + terminatorRoom, nullptr) < 0 ||
-        !file.open(QIODevice::ReadOnly)) {
+    // viReadToFile() takes a block of any length in one call, whatever is in its bytes.
+    TransferFile file;
+    if (file.name().isEmpty() ||
+        iaReadToFile(session, file.name(), *length + terminatorRoom, nullptr) < 0) {
         return false;
     }
 
-    const QByteArray bytes = file.readAll();
+    const QByteArray bytes = file.contents();
     const int samples =
         static_cast<int>(qMin(*length, static_cast<ViUInt32>(bytes.size())) / sizeof(float));
     trace->resize(samples);

@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# One session of an operator with the demo program, on a virtual desktop, and a check of what it
-# leaves behind. FOLDER gets screenshots, the program's output, its settings, results and traces.
-# Usage: desktop-session.sh EXECUTABLE FOLDER [DPI]
+# One session of an operator with the demo program, on a virtual desktop: five measurements, unless
+# another OPERATOR is named. FOLDER gets screenshots, the program's output, its settings, results and
+# traces.
+# Usage: desktop-session.sh EXECUTABLE FOLDER [DPI [OPERATOR]]
 set -euo pipefail
 
-if (($# < 2 || $# > 3)); then
-    echo "Usage: ${0##*/} EXECUTABLE FOLDER [DPI]" >&2
+if (($# < 2 || $# > 4)); then
+    echo "Usage: ${0##*/} EXECUTABLE FOLDER [DPI [OPERATOR]]" >&2
     exit 2
 fi
 executable=$(realpath -- "$1")
@@ -16,6 +17,7 @@ if ((dpi < 96)); then
     exit 2
 fi
 desktop=$(realpath -- "$(dirname "$0")/desktop")
+operator=$(realpath -- "${4:-$desktop/operate.sh}")
 
 # What the session needs but nobody wants to see; also the mark by which a later session knows that
 # it may empty the folder.
@@ -40,8 +42,7 @@ export DBUS_SESSION_BUS_ADDRESS=disabled:
 export QT_XCB_GL_INTEGRATION=none
 
 "$desktop/virtual-desktop.sh" "$folder/desktop.log" "$dpi" \
-    "$desktop/operate.sh" "$executable" "$folder" "$dpi"
-"$desktop/check-session.sh" "$folder"
+    "$operator" "$executable" "$folder" "$dpi"
 
 echo "Mean delays in milliseconds:"
 grep --no-filename Mean "$folder"/data/Varnholt/*Results.txt

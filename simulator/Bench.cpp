@@ -10,12 +10,12 @@ Bench::Bench(BenchState &state)
       spectrumAnalyzerQan_(AnalyzerFamily::Qan, state.spectrumAnalyzerQan, state.link),
       spectrumAnalyzerQel_(AnalyzerFamily::Qel, state.spectrumAnalyzerQel, state.link),
       videoAnalyzer_(state.videoAnalyzer, state.link),
-      instruments_{{"oscilloscope", &oscilloscope_},
-                   {"oscilloscope-kvx", &oscilloscopeKvx_},
-                   {"spectrum-analyzer", &spectrumAnalyzer_},
-                   {"spectrum-analyzer-qan", &spectrumAnalyzerQan_},
-                   {"spectrum-analyzer-qel", &spectrumAnalyzerQel_},
-                   {"video-analyzer", &videoAnalyzer_}}
+      instruments_{{"scope", &oscilloscope_},
+                   {"scope-kvx", &oscilloscopeKvx_},
+                   {"analyzer", &spectrumAnalyzer_},
+                   {"analyzer-qan", &spectrumAnalyzerQan_},
+                   {"analyzer-qel", &spectrumAnalyzerQel_},
+                   {"video", &videoAnalyzer_}}
 {
 }
 

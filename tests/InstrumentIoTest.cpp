@@ -5,6 +5,7 @@
 
 #include <clocale>
 #include <cstring>
+#include <sys/stat.h>
 
 class InstrumentIoTest : public QObject
 {
@@ -116,10 +117,13 @@ private slots:
         const auto bound = [](auto *...functions) {
             return QVector<QFunctionPointer>{reinterpret_cast<QFunctionPointer>(functions)...};
         };
+        const QTemporaryDir directory;
+        const QString fifo = directory.filePath("fifo"); // which nobody writes to
+        QCOMPARE(mkfifo(fifo.toLocal8Bit(), 0600), 0);
         for (const auto &[path, count] : {std::pair{QString(BENCH_LIBRARY).chopped(3), 0},
                                           {THREE_FUNCTIONS, 3},
                                           {BENCH_LIBRARY, names.size()}}) {
-            Line::libraryPath = path;
+            setVisaLibraryPaths({fifo, path});
             QCOMPARE(iaVisaDll_Init(), count == names.size());
             const auto functions =
                 bound(p_viOpenDefaultRM, p_viStatusDesc, p_viOpen, p_viWrite, p_viRead,

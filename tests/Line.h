@@ -26,9 +26,6 @@ public:
     /// What comes instead of bytes that were read.
     std::function<QByteArray(const QByteArray &bytes)> spoil;
 
-    /// What the program binds: the bench, unless the test says otherwise.
-    static inline QString libraryPath = BENCH_LIBRARY;
-
     QMap<ViSession, QString> open; ///< hosts
     QStringList transcript;
 

@@ -94,22 +94,20 @@ QVector<Chain> chains()
         };
     };
     const auto va = [](ViSession *session, ViSession spectrumAnalyzer) {
-        return setUpVideoAnalyzer(manager, {"TCPIP0::video-analyzer::INSTR", true, 35.5},
-                                  spectrumAnalyzer, session);
+        return setUpVideoAnalyzer(manager, {"TCPIP0::video::INSTR", true, 35.5}, spectrumAnalyzer,
+                                  session);
     };
     const char *const output = "|OUTP:IF VID|OUTP:IF:IFFR 2.0";
-    return {{"oscilloscope-kvx", kvx(false),
-             osc("oscilloscope-kvx", false, OscilloscopeType::Kvx, false)},
-            {"oscilloscope-kvx with IF", kvx(true),
-             osc("oscilloscope-kvx", false, OscilloscopeType::Kvx, true)},
-            {"oscilloscope", lpa4004, osc("oscilloscope", true, OscilloscopeType::Lpa4004, true)},
-            {"spectrum-analyzer", analyzer("*IDN?", "1.2", output),
-             sa("spectrum-analyzer", OscilloscopeType::Lpa4004)},
-            {"spectrum-analyzer-qan", analyzer("*IDN?|FREQ:MODE SW", "1", output),
-             sa("spectrum-analyzer-qan", OscilloscopeType::Kvx)},
-            {"spectrum-analyzer-qel", analyzer("*IDN?", "1.2", ""),
-             sa("spectrum-analyzer-qel", OscilloscopeType::Lpa4004)},
-            {"video-analyzer", videoAnalyzer, va}};
+    return {
+        {"scope-kvx", kvx(false), osc("scope-kvx", false, OscilloscopeType::Kvx, false)},
+        {"scope-kvx with IF", kvx(true), osc("scope-kvx", false, OscilloscopeType::Kvx, true)},
+        {"scope", lpa4004, osc("scope", true, OscilloscopeType::Lpa4004, true)},
+        {"analyzer", analyzer("*IDN?", "1.2", output), sa("analyzer", OscilloscopeType::Lpa4004)},
+        {"analyzer-qan", analyzer("*IDN?|FREQ:MODE SW", "1", output),
+         sa("analyzer-qan", OscilloscopeType::Kvx)},
+        {"analyzer-qel", analyzer("*IDN?", "1.2", ""),
+         sa("analyzer-qel", OscilloscopeType::Lpa4004)},
+        {"video", videoAnalyzer, va}};
 }
 
 /// The transcript of a set-up whose command number `failing` fails, with those that have to fail
@@ -144,7 +142,7 @@ std::pair<QStringList, bool> play(const Chain &chain, int failing, bool atRead, 
         }
         first = last + 1;
     }
-    return {transcript << (isVideo ? "spectrum-analyzer local" : host + " local"), true};
+    return {transcript << (isVideo ? "analyzer local" : host + " local"), true};
 }
 
 } // namespace
@@ -157,7 +155,7 @@ class SetUpTest : public QObject
     static ViSession openAnalyzer(Line *line)
     {
         ViSession session = 0;
-        iaOpen(manager, "TCPIP0::spectrum-analyzer::INSTR", VI_NO_LOCK, 10000, &session);
+        iaOpen(manager, "TCPIP0::analyzer::INSTR", VI_NO_LOCK, 10000, &session);
         line->takeTranscript();
         return session;
     }
@@ -165,6 +163,7 @@ class SetUpTest : public QObject
 private slots:
     void initTestCase()
     {
+        setVisaLibraryPaths({BENCH_LIBRARY});
         QVERIFY(iaVisaDll_Init());
         QCOMPARE(iaOpenDefaultRM(&manager), VI_SUCCESS);
     }
@@ -222,10 +221,10 @@ private slots:
                 line.takeTranscript();
                 return chain.setUp(&session, analyzer) == VI_SUCCESS;
             };
-            QVERIFY2(setUpWithout(" local") == host.startsWith("osc"), chain.name);
+            QVERIFY2(setUpWithout(" local") == host.startsWith("scope"), chain.name);
             QVERIFY2(!setUpWithout(" open") && session == 0, chain.name);
             QStringList expected = {host + " close", host + " open -> bfff0067"};
-            for (int group = 1; !isVideo && group < (host.startsWith("osc") ? 2 : 3); ++group) {
+            for (int group = 1; !isVideo && group < (host.startsWith("scope") ? 2 : 3); ++group) {
                 expected << "session 0 < " + chain.groups[group].first.section('|', 0, 0) +
                                 ";*OPC?\\n";
             }

@@ -70,8 +70,7 @@ private slots:
     {
         QCOMPARE(viOpenDefaultRM(&manager), VI_SUCCESS);
         for (ViSession *session : {&first, &second}) {
-            QCOMPARE(viOpen(manager, "TCPIP::oscilloscope::INSTR", VI_NO_LOCK, 0, session),
-                     VI_SUCCESS);
+            QCOMPARE(viOpen(manager, "TCPIP::scope::INSTR", VI_NO_LOCK, 0, session), VI_SUCCESS);
         }
         write(first, "*RST;*CLS");
     }
@@ -82,14 +81,13 @@ private slots:
     {
         const std::map<ViStatus, QByteArrayList> texts = {
             {VI_SUCCESS,
-             {"TCPIP0::oscilloscope::INSTR", "TCPIP::oscilloscope-kvx::inst0::INSTR",
+             {"TCPIP0::scope::INSTR", "TCPIP::scope-kvx::inst0::INSTR",
               "tcpip7::Spectrum-Analyzer::INST0::instr"}},
-            {VI_ERROR_RSRC_NFOUND,
-             {"TCPIP0::printer::INSTR", "TCPIP0::oscilloscope::inst1::INSTR"}},
+            {VI_ERROR_RSRC_NFOUND, {"TCPIP0::printer::INSTR", "TCPIP0::scope::inst1::INSTR"}},
             {VI_ERROR_INV_RSRC_NAME,
-             {"", "oscilloscope", "TCPIP0::oscilloscope", "TCPIP0::::INSTR", "TCPIPx::a::INSTR",
+             {"", "scope", "TCPIP0::scope", "TCPIP0::::INSTR", "TCPIPx::a::INSTR",
               "GPIB0::7::INSTR", "TCPIP0::a::INSTR ", "TCPIP0::a::b::c::INSTR", "TCPIP0:a:INSTR",
-              "TCPIP0::a b::INSTR", "TCPIP0::oscilloscope::5025::SOCKET", "TCPIP65536::a::INSTR",
+              "TCPIP0::a b::INSTR", "TCPIP0::scope::5025::SOCKET", "TCPIP65536::a::INSTR",
               QByteArray(300, 'a'), "TCPIP::" + QByteArray(235, 'a') + "::INSTR"}}};
         for (const auto &[status, names] : texts) {
             for (const QByteArray &name : names) {
@@ -163,7 +161,7 @@ private slots:
         ViSession closedManager = 0;
         ViSession closed = 0;
         viOpenDefaultRM(&closedManager);
-        viOpen(closedManager, "TCPIP::oscilloscope::INSTR", VI_NO_LOCK, 0, &closed);
+        viOpen(closedManager, "TCPIP::scope::INSTR", VI_NO_LOCK, 0, &closed);
         viClose(closedManager); // and its session with it
         QCOMPARE(viClose(0), VI_WARN_NULL_OBJECT);
         for (const ViSession handle : {closed + 1, closed, closedManager}) {
@@ -177,7 +175,7 @@ private slots:
                   viParseRsrc(handle, "", &number, &number),
                   viDisableEvent(handle, 0, 0),
                   viDiscardEvents(handle, 0, 0),
-                  viOpen(handle, "TCPIP::oscilloscope::INSTR", VI_NO_LOCK, 0, &session),
+                  viOpen(handle, "TCPIP::scope::INSTR", VI_NO_LOCK, 0, &session),
                   viWrite(handle, &byte, 1, nullptr),
                   viRead(handle, &byte, 1, nullptr),
                   viReadToFile(handle, "/nonexistent/file", 1, nullptr),
@@ -244,9 +242,9 @@ private slots:
         QCOMPARE(viSetAttribute(manager, VI_ATTR_TMO_VALUE, 1), VI_ERROR_NSUP_ATTR);
         std::array<char, VI_FIND_BUFLEN> text{};
         QCOMPARE(viGetAttribute(first, VI_ATTR_RSRC_NAME, text.data()), VI_SUCCESS);
-        QCOMPARE(QByteArray(text.data()), QByteArray("TCPIP0::oscilloscope::inst0::INSTR"));
+        QCOMPARE(QByteArray(text.data()), QByteArray("TCPIP0::scope::inst0::INSTR"));
 
-        const Instrument *oscilloscope = bench().find("oscilloscope");
+        const Instrument *oscilloscope = bench().find("scope");
         const QVector<bool> remoteAfter = {false, true, false, true, true, true, false};
         for (ViUInt16 mode = 0; mode < 7; ++mode) {
             write(first, "*WAI");
@@ -303,7 +301,7 @@ private slots:
             bool right = true;
             for (int i = 0; i < 300; ++i) {
                 ViSession session = 0;
-                viOpen(manager, "TCPIP::oscilloscope::INSTR", VI_NO_LOCK, 0, &session);
+                viOpen(manager, "TCPIP::scope::INSTR", VI_NO_LOCK, 0, &session);
                 viPrintf(session, "CHAN4:OFFS %s;:CHAN1:DATA?;:CHAN4:OFFS?\n", offset.data());
                 right = right && read(session, 300000).first.endsWith(';' + offset + '\n') &&
                         viClose(session) == VI_SUCCESS;
@@ -334,12 +332,12 @@ private slots:
     /// What is answered, and the first error that is left.
     void messages()
     {
-        const char *const lpa = "oscilloscope";
-        const char *const kvx = "oscilloscope-kvx";
-        const char *const spa = "spectrum-analyzer";
-        const char *const qan = "spectrum-analyzer-qan";
-        const char *const qel = "spectrum-analyzer-qel";
-        const char *const video = "video-analyzer";
+        const char *const lpa = "scope";
+        const char *const kvx = "scope-kvx";
+        const char *const spa = "analyzer";
+        const char *const qan = "analyzer-qan";
+        const char *const qel = "analyzer-qel";
+        const char *const video = "video";
         using Exchange = std::tuple<const char *, const char *, const char *>;
         for (const auto &[host, message, expected] : std::initializer_list<Exchange>{
                  {lpa, "chan:scal .05;POSITION -3;:channel1:scale?;pos?", "0.05;-3 / 0"},
@@ -382,7 +380,7 @@ private slots:
     void formatsCarryTheSameRecord()
     {
         const OwnBench own;
-        const auto ask = [&](const char *message) { return own.ask("oscilloscope-kvx", message); };
+        const auto ask = [&](const char *message) { return own.ask("scope-kvx", message); };
         const auto texts = ask("ACQ:POIN 1000;:CHAN1:DATA?").split(',');
         const QByteArray block = ask("FORM REAL,32;:CHAN1:DATA?");
         QVERIFY(block.startsWith("#44000"));
@@ -400,11 +398,11 @@ private slots:
         for (const char *settings :
              {"TRIG:A:LEV1 0.005", "TRIG:A:LEV1 0.15", "TRIG:A:EDGE:SLOP NEG", "TRIG:A:SOUR EXT"}) {
             OwnBench own;
-            own.ask("video-analyzer", "INIT:AVDA");
-            own.ask("oscilloscope", QByteArray(settings) + ";*TRG");
+            own.ask("video", "INIT:AVDA");
+            own.ask("scope", QByteArray(settings) + ";*TRG");
             QVERIFY2(std::isnan(own.bench.link().lastEvent().instants().rf), settings);
-            QCOMPARE(own.ask("video-analyzer", "READ:AVDA:TTV:COUN?"), QByteArray("0"));
-            own.ask("oscilloscope", "*RST;SING;*TRG"); // the sequence waited
+            QCOMPARE(own.ask("video", "READ:AVDA:TTV:COUN?"), QByteArray("0"));
+            own.ask("scope", "*RST;SING;*TRG"); // the sequence waited
             QCOMPARE(own.bench.link().lastEvent().instants().rf,
                      OwnBench().bench.link().lastEvent().instants().rf);
         }

@@ -7,10 +7,17 @@
 
 #include <QCoreApplication>
 
+#include <qwt_plot_layout.h>
 #include <qwt_scale_engine.h>
 
 const std::array<QBrush, 6> PenCol = {QBrush(Qt::black), QBrush(Qt::red),    QBrush(Qt::blue),
                                       QBrush(Qt::green), QBrush(Qt::yellow), QBrush(Qt::cyan)};
+
+namespace {
+
+constexpr int edgeLabelWidth = 24; // pixels
+
+} // namespace
 
 Graph::Graph(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui_Graph>())
 {
@@ -21,6 +28,8 @@ Graph::Graph(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui_Graph>()
     plot->setAxisScale(QwtPlot::xBottom, -halfSpan, halfSpan);
     plot->setAxisScaleEngine(QwtPlot::xBottom, new QwtLinearScaleEngine(10));
     plot->setAxisTitle(QwtPlot::xBottom, "Time / s");
+    // A label beside an edge at the start of the axis needs room, too.
+    plot->plotLayout()->setCanvasMargin(edgeLabelWidth, QwtPlot::yLeft);
     plot->setAxisAutoScale(QwtPlot::yLeft, true);
     plot->setAxisTitle(QwtPlot::yLeft, "Voltage / V");
 
@@ -31,10 +40,10 @@ Graph::Graph(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui_Graph>()
     sinkCurve = addCurve(plot, QPen(Qt::red, 0), t, d3_snk);
     addEdge(plot, QString("tsnk = %1 s").arg(numberText(t_snk)), t_snk);
 
-    ui->Src2Rf->setValue(mS2Rf);
+    ui->Src2Rf->setMean(mS2Rf);
     ui->Src2Hd->setEnabled(VaHdmi);
-    ui->Src2Hd->setValue(mS2Hd);
-    ui->Src2Snk->setValue(mS2Snk);
+    ui->Src2Hd->setMean(mS2Hd);
+    ui->Src2Snk->setMean(mS2Snk);
 
     plot->replot();
     QCoreApplication::processEvents();

@@ -1,0 +1,23 @@
+#include "instrument/NumberText.h"
+
+#include <clocale>
+#include <cstdlib>
+#include <limits>
+#ifdef __APPLE__
+#include <xlocale.h>
+#endif
+
+double leadingNumber(const char *text)
+{
+    // A QApplication puts the process into the operator's locale, where the decimal point of an
+    // instrument's reply may end the number.
+    static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", nullptr);
+    return strtod_l(text, nullptr, cLocale);
+}
+
+int leadingInteger(const char *text)
+{
+    const long value = std::strtol(text, nullptr, 10);
+    return static_cast<int>(
+        qBound<long>(std::numeric_limits<int>::min(), value, std::numeric_limits<int>::max()));
+}

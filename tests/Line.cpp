@@ -1,8 +1,0 @@
-#include "Line.h"
-
-#include "instrument/VisaLibraryPath.h"
-
-QString visaLibraryPath()
-{
-    return Line::libraryPath;
-}
