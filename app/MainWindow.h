@@ -35,6 +35,9 @@ public slots:
     int LoadBinFile(const QString &fnam, QVector<double> *d, ViInt32 *cnt);
 
 private slots:
+    // Those without a caller are part of what the window offers by name
+    // (QMetaObject::invokeMethod); the on_ slots are found by their names when the form is set up.
+
     /// Run the series of measurements that the window describes: runSeries().
     int Meas(QVector<double> *d1, QVector<double> *d2, QVector<double> *d3, QVector<double> *t);
     /// computeDelays(), into the program-wide instants and the two delays (milliseconds).

@@ -21,6 +21,7 @@
 #include <benchmark/benchmark.h>
 
 #include <array>
+#include <cstdio>
 #include <fcntl.h>
 #include <numeric>
 #include <unistd.h>
@@ -147,20 +148,14 @@ void mainWindow(benchmark::State &state)
 void bareExchanges(benchmark::State &state)
 {
     const canned::Exchanges exchanges = canned::exchanges(OscilloscopeType(state.range(0)));
-    std::array<ViByte, 100> buffer{};
-    const auto write = [](const QByteArray &command) {
-        p_viWrite(1, reinterpret_cast<const ViByte *>(command.constData()),
-                  static_cast<ViUInt32>(command.size()), nullptr);
-    };
+    std::vector<ViByte> buffer(20000);
     for (auto _ : state) {
-        for (const QByteArray &command : exchanges.queries) {
-            write(command);
-            p_viRead(1, buffer.data(), 100, nullptr);
-        }
-        for (const QByteArray &command : exchanges.traces) {
-            write(command);
-            p_viRead(1, buffer.data(), 2, nullptr);
-            p_viRead(1, buffer.data(), 5, nullptr);
+        for (const canned::Exchange &exchange : exchanges) {
+            p_viWrite(1, reinterpret_cast<const ViByte *>(exchange.command.constData()),
+                      static_cast<ViUInt32>(exchange.command.size()), nullptr);
+            for (const ViUInt32 count : exchange.reads) {
+                p_viRead(1, buffer.data(), count, nullptr);
+            }
         }
         benchmark::ClobberMemory();
     }
@@ -215,6 +210,12 @@ int main(int argc, char *argv[])
     const QApplication application(argc, argv);
     setVisaLibraryPaths({BENCH_LIBRARY}); // for the window; everything else is bound by hand
     canned::bind();
+    for (const auto type : {OscilloscopeType::Kvx, OscilloscopeType::Lpa4004}) {
+        if (canned::exchanges(type).isEmpty()) {
+            std::fputs("The traces of a measurement did not arrive.\n", stderr);
+            return 1;
+        }
+    }
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 1;

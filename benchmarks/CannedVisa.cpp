@@ -41,10 +41,15 @@ void answer(const QByteArray &bytes)
     answer(bytes.constData(), static_cast<std::size_t>(bytes.size()));
 }
 
+canned::Exchanges *record = nullptr; ///< of the exchanges, while one is being made
+
 ViStatus write(ViSession /*session*/, const ViByte *buffer, ViUInt32 count,
                ViUInt32 * /*returnedCount*/)
 {
     const auto *command = reinterpret_cast<const char *>(buffer);
+    if (record != nullptr) {
+        record->append(canned::Exchange{QByteArray(command, static_cast<int>(count)), {}});
+    }
     const auto startsWith = [&](const char *text) {
         return count >= std::strlen(text) && std::memcmp(command, text, std::strlen(text)) == 0;
     };
@@ -77,6 +82,9 @@ ViStatus drop(std::size_t size, ViUInt32 *returnedCount)
 
 ViStatus read(ViSession /*session*/, ViByte *buffer, ViUInt32 count, ViUInt32 *returnedCount)
 {
+    if (record != nullptr) {
+        record->last().reads.append(count);
+    }
     const std::size_t size = take(count);
     std::memcpy(buffer, unread, size);
     return drop(size, returnedCount);
@@ -119,17 +127,13 @@ SeriesSettings canned::series(OscilloscopeType type)
 
 canned::Exchanges canned::exchanges(OscilloscopeType type)
 {
-    const QByteArrayList hdmi = {"READ:AVDA:TTV:STAT?\n", "READ:AVDA:TTV:COUN?\n",
-                                 "READ:AVDA:TTV:VAL?\n"};
-    if (type == OscilloscopeType::Kvx) {
-        return {QByteArrayList{"INIT:CONT OFF;*OPC?\n", "INIT:CONT OFF;*OPC?\n", "*TRG;*OPC?\n",
-                               "FORM REAL,32;*OPC?\n", "RUNC;*OPC?\n", "INIT:CONT ON;*OPC?\n"} +
-                    hdmi,
-                {"CHAN1:DATA?\n", "CHAN3:DATA?\n", "CHAN2:DATA?\n"}};
-    }
-    return {QByteArrayList{"INIT:CONT OFF;*OPC?\n", "SING;*OPC?\n", "FORM REAL,32;*OPC?\n",
-                           "*TRG;*OPC?\n", "SWE:POIN 20000;*OPC?\n", "FORM REAL,32;*OPC?\n",
-                           "RUN;*OPC?\n", "INIT:CONT ON;*OPC?\n"} +
-                hdmi,
-            {"CHAN1:DATA?\n", "TRAC? TRACE1, 20000\n", "CHAN2:DATA?\n"}};
+    Exchanges exchanges;
+    Record traces;
+    SeriesResults results;
+    record = &exchanges;
+    runSeries(series(type), &traces, &results);
+    record = nullptr;
+    const bool isWhole = traces.source.size() == recordLength && traces.rf.size() == recordLength &&
+                         traces.sink.size() == recordLength && results.sourceToRf.mean > 0;
+    return isWhole ? exchanges : Exchanges();
 }

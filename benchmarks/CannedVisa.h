@@ -2,7 +2,7 @@
 
 #include "measurement/MeasurementRun.h"
 
-#include <QByteArrayList>
+#include <QByteArray>
 
 /// A VISA library without instruments: every answer lies ready in memory, traces as blocks of
 /// 32-bit floats. It costs as little as one can, so that the program's own cost shows.
@@ -17,12 +17,16 @@ void bind();
 /// A series of one measurement with all three instruments, for an oscilloscope type.
 SeriesSettings series(OscilloscopeType type);
 
-/// The commands of one measurement, traces last.
-struct Exchanges
+/// A command of a measurement, and how many bytes each read of its answer asks for; but for what
+/// goes into a file.
+struct Exchange
 {
-    QByteArrayList queries;
-    QByteArrayList traces;
+    QByteArray command;
+    QVector<ViUInt32> reads;
 };
+using Exchanges = QVector<Exchange>;
+
+/// Take one measurement and note its exchanges; none when its traces did not all arrive.
 Exchanges exchanges(OscilloscopeType type);
 
 } // namespace canned

@@ -8,7 +8,9 @@
 // negative an error, positive a success with a remark. Without a bound VISA function it returns
 // VI_ERROR_LIBRARY_NFOUND and does no more. Nothing here shows a message or throws.
 //
-// Commands go out as they are: each carries its own "\n". Text is in the local 8-bit encoding.
+// Whatever the names say, no formatted I/O is behind them: all that is sent goes through viWrite(),
+// all that comes through viRead(). Commands go out as they are: each carries its own "\n". Text is
+// in the local 8-bit encoding.
 
 /// Open the default resource manager.
 ViStatus iaOpenDefaultRM(ViSession *resourceManager);

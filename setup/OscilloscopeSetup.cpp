@@ -48,7 +48,7 @@ ViStatus setUpKvx(ViSession session, double triggerLevel, bool rfFromOscilloscop
         status = sendOrFallBack(session, ifChannel);
     }
     if (status != VI_SUCCESS) {
-        return status; // without Go To Local
+        return status; // without Go To Local, unlike after failures from here on
     }
     sendOrStopAndIgnore(session, timeBase);
     status = sendOrStop(session, triggerAndExport);

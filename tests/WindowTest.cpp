@@ -3,6 +3,7 @@
 #include "app/graph/Graph.h"
 #include "app/MainWindow.h"
 #include "app/SettingsDirectory.h"
+#include "instrument/InstrumentIo.h"
 #include "Line.h"
 
 #include <QtTest>
@@ -235,6 +236,20 @@ private slots:
             Q_ARG(QVector<double> *, &traces[3]), Q_ARG(double *, &delays[0]),
             Q_ARG(double *, &delays[1])));
         QVERIFY(qRound(delays[0]) == 240 && qRound(delays[1]) == 480);
+
+        Line line;
+        line.answer = [](auto &, auto &) { return QByteArray("#14\0\0\x80?\n", 8); };
+        const ViSession session = 7;
+        const QString command = "CHAN1:DATA?\n";
+        QVector<double> queried;
+        QVector<double> read;
+        QVERIFY(QMetaObject::invokeMethod(&window, "ReadArray", Q_ARG(ViSession, session),
+                                          Q_ARG(QString, command),
+                                          Q_ARG(QVector<double> *, &queried)));
+        iaPrintf(session, command);
+        QVERIFY(QMetaObject::invokeMethod(&window, "IntReadArray", Q_ARG(ViSession, session),
+                                          Q_ARG(QVector<double> *, &read)));
+        QVERIFY(queried == QVector<double>{1.0} && read == queried);
 
         const QString file = home.filePath("trace.bin");
         QVector<double> loaded = {7.0};
