@@ -9,7 +9,7 @@ declare -A packages_of=(
     [desktop]='xvfb openbox xdotool imagemagick fonts-dejavu-core'
     [benchmarks]='libbenchmark-dev'
     [pyvisa]='python3 python3-pyvisa python3-numpy python3-matplotlib'
-    [package]='dpkg-dev file desktop-file-utils appstream mandoc lintian librsvg2-bin debootstrap'
+    [package]='dpkg-dev file desktop-file-utils appstream mandoc lintian librsvg2-bin piuparts'
     [checks]='clang libclang-rt-dev clang-format clang-tidy locales fonts-dejavu-core'
 )
 # Only where it is not called like its package. Of libraries and data there is none to look for.

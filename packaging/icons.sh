@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Checks that the icon's pictures in the tree are those of its drawing; with --render, makes them.
-# Usage: check-icons.sh [--render]
+# Usage: icons.sh [--render]
 set -euo pipefail
-cd "$(dirname "$0")/../packaging/hicolor"
+cd "$(dirname "$0")/hicolor"
 
 name=org.varnholt.Orvanta
 status=0
