@@ -13,9 +13,10 @@ extern "C" {
 // clang-format off: a family a line
 // Formatted and buffered
 UNSUPPORTED(viPrintf)
-UNSUPPORTED(viVPrintf) UNSUPPORTED(viSPrintf) UNSUPPORTED(viVSPrintf) UNSUPPORTED(viScanf)
-    UNSUPPORTED(viVScanf) UNSUPPORTED(viSScanf) UNSUPPORTED(viVSScanf) UNSUPPORTED(viQueryf)
-        UNSUPPORTED(viVQueryf) UNSUPPORTED(viBufRead) UNSUPPORTED(viBufWrite)
+UNSUPPORTED(viVPrintf)
+UNSUPPORTED(viSPrintf) UNSUPPORTED(viVSPrintf) UNSUPPORTED(viScanf) UNSUPPORTED(viVScanf)
+    UNSUPPORTED(viSScanf) UNSUPPORTED(viVSScanf) UNSUPPORTED(viQueryf) UNSUPPORTED(viVQueryf)
+        UNSUPPORTED(viBufRead) UNSUPPORTED(viBufWrite)
     // Asynchronous and events
     UNSUPPORTED(viReadAsync) UNSUPPORTED(viWriteAsync) UNSUPPORTED(viTerminate)
         UNSUPPORTED(viEnableEvent) UNSUPPORTED(viWaitOnEvent) UNSUPPORTED(viInstallHandler)
