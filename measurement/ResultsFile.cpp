@@ -27,5 +27,8 @@ bool writeResults(const QString &fileName, const SeriesResults &results)
                          paragraph("Source2HD", results.sourceToHdmi) + '\n' +
                          paragraph("Source2Snk", results.sourceToSink);
     file.write(text.toUtf8());
+    if (!file.flush()) { // which commit() does not notice
+        file.cancelWriting();
+    }
     return file.commit();
 }

@@ -1,11 +1,11 @@
+#include "bench/InProcessBackend.h"
 #include "instrument/InstrumentIo.h"
 #include "Line.h"
 #include "measurement/MeasurementRun.h"
 #include "setup/OscilloscopeSetup.h"
 #include "setup/SpectrumAnalyzerSetup.h"
 #include "setup/VideoAnalyzerSetup.h"
-#include "simulator/Laboratory.h"
-#include "simulator/VisaFunctions.h"
+#include "visa/VisaFunctions.h"
 
 #include <QtTest>
 
@@ -79,7 +79,7 @@ struct Instruments
     {
         QString text;
         for (const QString &host : hosts) {
-            auto &errors = simulator::bench().find(host.toStdString())->errors();
+            auto &errors = ::bench().find(host.toStdString())->errors();
             while (!errors.isEmpty()) {
                 text += QString::fromStdString(errors.next());
             }
@@ -161,7 +161,7 @@ private slots:
             constexpr int measurements = 200;
             for (int i = 0; i < measurements; ++i) {
                 QCOMPARE(bench.run(), 0);
-                const simulator::Instants &truth = simulator::bench().link().lastEvent().instants();
+                const simulator::Instants &truth = ::bench().link().lastEvent().instants();
                 const double rfError =
                     bench.results.sourceToRf.mean - rfLate - (truth.rf - truth.source) * 1000;
                 const double sinkError =
@@ -193,7 +193,7 @@ private slots:
         QFETCH(const int, row);
         const bool isSeries = row % 4 == 3;
         Instruments bench(row < 8 ? OscilloscopeType::Kvx : OscilloscopeType::Lpa4004, row & 4);
-        simulator::LinkModel events = simulator::bench().link();
+        simulator::LinkModel events = ::bench().link();
         for (auto ahead = events; !ahead.lastEvent().isOverloaded(); ahead.trigger(0.027)) {
             events = ahead; // the next record is one to be taken again
         }
@@ -204,7 +204,7 @@ private slots:
             iaQueryf_s(bench.series.oscilloscope, "ACQ:POIN 4000;*OPC?\n", &reply);
             static_cast<void>(bench.takeErrors());
             bench.line.takeTranscript();
-            simulator::bench().link() = events;
+            ::bench().link() = events;
             bench.record.time.clear();
             calls = 0;
             happened = false;
@@ -264,41 +264,40 @@ private slots:
         QCOMPARE(openDescriptors(), descriptors);
     }
 
-    /// Places for files that are full, gone or somebody else's; then there is a place again.
+    void places_data()
+    {
+        QTest::addColumn<QString>("taken"); // by folders of this name
+        QTest::addColumn<int>("room");      // bytes in a file
+        QTest::addColumn<int>("result");
+        QTest::addColumn<int>("files");
+        QTest::newRow("usual") << "" << INT_MAX << 0 << 10;
+        QTest::newRow("no room for the results") << "" << 50 << -1 << 0;
+        QTest::newRow("no room for traces") << "" << 60000 << 0 << 1;
+        QTest::newRow("no results") << "Results.txt" << INT_MAX << -1 << 0;
+        QTest::newRow("one trace less") << "002_rf.bin" << INT_MAX << 0 << 9;
+    }
+
+    /// Places for files that are full or somebody else's.
     void places()
     {
+        QFETCH(const QString, taken);
+        QFETCH(const int, room);
         Instruments bench(OscilloscopeType::Lpa4004, true);
+        const QTemporaryDir results(home.path() + "/results-XXXXXX");
         bench.series.save = true;
-        const auto noChange = [](const QString &) {};
-        const auto take = [](const QString &name) {
-            return [name](const QString &results) {
-                for (int seconds = 0; seconds < 60; ++seconds) {
-                    const QDateTime time = QDateTime::currentDateTime().addSecs(seconds);
-                    QDir(results).mkdir(time.toString("yyyy-MM-dd_hh-mm-ss_") + name);
-                }
-            };
-        };
-        using Change = std::function<void(const QString &results)>;
-        for (const auto &[change, room, result, files] :
-             std::initializer_list<std::tuple<Change, rlim_t, int, int>>{
-                 {noChange, RLIM_INFINITY, 0, 10},
-                 {noChange, 50, -1, 0},
-                 {noChange, 300, 0, 1},
-                 {[](auto &results) { QDir(results).removeRecursively(); }, RLIM_INFINITY, -1, 0},
-                 {take("Results.txt"), RLIM_INFINITY, -1, 0},
-                 {take("002_rf.bin"), RLIM_INFINITY, 0, 9}}) {
-            const QTemporaryDir results(home.path() + "/results-XXXXXX");
-            bench.series.filePrefix = results.path() + '/';
-            change(results.path());
-            std::signal(SIGXFSZ, SIG_IGN);
-            const rlimit limit{room, RLIM_INFINITY};
-            QCOMPARE(setrlimit(RLIMIT_FSIZE, &limit), 0);
-            const int returned = bench.run();
-            const rlimit usual{RLIM_INFINITY, RLIM_INFINITY};
-            QCOMPARE(setrlimit(RLIMIT_FSIZE, &usual), 0);
-            QCOMPARE(returned, result);
-            QCOMPARE(QDir(results.path()).entryList(QDir::Files).size(), files);
+        bench.series.filePrefix = results.path() + '/';
+        for (int seconds = 0; seconds < 60 && !taken.isEmpty(); ++seconds) {
+            const QDateTime time = QDateTime::currentDateTime().addSecs(seconds);
+            QDir(results.path()).mkdir(time.toString("yyyy-MM-dd_hh-mm-ss_") + taken);
         }
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{rlim_t(room), RLIM_INFINITY};
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &limit), 0);
+        const int returned = bench.run();
+        const rlimit usual{RLIM_INFINITY, RLIM_INFINITY};
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &usual), 0);
+        QTEST(returned, "result");
+        QTEST(QDir(results.path()).entryList(QDir::Files).size(), "files");
     }
 };
 

@@ -187,7 +187,7 @@ private slots:
             window->find<QComboBox>("OsTyp")->setCurrentIndex(type);
             window->type("OsIp", "TCPIP::" + host + "::INSTR");
             window->type("OsTrgLvl", " 3e-2 ");
-            window->type("SaFrq", "5,2");
+            window->type("SaFrq", "5.2e9");
             window->type("VaThres", "");
             window->type("MeasCnt", "2");
             for (const char *name :
@@ -200,7 +200,7 @@ private slots:
             }
             const QStringList setUp = line.takeTranscript();
             for (const char *command :
-                 {"< *RST;", "LEV1 0.03;", "< FREQ:CENT 0;", "< CONF:AVDA:TTV:APL:THR 0;",
+                 {"< *RST;", "LEV1 0.03;", "< FREQ:CENT 5.2e+09;", "< CONF:AVDA:TTV:APL:THR 0;",
                   type == 0 ? "< CHAN3 ON;" : "< SWE:TIME 1.2;"}) {
                 QVERIFY2(!setUp.filter(command).isEmpty(), command);
             }

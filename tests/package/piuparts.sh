@@ -8,7 +8,7 @@ set -euo pipefail
 codename=$(source /etc/os-release && echo "$VERSION_CODENAME")
 # shellcheck disable=SC2016 # apt expands these
 mirror=$(apt-get indextargets --format '$(REPO_URI) $(COMPONENT)' 'Created-By: Packages' \
-    "Codename: $codename" "Suite: stable" | sort --unique | head --lines=1)
+    "Codename: $codename" | head --lines=1)
 if ((EUID != 0)) || ! unshare --mount true || [[ $mirror != http* ]]; then
     echo "No clean system: that takes root who may mount, and a mirror (here: '$mirror')"
     exit 77
