@@ -127,6 +127,18 @@ private slots:
         QCOMPARE(window.size(), QSize(327, 293));
         QCOMPARE(window.minimumSize(), window.size());
         QCOMPARE(window.windowFlags(), Qt::Window | Qt::WindowTitleHint | Qt::CustomizeWindowHint);
+        QStringList order; // of the Tab key
+        const QWidget *first = window.find<QWidget>("OsIp");
+        const QWidget *widget = first;
+        do {
+            if ((widget->focusPolicy() & Qt::TabFocus) != 0) {
+                order << widget->objectName();
+            }
+            widget = widget->nextInFocusChain();
+        } while (widget != first);
+        QCOMPARE(order.join(' ').trimmed(), // the last is the button Cancel, which has no name
+                 QString("OsIp OsTrgLvl OsTyp OsRst OsInit SaIp SaFrq SaIfDem SaRst SaInit VaHdmi "
+                         "VaIp VaThres VaRst VaInit MeasCnt Start SaveData"));
         const auto hasRoom = [](const QWidget *widget, const QString &text, int indicator) {
             const QFontMetrics metrics = widget->fontMetrics();
             const QStringList lines = text.split('\n');
