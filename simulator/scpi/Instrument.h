@@ -53,14 +53,20 @@ protected:
     };
     /// Carry a command out. What a failing one has added to the answer is dropped.
     using Handler = std::function<Error(const Call &call, std::string *answer)>;
+    /// How many parameters there may be.
+    struct Parameters
+    {
+        std::size_t least = 0;
+        std::size_t most = 0;
+    };
 
     /// Add a setting with its command and its query.
     Setting &add(Setting setting);
     /// Add a command and a query that tell a setting in other words, factor times its value.
     void addMultiple(std::string_view pattern, Setting &setting, double factor);
     /// Add a command or a query by its pattern, without the question mark.
-    void onCommand(std::string_view pattern, Handler handler);
-    void onQuery(std::string_view pattern, Handler handler);
+    void onCommand(std::string_view pattern, Parameters parameters, Handler handler);
+    void onQuery(std::string_view pattern, Parameters parameters, Handler handler);
     /// Add a command that takes no parameters and cannot fail.
     void onEvent(std::string_view pattern, const std::function<void()> &action);
     /// Add a query that takes no parameters and cannot fail.
@@ -80,8 +86,9 @@ private:
     struct Command
     {
         Pattern pattern;
-        Handler set;
-        Handler query;
+        bool isQuery;
+        Parameters parameters;
+        Handler handler;
     };
 
     void addCommonCommands();
