@@ -21,6 +21,8 @@ may_include instrument 'no others'
 may_include setup 'instrument/.*'
 may_include measurement 'instrument/.*'
 may_include plot 'no others'
+may_include analysis '(instrument|measurement)/.*'
+may_include viewer '(analysis|instrument|measurement|plot)/.*'
 may_include app '(instrument|setup|measurement|plot)/.*'
 may_include simulator 'instrument/VisaTypes\.h'
 
