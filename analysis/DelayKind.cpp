@@ -2,15 +2,20 @@
 
 QString delayName(DelayKind kind)
 {
+    return "Source to " + delayEnd(kind);
+}
+
+QString delayEnd(DelayKind kind)
+{
     switch (kind) {
     case DelayKind::Rf:
-        return "Source to RF";
+        return "RF";
     case DelayKind::Hdmi:
-        return "Source to HDMI";
+        return "HDMI";
     case DelayKind::Sink:
         break;
     }
-    return "Source to sink";
+    return "sink";
 }
 
 const QVector<double> &valuesOf(const SeriesResults &results, DelayKind kind)

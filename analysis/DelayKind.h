@@ -17,5 +17,8 @@ constexpr std::array<DelayKind, 3> delayKinds = {DelayKind::Rf, DelayKind::Hdmi,
 /// Name a delay, as "Source to RF".
 QString delayName(DelayKind kind);
 
+/// Name where a delay ends, as "RF".
+QString delayEnd(DelayKind kind);
+
 /// Find the values of a delay, in milliseconds.
 const QVector<double> &valuesOf(const SeriesResults &results, DelayKind kind);

@@ -93,6 +93,11 @@ bool isHdmiUsed(const SeriesResults &results)
     return std::any_of(values.begin(), values.end(), [](double value) { return value != 0.0; });
 }
 
+bool isMeasured(const SeriesResults &results, DelayKind kind)
+{
+    return kind != DelayKind::Hdmi || isHdmiUsed(results);
+}
+
 QVector<Flag> allFlags()
 {
     return {Flag::EndOfAxis, Flag::NoSource,    Flag::NothingArrived, Flag::OnTrigger,

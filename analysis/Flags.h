@@ -30,6 +30,9 @@ SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognit
 /// Whether the video analyzer took part: without it every HDMI delay is 0.
 bool isHdmiUsed(const SeriesResults &results);
 
+/// Whether a delay was measured.
+bool isMeasured(const SeriesResults &results, DelayKind kind);
+
 /// List the flags that there are.
 QVector<Flag> allFlags();
 

@@ -79,6 +79,9 @@ QVector<double> selectValues(const Series &series, DelayKind kind, bool withFlag
     const QVector<double> &values = valuesOf(series.results, kind);
     const QVector<Flags> &flags = series.flagsOf(kind);
     QVector<double> selected;
+    if (!isMeasured(series.results, kind)) {
+        return selected;
+    }
     selected.reserve(values.size());
     for (int i = 0; i < values.size(); ++i) {
         if (std::isfinite(values[i]) && (withFlagged || !flags[i])) {

@@ -43,5 +43,6 @@ QString seriesName(const Series &series);
 /// multiples; 0 when the oscilloscope type is not known.
 double samplingInterval(const Series &series);
 
-/// Select the finite values of a delay, in milliseconds, all or only those without flags.
+/// Select the finite values of a delay, in milliseconds, all or only those without flags. Of HDMI
+/// there is none where no video analyzer took part.
 QVector<double> selectValues(const Series &series, DelayKind kind, bool withFlagged);

@@ -10,21 +10,22 @@
 
 namespace {
 
-constexpr int nameWidth = 24;
-constexpr int countWidth = 7;
-constexpr int numberWidth = 10;
+constexpr int nameWidth = 20;
+constexpr int countWidth = 6;
+constexpr int numberWidth = 9; // with a blank before it
 
 QString cell(double value)
 {
-    return (std::isnan(value) ? QString("-") : numberText(value)).rightJustified(numberWidth);
+    const QString text = std::isnan(value) ? QString("-") : numberText(value);
+    return ' ' + text.rightJustified(numberWidth - 1);
 }
 
 QString headingLine()
 {
     QString line =
         QString("Delay / ms").leftJustified(nameWidth) + QString("n").rightJustified(countWidth);
-    for (const char *name : {"minimum", "median", "mean", "maximum", "std.dev.", "peak-peak", "P5",
-                             "P95", "P99", "P95-P50"}) {
+    for (const char *name : {"minimum", "median", "mean", "maximum", "std.dev.", "p-p", "P5", "P95",
+                             "P99", "P95-P50"}) {
         line += QString(name).rightJustified(numberWidth);
     }
     return line + '\n';
@@ -110,7 +111,7 @@ QString summarise(const Series &series)
                    oscilloscopeLine(series) + headingLine();
     QString flags;
     for (const DelayKind kind : delayKinds) {
-        if (kind == DelayKind::Hdmi && !isHdmiUsed(series.results)) {
+        if (!isMeasured(series.results, kind)) {
             text += delayName(kind).leftJustified(nameWidth) + "  not used: every value is 0\n";
             continue;
         }
@@ -123,7 +124,9 @@ QString summarise(const Series &series)
         }
         flags += reasons;
     }
-    return text + "Median and percentiles by nearest rank; std.dev. with n - 1\n" + flags;
+    return text +
+           "Median and percentiles by nearest rank; std.dev. with n - 1; p-p: peak to peak\n" +
+           flags;
 }
 
 QString compareSeries(const Series &first, const Series &second)
@@ -131,20 +134,18 @@ QString compareSeries(const Series &first, const Series &second)
     QString text = QString("Medians of %2 less those of %1, without flagged values\n")
                        .arg(seriesName(first), seriesName(second));
     text += QString("Delay / ms").leftJustified(nameWidth) +
-            QString("difference").rightJustified(numberWidth) +
+            QString("difference").rightJustified(numberWidth + 3) +
             QString("   95 % interval (bootstrap, %1 resamplings)\n").arg(resamplings);
     for (const DelayKind kind : delayKinds) {
         const QVector<double> of1 = selectValues(first, kind, false);
         const QVector<double> of2 = selectValues(second, kind, false);
-        const bool isUsed =
-            kind != DelayKind::Hdmi || (isHdmiUsed(first.results) && isHdmiUsed(second.results));
         text += delayName(kind).leftJustified(nameWidth);
-        if (!isUsed || of1.isEmpty() || of2.isEmpty()) {
-            text += QString("-").rightJustified(numberWidth) + "   no values in both\n";
+        if (of1.isEmpty() || of2.isEmpty()) {
+            text += QString("-").rightJustified(numberWidth + 3) + "   no values in both\n";
             continue;
         }
         const MedianDifference found = compareMedians(of1, of2);
-        text += cell(found.difference) +
+        text += "   " + cell(found.difference) +
                 QString("   %1 to %2%3\n")
                     .arg(numberText(found.low), numberText(found.high),
                          found.low <= 0.0 && found.high >= 0.0 ? ", no difference shown" : "");
