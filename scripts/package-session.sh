@@ -30,7 +30,7 @@ fi
 sed --quiet 's/^Icon=//p' "$unpacked"/usr/share/applications/* | while read -r icon; do
     ls "$unpacked/usr/share/icons/hicolor"/{48x48,128x128,256x256}/apps/"$icon.png" >/dev/null
 done
-sed --quiet --regexp-extended 's/^(Exec|StartupWMClass)=//p' "$unpacked"/usr/share/applications/* |
+sed --quiet --regexp-extended 's/^(Exec|StartupWMClass)=([^ ]*).*/\2/p' "$unpacked"/usr/share/applications/* |
     while read -r program; do ls "$unpacked/usr/bin/$program" >/dev/null; done
 sed --quiet 's:.*<launchable[^>]*>\(.*\)</.*:\1:p' "$unpacked"/usr/share/metainfo/* |
     while read -r entry; do ls "$unpacked/usr/share/applications/$entry" >/dev/null; done

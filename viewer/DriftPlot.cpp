@@ -122,7 +122,7 @@ QwtPlot *driftPlot(const QVector<Series> &selection, DelayKind kind)
             }
         }
         const int size = points.size() > manyPoints ? 3 : 7;
-        const QBrush inside = i == 0 ? QBrush(style.colour) : QBrush(Qt::white);
+        const QBrush inside = i == 0 ? QBrush(style.colour) : QBrush(Qt::NoBrush);
         addPoints(plot, seriesName(series), points,
                   makeSymbol(style.symbol, inside, QPen(style.colour, dataWidth), size));
         longest = std::max(longest, series.count());

@@ -53,9 +53,10 @@ QwtPlot *recordPlot(const Series &series)
         QPen pen;
     };
     const Instants &at = series.oscilloscope.instants;
+    // The bursts of RF go to the back: they would hide the rest.
     for (const Row &row :
-         {Row{"Source", &record.source, at.source, QPen(sourceColour, dataWidth, Qt::DashLine)},
-          Row{"RF (scaled)", &record.rf, at.rf, QPen(rfColour, dataWidth, Qt::DotLine)},
+         {Row{"RF (scaled)", &record.rf, at.rf, QPen(rfColour, dataWidth, Qt::DotLine)},
+          Row{"Source", &record.source, at.source, QPen(sourceColour, dataWidth, Qt::DashLine)},
           Row{"Sink", &record.sink, at.sink, QPen(sinkColour, dataWidth, Qt::DashDotLine)}}) {
         QwtPlotCurve *curve = addCurve(plot, QPen(row.pen.color(), dataWidth),
                                        new TraceData(*row.trace, first, interval));

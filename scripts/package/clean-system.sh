@@ -64,6 +64,10 @@ worked=true
 (cd / && "$here/../desktop-session.sh" "$here/installed-demo.sh" "$session") || worked=false
 cp --recursive -- "$session" "$folder/"
 $worked
+inner=${session#"$CLEAN_SYSTEM"}
+logged chroot --userspec=engineer: "$CLEAN_SYSTEM" env HOME=/home/engineer \
+    XDG_RUNTIME_DIR="$inner/.desktop-session/runtime" \
+    OrvantaResults --report "$inner/report.pdf" "$inner/data/Varnholt"
 
 # --- Nothing stays but the engineer's results.
 inside dpkg --purge "$(dpkg-deb --field "$package" Package)"
