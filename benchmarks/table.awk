@@ -27,6 +27,8 @@ END {
     row("set of trace files", median["traceFiles"])
     row("graph, made and painted", median["graph"])
     row("main window, made", median["mainWindow"])
+    row("results of 100000 measurements, summed up", median["summary"], median["bareNumbers"])
+    row("trace of 1000000 samples, read and drawn", median["traceDrawn"], median["traceRead"])
 }
 function rows(samples,    size) {
     size = sprintf("%d", samples)

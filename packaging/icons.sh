@@ -1,20 +1,23 @@
 #!/usr/bin/env bash
-# Checks that the icon's pictures in the tree are those of its drawing; with --render, makes them.
+# Checks that the icons' pictures in the tree are those of their drawings; with --render, makes them.
 # Usage: icons.sh [--render]
 set -euo pipefail
 cd "$(dirname "$0")/hicolor"
 
-name=org.varnholt.Orvanta
 status=0
-for size in 48 128 256; do
-    picture=${size}x$size/apps/$name.png
-    render=(rsvg-convert --width "$size" --height "$size" "scalable/apps/$name.svg")
-    if [[ ${1:-} == --render ]]; then
-        "${render[@]}" --output "$picture"
-    # Colours may be rounded differently by another version of the renderer.
-    elif ! different=$("${render[@]}" | compare -metric AE -fuzz 3% "$picture" - null: 2>&1); then
-        echo "$picture is not made of its drawing; pixels that differ: $different" >&2
-        status=1
-    fi
+for drawing in scalable/apps/*.svg; do
+    name=$(basename "$drawing" .svg)
+    for size in 48 128 256; do
+        picture=${size}x$size/apps/$name.png
+        render=(rsvg-convert --width "$size" --height "$size" "$drawing")
+        if [[ ${1:-} == --render ]]; then
+            "${render[@]}" --output "$picture"
+        # Colours may be rounded differently by another version of the renderer.
+        elif ! different=$("${render[@]}" |
+            compare -metric AE -fuzz 3% "$picture" - null: 2>&1); then
+            echo "$picture is not made of its drawing; pixels that differ: $different" >&2
+            status=1
+        fi
+    done
 done
 exit "$status"

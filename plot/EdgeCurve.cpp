@@ -1,5 +1,7 @@
 #include "plot/EdgeCurve.h"
 
+#include "plot/TraceData.h"
+
 #include <qwt_plot.h>
 #include <qwt_plot_curve.h>
 #include <qwt_plot_marker.h>
@@ -12,6 +14,15 @@ QwtPlotCurve *addCurve(QwtPlot *plot, const QPen &pen, const QVector<double> &ti
     curve->setPen(pen);
     curve->attach(plot);
     curve->setSamples(time, trace);
+    return curve;
+}
+
+QwtPlotCurve *addCurve(QwtPlot *plot, const QPen &pen, TraceData *trace)
+{
+    auto *curve = new QwtPlotCurve;
+    curve->setPen(pen);
+    curve->attach(plot);
+    curve->setSamples(trace);
     return curve;
 }
 

@@ -6,7 +6,7 @@ set -euo pipefail
 
 declare -A packages_of=(
     [build]='g++ cmake make ninja-build qtbase5-dev libqwt-qt5-dev libre2-dev'
-    [desktop]='xvfb openbox xdotool imagemagick fonts-dejavu-core'
+    [desktop]='xvfb openbox xdotool imagemagick fonts-dejavu-core poppler-utils'
     [benchmarks]='libbenchmark-dev'
     [pyvisa]='python3 python3-pyvisa python3-numpy python3-matplotlib'
     [package]='dpkg-dev file desktop-file-utils appstream mandoc lintian librsvg2-bin piuparts'
@@ -14,7 +14,7 @@ declare -A packages_of=(
 )
 # Only where it is not called like its package. Of libraries and data there is none to look for.
 declare -A command_of=(
-    [ninja-build]=ninja [xvfb]=Xvfb [imagemagick]=import
+    [ninja-build]=ninja [xvfb]=Xvfb [imagemagick]=import [poppler-utils]=pdftoppm
     [dpkg-dev]=dpkg-shlibdeps [desktop-file-utils]=desktop-file-validate [appstream]=appstreamcli
     [librsvg2-bin]=rsvg-convert
     [qtbase5-dev]='' [libqwt-qt5-dev]='' [libre2-dev]='' [libbenchmark-dev]='' [libclang-rt-dev]=''

@@ -1,0 +1,45 @@
+#include "analysis/Csv.h"
+
+#include "instrument/NumberText.h"
+
+#include <QStringList>
+
+namespace {
+
+QString quoted(QString text)
+{
+    const bool isPlain = !text.contains(',') && !text.contains('"') && !text.contains('\n');
+    return isPlain ? text : '"' + text.replace('"', "\"\"") + '"';
+}
+
+} // namespace
+
+QString csvHeading()
+{
+    return "file,measurement,source_to_rf_ms,source_to_hdmi_ms,source_to_sink_ms,flags\n";
+}
+
+QString csvRows(const Series &series)
+{
+    const QString file = quoted(series.fileName);
+    QString rows;
+    for (int i = 0; i < series.count(); ++i) {
+        rows += file + ',' + QString::number(i + 1);
+        for (const DelayKind kind : delayKinds) {
+            rows += ',' + numberText(valuesOf(series.results, kind)[i]);
+        }
+        rows += ',' + quoted(measurementFlags(series, i)) + '\n';
+    }
+    return rows;
+}
+
+QString measurementFlags(const Series &series, int measurement)
+{
+    QStringList all;
+    for (const DelayKind kind : delayKinds) {
+        if (const Flags flags = series.flagsOf(kind)[measurement]) {
+            all += delayName(kind) + ": " + flagReasons(flags);
+        }
+    }
+    return all.join("; ");
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "analysis/Series.h"
+
+#include <QStringList>
+
+#include <functional>
+
+/// Series that were asked for, and a sentence for each file that is none.
+struct LoadedSeries
+{
+    QVector<Series> series;
+    QStringList problems;
+};
+
+/// Is told how many files are done, of how many; returns false to leave the others out.
+using LoadingProgress = std::function<bool(int done, int all)>;
+
+/// Open series by their results files; a folder stands for all in it, newest first.
+LoadedSeries loadSeries(const QStringList &filesAndFolders, const LoadingProgress &progress = {});

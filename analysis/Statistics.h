@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QVector>
+
+#include <limits>
+
+/// What a delay's values are like, in milliseconds. NaN where there are too few of them. Median and
+/// percentiles are by nearest rank, so that each is one of the values.
+struct Statistics
+{
+    static constexpr double none = std::numeric_limits<double>::quiet_NaN();
+
+    int n = 0;
+    double minimum = none;
+    double median = none;
+    double mean = none;
+    double maximum = none;
+    double deviation = none; ///< standard deviation of the population, estimated with n - 1
+    double p5 = none;        ///< from 20 values on
+    double p95 = none;       ///< from 20 values on
+    double p99 = none;       ///< from 100 values on
+
+    [[nodiscard]] double peakToPeak() const { return maximum - minimum; }
+};
+
+/// Compute the statistics of finite values in any order.
+Statistics computeStatistics(QVector<double> values);
+
+/// Find the percentile, in tenths of a percent, of values in ascending order: the smallest value
+/// that so many of them do not exceed. There must be a value.
+double nearestRank(const QVector<double> &sorted, int perMille);

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "analysis/Series.h"
+
+/// Describe a series in lines for terminals and logs: what it is, one line per delay with its
+/// statistics (a second one without the flagged values, where there are any), and its flags.
+QString summarise(const Series &series);
+
+/// Compare two series: the difference of the medians of each delay, with its interval. Flagged
+/// values are left out.
+QString compareSeries(const Series &first, const Series &second);

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QVector>
+
+#include <qwt_series_data.h>
+
+/// An equally sampled trace for a curve, decimated to what a screen shows: of each column the
+/// least and the greatest sample, so that no spike is lost. A million samples then scroll as
+/// smoothly as a thousand. Samples that are not finite are left out.
+class TraceData : public QwtSeriesData<QPointF>
+{
+public:
+    /// The instants of the samples begin at first and lie an interval apart.
+    TraceData(const QVector<double> &trace, double first, double interval);
+
+    [[nodiscard]] std::size_t size() const override { return std::size_t(shown.size()); }
+    [[nodiscard]] QPointF sample(std::size_t i) const override { return shown[int(i)]; }
+    [[nodiscard]] QRectF boundingRect() const override { return bounds; }
+    /// Decimate the samples in this part of the plot.
+    void setRectOfInterest(const QRectF &rect) override;
+
+private:
+    void show(int from, int to);
+
+    QVector<double> trace;
+    double first;
+    double interval;
+    QVector<QPointF> shown;
+    QRectF bounds;
+};

@@ -1,0 +1,102 @@
+#include "analysis/Statistics.h"
+#include "analysis/Histogram.h"
+#include "analysis/MedianDifference.h"
+
+#include <QtTest>
+
+#include <cmath>
+#include <numeric>
+
+namespace {
+
+using Values = QVector<double>;
+
+/// Values without order: the literals that belong to them are those of numpy 1.24.
+Values numbers(int n, int factor = 37, double offset = 40.0)
+{
+    Values values(n);
+    for (int i = 0; i < n; ++i) {
+        values[i] = i * i * factor % 101 * 0.1 + offset;
+    }
+    return values;
+}
+
+} // namespace
+
+class StatisticsTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void statistics_data()
+    {
+        QTest::addColumn<Values>("numpy"); // as computeStatistics() has them
+        const double none = Statistics::none;
+        QTest::newRow("0") << Values{none, none, none, none, none, none, none, none};
+        QTest::newRow("1") << Values{40, 40, 40, 40, none, none, none, none};
+        QTest::newRow("2") << Values{40, 40, 41.85, 43.7, 2.616295090390228, none, none, none};
+        QTest::newRow("19") << Values{40,   46.4, 45.636842105263156, 49.6, 2.8750286039767, none,
+                                      none, none};
+        QTest::newRow("20") << Values{40, 44.7, 45.48, 49.6, 2.8849153960047538, 40, 49.2, none};
+        QTest::newRow("99") << Values{40,   45.2, 45.01616161616161, 50, 3.0862667187603816, 40.4,
+                                      49.6, none};
+        QTest::newRow("100") << Values{40,   44.9, 45.01299999999999, 50, 3.070802711495692, 40.4,
+                                       49.6, 50};
+        QTest::newRow("137") << Values{40,   44.9, 45.01897810218978, 50, 3.0557451398654107, 40.4,
+                                       49.6, 50};
+    }
+    void statistics()
+    {
+        QFETCH(const Values, numpy);
+        const Statistics s =
+            computeStatistics(numbers(QByteArray(QTest::currentDataTag()).toInt()));
+        const Values found = {s.minimum,   s.median, s.mean, s.maximum,
+                              s.deviation, s.p5,     s.p95,  s.p99};
+        for (int i = 0; i < found.size(); ++i) {
+            QVERIFY2(std::isnan(numpy[i]) ? std::isnan(found[i])
+                                          : std::abs(found[i] - numpy[i]) < 1e-11,
+                     qPrintable(QString("%1: %2").arg(i).arg(found[i], 0, 'g', 17)));
+        }
+    }
+
+    /// The interval is that of numpy's resamplings, within their spread, and always the same.
+    void medianDifference()
+    {
+        const Values first = numbers(40);
+        const Values second = numbers(60, 53, 41.5);
+        const MedianDifference found = compareMedians(first, second);
+        QVERIFY(std::abs(found.difference - 1.3) < 1e-9);
+        QVERIFY2(std::abs(found.low + 1.0) < 0.15, qPrintable(QString::number(found.low)));
+        QVERIFY2(std::abs(found.high - 3.4) < 0.15, qPrintable(QString::number(found.high)));
+        const MedianDifference again = compareMedians(first, second);
+        QVERIFY(again.low == found.low && again.high == found.high);
+        const MedianDifference one = compareMedians({5}, {7});
+        QVERIFY(one.low == 2.0 && one.high == 2.0);
+    }
+
+    /// Values at every sampling instant alike fill all bins alike, whatever their number.
+    void histogramHasNoComb()
+    {
+        const double interval = 0.10000833; // ms
+        for (const int instants : {17, 90, 333, 5000}) {
+            Values values;
+            for (int i = 0; i < 3 * instants; ++i) {
+                values += (450 + i % instants) * interval;
+            }
+            for (const double known : {interval, 0.0}) {
+                const Bins bins = chooseBins(values, known);
+                QVector<int> counts = countValues(values, bins);
+                QCOMPARE(std::accumulate(counts.begin(), counts.end(), 0), values.size());
+                counts.removeLast(); // it need not be full
+                QVERIFY(!counts.isEmpty() && counts.size() < 202);
+                QCOMPARE(counts.count(counts[0]), counts.size());
+            }
+        }
+        QCOMPARE(countValues({5, 5}, chooseBins({5, 5}, 0.0)), QVector<int>{2});
+        QCOMPARE(chooseBins({-1.7e308, 1.7e308}, 0.1).count, 0);
+        QCOMPARE(chooseBins({}, 0.1).count, 0);
+    }
+};
+
+QTEST_GUILESS_MAIN(StatisticsTest)
+#include "StatisticsTest.moc"

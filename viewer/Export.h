@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QPageLayout>
+#include <QSharedPointer>
+#include <QString>
+#include <QVector>
+
+#include <functional>
+
+class QwtPlot;
+
+/// An A4 page: lines of text above, in columns as on a terminal, and rows of plots below.
+struct Page
+{
+    QString text;
+    QVector<QVector<QwtPlot *>> rows;
+    QPageLayout::Orientation orientation = QPageLayout::Landscape;
+    QVector<QSharedPointer<QwtPlot>> kept; ///< those of them that are the page's own
+};
+
+/// Write pages to a file as its name says: .pdf, or .svg and .png, which hold one page only. A page
+/// is made when its turn comes: plots of long records are large. Returns false and a sentence when
+/// that is not possible.
+bool exportPages(int count, const std::function<Page(int)> &makePage, const QString &fileName,
+                 QString *problem);
+
+/// Write bytes to a file, whole or not at all. Returns false and a sentence when that fails.
+bool writeWhole(const QString &fileName, const QByteArray &bytes, QString *problem);

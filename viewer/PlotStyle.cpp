@@ -1,0 +1,58 @@
+#include "viewer/PlotStyle.h"
+
+#include <qwt_legend.h>
+#include <qwt_plot.h>
+#include <qwt_plot_canvas.h>
+#include <qwt_plot_grid.h>
+#include <qwt_text.h>
+
+#include <array>
+
+const QColor sourceColour(0, 0, 0);
+const QColor rfColour(230, 159, 0);
+const QColor sinkColour(0, 114, 178);
+const QColor flagColour(0, 0, 0);
+
+SeriesStyle seriesStyle(int index)
+{
+    static const std::array<SeriesStyle, 2> styles = {{
+        {QColor(0, 114, 178), Qt::SolidLine, QwtSymbol::Ellipse, Qt::SolidPattern},
+        {QColor(213, 94, 0), Qt::DashLine, QwtSymbol::Diamond, Qt::BDiagPattern},
+    }};
+    return styles[static_cast<std::size_t>(index) % styles.size()];
+}
+
+QwtPlot *makePlot(const QString &horizontal, const QString &vertical)
+{
+    auto *plot = new QwtPlot;
+    plot->setPalette(
+        QPalette(Qt::black, Qt::white, Qt::white, Qt::darkGray, Qt::gray, Qt::black, Qt::white));
+    plot->setAutoFillBackground(true);
+    QFont font = plot->font();
+    constexpr double textSize = 9.0; // points, on the screen and on paper
+    font.setPointSizeF(textSize);
+    plot->setFont(font);
+    plot->setCanvasBackground(Qt::white);
+    if (auto *canvas = qobject_cast<QwtPlotCanvas *>(plot->canvas())) {
+        canvas->setFrameStyle(QFrame::Box | QFrame::Plain);
+    }
+    const auto title = [&](const QString &text) {
+        QwtText label(text, QwtText::PlainText);
+        label.setFont(font);
+        return label;
+    };
+    for (const auto &[axis, text] :
+         {std::pair(QwtPlot::xBottom, horizontal), std::pair(QwtPlot::yLeft, vertical)}) {
+        plot->setAxisTitle(axis, title(text));
+        plot->setAxisFont(axis, font);
+    }
+    auto *legend = new QwtLegend;
+    legend->setFont(font);
+    plot->insertLegend(legend, QwtPlot::TopLegend);
+
+    auto *grid = new QwtPlotGrid;
+    constexpr double gridWidth = 0.5;
+    grid->setPen(QColor(210, 210, 210), gridWidth);
+    grid->attach(plot);
+    return plot;
+}

@@ -1,0 +1,136 @@
+// What the menus of the results window do.
+
+#include "analysis/Csv.h"
+#include "viewer/Export.h"
+#include "viewer/PlotColumn.h"
+#include "viewer/Report.h"
+#include "viewer/ResultsWindow.h"
+#include "viewer/ValuesTable.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QFileDialog>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QStatusBar>
+#include <QTableView>
+#include <QTabWidget>
+#include <QTextDocumentFragment>
+
+namespace {
+
+const char *const pageFilters = "PDF (*.pdf);;SVG (*.svg);;PNG (*.png)";
+
+} // namespace
+
+void ResultsWindow::makeMenus()
+{
+    const auto add = [this](QMenu *menu, const QString &name, const QKeySequence &key, auto slot) {
+        menu->addAction(name, this, slot, key);
+    };
+    QMenu *file = menuBar()->addMenu("&File");
+    add(file, "&Open...", QKeySequence::Open, &ResultsWindow::openFiles);
+    add(file, "Open &Folder...", QKeySequence("Ctrl+Shift+O"), &ResultsWindow::openFolder);
+    file->addSeparator();
+    add(file, "&Export View...", QKeySequence("Ctrl+E"), &ResultsWindow::exportView);
+    add(file, "Export &Report...", QKeySequence("Ctrl+R"), &ResultsWindow::exportReport);
+    add(file, "Export Values as &CSV...", QKeySequence("Ctrl+S"), &ResultsWindow::exportCsv);
+    file->addSeparator();
+    add(file, "&Quit", QKeySequence("Ctrl+Q"), &ResultsWindow::close);
+    add(menuBar()->addMenu("&Edit"), "&Copy", QKeySequence::Copy, &ResultsWindow::copy);
+}
+
+void ResultsWindow::openFiles()
+{
+    const QStringList files = QFileDialog::getOpenFileNames(
+        this, "Open Series", {}, "Results (*_Results.txt);;All files (*)");
+    if (!files.isEmpty()) {
+        open(files);
+    }
+}
+
+void ResultsWindow::openFolder()
+{
+    const QString folder = QFileDialog::getExistingDirectory(this, "Open Folder");
+    if (!folder.isEmpty()) {
+        open({folder});
+    }
+}
+
+QString ResultsWindow::askFileName(const QString &title, const QString &filters,
+                                   const QString &suffix)
+{
+    if (selection.isEmpty()) {
+        statusBar()->showMessage("Select a series first.");
+        return {};
+    }
+    QFileDialog dialog(this, title, {}, filters);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setDefaultSuffix(suffix);
+    connect(&dialog, &QFileDialog::filterSelected, &dialog, [&dialog](const QString &filter) {
+        dialog.setDefaultSuffix(filter.section("*.", 1).section(')', 0, 0));
+    });
+    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
+}
+
+void ResultsWindow::exportView()
+{
+    const auto *column = dynamic_cast<PlotColumn *>(tabs->currentWidget());
+    if (column == nullptr) {
+        exportCsv();
+        return;
+    }
+    const QString fileName = askFileName("Export View", pageFilters, "pdf");
+    const auto makePage = [column](int) {
+        Page page;
+        for (QwtPlot *plot : column->plots()) {
+            page.rows += QVector<QwtPlot *>{plot};
+        }
+        return page;
+    };
+    QString problem;
+    if (!fileName.isEmpty()) {
+        tell(fileName, exportPages(1, makePage, fileName, &problem), problem);
+    }
+}
+
+void ResultsWindow::exportReport()
+{
+    const QString fileName = askFileName("Export Report", pageFilters, "pdf");
+    QString problem;
+    if (!fileName.isEmpty()) {
+        tell(fileName, writeReport(selection, fileName, &problem), problem);
+    }
+}
+
+void ResultsWindow::exportCsv()
+{
+    const QString fileName = askFileName("Export Values", "CSV (*.csv)", "csv");
+    QString csv = csvHeading();
+    for (const Series &series : qAsConst(selection)) {
+        csv += csvRows(series);
+    }
+    QString problem;
+    if (!fileName.isEmpty()) {
+        tell(fileName, writeWhole(fileName, csv.toUtf8(), &problem), problem);
+    }
+}
+
+void ResultsWindow::tell(const QString &fileName, bool isWritten, const QString &problem)
+{
+    if (isWritten) {
+        statusBar()->showMessage("Written: " + fileName);
+    } else {
+        QMessageBox::warning(this, "Orvanta Results", problem);
+    }
+}
+
+void ResultsWindow::copy()
+{
+    const QString copied = text->hasFocus() ? text->textCursor().selection().toPlainText()
+                                            : selectedText(list->hasFocus() ? *list : *values);
+    if (!copied.isEmpty()) {
+        QApplication::clipboard()->setText(copied);
+    }
+}
