@@ -10,6 +10,7 @@
 using ViChar = char;
 using ViByte = unsigned char;
 using ViInt32 = std::int32_t;
+using ViUInt8 = std::uint8_t;
 using ViUInt16 = std::uint16_t;
 using ViUInt32 = std::uint32_t;
 using ViUInt64 = std::uint64_t;
@@ -77,6 +78,7 @@ constexpr ViStatus VI_WARN_NULL_OBJECT = visaStatus(0x3FFF0082);
 constexpr ViStatus VI_WARN_UNKNOWN_STATUS = visaStatus(0x3FFF0085);
 constexpr ViStatus VI_ERROR_SYSTEM_ERROR = visaStatus(0xBFFF0000);
 constexpr ViStatus VI_ERROR_INV_OBJECT = visaStatus(0xBFFF000E);
+constexpr ViStatus VI_ERROR_RSRC_LOCKED = visaStatus(0xBFFF000F);
 constexpr ViStatus VI_ERROR_INV_EXPR = visaStatus(0xBFFF0010);
 constexpr ViStatus VI_ERROR_RSRC_NFOUND = visaStatus(0xBFFF0011);
 constexpr ViStatus VI_ERROR_INV_RSRC_NAME = visaStatus(0xBFFF0012);
@@ -93,9 +95,11 @@ constexpr ViStatus VI_ERROR_NSUP_FMT = visaStatus(0xBFFF0041);
 constexpr ViStatus VI_ERROR_NSUP_OPER = visaStatus(0xBFFF0067);
 constexpr ViStatus VI_ERROR_USER_BUF = visaStatus(0xBFFF0071);
 constexpr ViStatus VI_ERROR_INV_MODE = visaStatus(0xBFFF0091);
+constexpr ViStatus VI_ERROR_SESN_NLOCKED = visaStatus(0xBFFF009C);
 constexpr ViStatus VI_ERROR_LIBRARY_NFOUND = visaStatus(0xBFFF009E);
 constexpr ViStatus VI_ERROR_FILE_ACCESS = visaStatus(0xBFFF00A1);
 constexpr ViStatus VI_ERROR_FILE_IO = visaStatus(0xBFFF00A2);
+constexpr ViStatus VI_ERROR_CONN_LOST = visaStatus(0xBFFF00A6);
 
 // Attributes with the widths that viGetAttribute writes (VPP-4.3, appendix A).
 constexpr ViAttr VI_ATTR_RSRC_IMPL_VERSION = 0x3FFF0003; ///< 32 bits: 12 major, 12 minor, 8 patch

@@ -21,6 +21,7 @@ may_include instrument 'no others'
 may_include setup 'instrument/.*'
 may_include measurement 'instrument/.*'
 may_include app '(instrument|setup|measurement)/.*'
+may_include lan '(visa/.*|instrument/VisaTypes\.h)'
 may_include simulator 'instrument/VisaTypes\.h'
 
 exit "$failed"
