@@ -60,6 +60,13 @@ using ParseRsrcEx = ViStatus(ViSession resourceManager, const ViChar *resourceNa
                              ViChar *resourceClass, ViChar *expandedName, ViChar *alias);
 using DisableEvent = ViStatus(ViSession session, ViEventType type, ViUInt16 mechanism);
 using DiscardEvents = ViStatus(ViSession session, ViEventType type, ViUInt16 mechanism);
+using WriteFromFile = ViStatus(ViSession session, const ViChar *fileName, ViUInt32 count,
+                               ViUInt32 *returnedCount);
+using AssertTrigger = ViStatus(ViSession session, ViUInt16 protocol);
+using Flush = ViStatus(ViSession session, ViUInt16 mask);
+using Lock = ViStatus(ViSession session, ViAccessMode lockType, ViUInt32 timeoutMs,
+                      const ViChar *requestedKey, ViChar *accessKey);
+using Unlock = ViStatus(ViSession session);
 } // namespace visa
 
 /// A status code from the 32-bit pattern that VPP-4.3 lists (errors have the top bit set).
@@ -74,6 +81,7 @@ constexpr ViStatus VI_SUCCESS_EVENT_DIS = visaStatus(0x3FFF0003);
 constexpr ViStatus VI_SUCCESS_QUEUE_EMPTY = visaStatus(0x3FFF0004);
 constexpr ViStatus VI_SUCCESS_TERM_CHAR = visaStatus(0x3FFF0005);
 constexpr ViStatus VI_SUCCESS_MAX_CNT = visaStatus(0x3FFF0006);
+constexpr ViStatus VI_SUCCESS_NESTED_EXCLUSIVE = visaStatus(0x3FFF009A);
 constexpr ViStatus VI_WARN_NULL_OBJECT = visaStatus(0x3FFF0082);
 constexpr ViStatus VI_WARN_UNKNOWN_STATUS = visaStatus(0x3FFF0085);
 constexpr ViStatus VI_ERROR_SYSTEM_ERROR = visaStatus(0xBFFF0000);
@@ -87,13 +95,13 @@ constexpr ViStatus VI_ERROR_TMO = visaStatus(0xBFFF0015);
 constexpr ViStatus VI_ERROR_NSUP_ATTR = visaStatus(0xBFFF001D);
 constexpr ViStatus VI_ERROR_NSUP_ATTR_STATE = visaStatus(0xBFFF001E);
 constexpr ViStatus VI_ERROR_ATTR_READONLY = visaStatus(0xBFFF001F);
+constexpr ViStatus VI_ERROR_INV_LOCK_TYPE = visaStatus(0xBFFF0020);
 constexpr ViStatus VI_ERROR_ALLOC = visaStatus(0xBFFF003C);
 constexpr ViStatus VI_ERROR_INV_MASK = visaStatus(0xBFFF003D);
 constexpr ViStatus VI_ERROR_IO = visaStatus(0xBFFF003E);
-constexpr ViStatus VI_ERROR_INV_FMT = visaStatus(0xBFFF003F);
-constexpr ViStatus VI_ERROR_NSUP_FMT = visaStatus(0xBFFF0041);
 constexpr ViStatus VI_ERROR_NSUP_OPER = visaStatus(0xBFFF0067);
 constexpr ViStatus VI_ERROR_USER_BUF = visaStatus(0xBFFF0071);
+constexpr ViStatus VI_ERROR_INV_PROT = visaStatus(0xBFFF0079);
 constexpr ViStatus VI_ERROR_INV_MODE = visaStatus(0xBFFF0091);
 constexpr ViStatus VI_ERROR_SESN_NLOCKED = visaStatus(0xBFFF009C);
 constexpr ViStatus VI_ERROR_LIBRARY_NFOUND = visaStatus(0xBFFF009E);
@@ -104,33 +112,59 @@ constexpr ViStatus VI_ERROR_CONN_LOST = visaStatus(0xBFFF00A6);
 // Attributes with the widths that viGetAttribute writes (VPP-4.3, appendix A).
 constexpr ViAttr VI_ATTR_RSRC_IMPL_VERSION = 0x3FFF0003; ///< 32 bits: 12 major, 12 minor, 8 patch
 constexpr ViAttr VI_ATTR_RSRC_LOCK_STATE = 0x3FFF0004;   ///< 32 bits
+constexpr ViAttr VI_ATTR_MAX_QUEUE_LENGTH = 0x3FFF0005;  ///< 32 bits, events
+constexpr ViAttr VI_ATTR_USER_DATA_32 = 0x3FFF0007;      ///< 32 bits
+constexpr ViAttr VI_ATTR_USER_DATA = 0x3FFF000A;         ///< 64 bits, the caller's own
 constexpr ViAttr VI_ATTR_SEND_END_EN = 0x3FFF0016;       ///< 16 bits, as all switches
 constexpr ViAttr VI_ATTR_TERMCHAR = 0x3FFF0018;          ///< 8 bits
 constexpr ViAttr VI_ATTR_TMO_VALUE = 0x3FFF001A;         ///< 32 bits, milliseconds
 constexpr ViAttr VI_ATTR_IO_PROT = 0x3FFF001C;           ///< 16 bits
 constexpr ViAttr VI_ATTR_DMA_ALLOW_EN = 0x3FFF001E;      ///< 16 bits
+constexpr ViAttr VI_ATTR_RD_BUF_OPER_MODE = 0x3FFF002A;  ///< 16 bits
+constexpr ViAttr VI_ATTR_RD_BUF_SIZE = 0x3FFF002B;       ///< 32 bits, bytes
+constexpr ViAttr VI_ATTR_WR_BUF_OPER_MODE = 0x3FFF002D;  ///< 16 bits
+constexpr ViAttr VI_ATTR_WR_BUF_SIZE = 0x3FFF002E;       ///< 32 bits, bytes
+constexpr ViAttr VI_ATTR_SUPPRESS_END_EN = 0x3FFF0036;   ///< 16 bits
 constexpr ViAttr VI_ATTR_TERMCHAR_EN = 0x3FFF0038;       ///< 16 bits
 constexpr ViAttr VI_ATTR_RM_SESSION = 0x3FFF00C4;        ///< 32 bits
 constexpr ViAttr VI_ATTR_RSRC_SPEC_VERSION = 0x3FFF0170; ///< 32 bits: VISA's own version
 constexpr ViAttr VI_ATTR_INTF_TYPE = 0x3FFF0171;         ///< 16 bits
+constexpr ViAttr VI_ATTR_RSRC_MANF_ID = 0x3FFF0175;      ///< 16 bits
 constexpr ViAttr VI_ATTR_INTF_NUM = 0x3FFF0176;          ///< 16 bits
+constexpr ViAttr VI_ATTR_TRIG_ID = 0x3FFF0177;           ///< 16 bits
+constexpr ViAttr VI_ATTR_FILE_APPEND_EN = 0x3FFF0192;    ///< 16 bits
+constexpr ViAttr VI_ATTR_TCPIP_IS_HISLIP = 0x3FFF0303;   ///< 16 bits
 constexpr ViAttr VI_ATTR_RSRC_CLASS = 0xBFFF0001;        ///< text of up to 255 bytes, as below
 constexpr ViAttr VI_ATTR_RSRC_NAME = 0xBFFF0002;
 constexpr ViAttr VI_ATTR_INTF_INST_NAME = 0xBFFF00E9;
 constexpr ViAttr VI_ATTR_RSRC_MANF_NAME = 0xBFFF0174;
+constexpr ViAttr VI_ATTR_TCPIP_ADDR = 0xBFFF0195; ///< empty where it is not known
 constexpr ViAttr VI_ATTR_TCPIP_HOSTNAME = 0xBFFF0196;
 constexpr ViAttr VI_ATTR_TCPIP_DEVICE_NAME = 0xBFFF0199;
 
-constexpr ViUInt16 VI_INTF_TCPIP = 6;  ///< interface type
+// Interface types.
+constexpr ViUInt16 VI_INTF_GPIB = 1;
+constexpr ViUInt16 VI_INTF_VXI = 2;
+constexpr ViUInt16 VI_INTF_GPIB_VXI = 3;
+constexpr ViUInt16 VI_INTF_ASRL = 4;
+constexpr ViUInt16 VI_INTF_PXI = 5;
+constexpr ViUInt16 VI_INTF_TCPIP = 6;
+constexpr ViUInt16 VI_INTF_USB = 7;
+
 constexpr ViUInt16 VI_PROT_NORMAL = 1; ///< I/O protocol
 
 /// Size of the buffers for resource strings and attribute texts, in bytes.
 constexpr std::size_t VI_FIND_BUFLEN = 256;
 
 constexpr ViAccessMode VI_NO_LOCK = 0;
+constexpr ViAccessMode VI_EXCLUSIVE_LOCK = 1;
 constexpr ViAccessMode VI_LOAD_CONFIG = 4;
 
-// viSetBuf: the buffers of formatted and of plain I/O.
+// Time-outs with a meaning of their own.
+constexpr ViUInt32 VI_TMO_IMMEDIATE = 0;
+constexpr ViUInt32 VI_TMO_INFINITE = 0xFFFFFFFF;
+
+// viSetBuf, viFlush: the buffers of formatted and of plain I/O.
 constexpr ViUInt16 VI_READ_BUF = 1;
 constexpr ViUInt16 VI_WRITE_BUF = 2;
 constexpr ViUInt16 VI_IO_IN_BUF = 16;

@@ -5,7 +5,7 @@
 set -euo pipefail
 
 declare -A packages_of=(
-    [build]='g++ cmake make ninja-build qtbase5-dev libqwt-qt5-dev'
+    [build]='g++ cmake make ninja-build qtbase5-dev libqwt-qt5-dev libre2-dev'
     [desktop]='xvfb openbox xdotool imagemagick fonts-dejavu-core'
     [benchmarks]='libbenchmark-dev'
     [pyvisa]='python3 python3-pyvisa python3-numpy python3-matplotlib'
@@ -17,7 +17,7 @@ declare -A command_of=(
     [ninja-build]=ninja [xvfb]=Xvfb [imagemagick]=import
     [dpkg-dev]=dpkg-shlibdeps [desktop-file-utils]=desktop-file-validate [appstream]=appstreamcli
     [librsvg2-bin]=rsvg-convert
-    [qtbase5-dev]='' [libqwt-qt5-dev]='' [libbenchmark-dev]='' [libclang-rt-dev]=''
+    [qtbase5-dev]='' [libqwt-qt5-dev]='' [libre2-dev]='' [libbenchmark-dev]='' [libclang-rt-dev]=''
     [python3-pyvisa]='' [python3-numpy]='' [python3-matplotlib]=''
     [locales]='' [fonts-dejavu-core]=''
 )

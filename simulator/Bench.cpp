@@ -1,59 +1,37 @@
 #include "simulator/Bench.h"
 
+#include "simulator/Oscilloscope.h"
+#include "simulator/SpectrumAnalyzer.h"
+#include "simulator/VideoAnalyzer.h"
+
 namespace simulator {
 
-Bench::Bench(BenchState &state)
-    : state_(state),
-      oscilloscope_(lpa4004Dialect(), state.oscilloscope, state.link),
-      oscilloscopeKvx_(kvxDialect(), state.oscilloscopeKvx, state.link),
-      spectrumAnalyzer_(AnalyzerFamily::Plain, state.spectrumAnalyzer, state.link),
-      spectrumAnalyzerQan_(AnalyzerFamily::Qan, state.spectrumAnalyzerQan, state.link),
-      spectrumAnalyzerQel_(AnalyzerFamily::Qel, state.spectrumAnalyzerQel, state.link),
-      videoAnalyzer_(state.videoAnalyzer, state.link),
-      instruments_{{"oscilloscope", &oscilloscope_},
-                   {"oscilloscope-kvx", &oscilloscopeKvx_},
-                   {"spectrum-analyzer", &spectrumAnalyzer_},
-                   {"spectrum-analyzer-qan", &spectrumAnalyzerQan_},
-                   {"spectrum-analyzer-qel", &spectrumAnalyzerQel_},
-                   {"video-analyzer", &videoAnalyzer_}}
+Bench::Bench()
 {
-}
-
-void Bench::switchOn()
-{
-    if (state_.isOn) {
-        return;
+    instruments["scope"] = std::make_unique<Oscilloscope>(lpa4004Dialect(), model);
+    instruments["scope-kvx"] = std::make_unique<Oscilloscope>(kvxDialect(), model);
+    for (const auto &[host, family] : {std::pair{"analyzer", AnalyzerFamily::Plain},
+                                       {"analyzer-qan", AnalyzerFamily::Qan},
+                                       {"analyzer-qel", AnalyzerFamily::Qel}}) {
+        instruments[host] = std::make_unique<SpectrumAnalyzer>(family, model);
     }
-    state_.link = LinkModel();
-    for (const auto &[host, instrument] : instruments_) {
-        instrument->switchOn();
-    }
-    state_.isOn = true;
-}
-
-std::uint32_t Bench::layout() const
-{
-    std::string description = std::to_string(sizeof state_);
-    for (const auto &[host, instrument] : instruments_) {
-        description += host + instrument->layout();
-    }
-    std::uint32_t hash = 2166136261U; // FNV-1a
-    for (const char c : description) {
-        hash = (hash ^ static_cast<unsigned char>(c)) * 16777619U;
-    }
-    return hash;
+    instruments["video"] = std::make_unique<VideoAnalyzer>(model);
 }
 
 Instrument *Bench::find(std::string_view host) const
 {
-    const auto found = instruments_.find(host);
-    return found == instruments_.end() ? nullptr : found->second;
+    for (const auto &[name, instrument] : instruments) {
+        if (upperCase(name) == upperCase(host)) {
+            return instrument.get();
+        }
+    }
+    return nullptr;
 }
 
 std::vector<std::string> Bench::hosts() const
 {
     std::vector<std::string> hosts;
-    for (const auto &[host, instrument] : instruments_) {
+    for (const auto &[host, instrument] : instruments) {
         hosts.push_back(host);
     }
     return hosts;

@@ -1,62 +1,33 @@
 #pragma once
 
 #include "simulator/LinkModel.h"
-#include "simulator/Oscilloscope.h"
-#include "simulator/SpectrumAnalyzer.h"
-#include "simulator/VideoAnalyzer.h"
+#include "simulator/scpi/Instrument.h"
 
-#include <cstdint>
 #include <map>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <vector>
 
 namespace simulator {
 
-/// What the laboratory remembers, its clients' sessions apart.
-struct BenchState
-{
-    bool isOn = false;
-    LinkModel link;
-    OscilloscopeState oscilloscope;
-    OscilloscopeState oscilloscopeKvx;
-    SpectrumAnalyzerState spectrumAnalyzer;
-    SpectrumAnalyzerState spectrumAnalyzerQan;
-    SpectrumAnalyzerState spectrumAnalyzerQel;
-    VideoAnalyzerState videoAnalyzer;
-};
-static_assert(std::is_trivially_copyable_v<BenchState>, "processes share it as bytes");
-
-/// The laboratory bench: the wireless link and the instruments that look at it.
+/// The laboratory bench: the wireless link and the instruments that look at it, just switched on.
+/// One thread at a time.
 class Bench
 {
 public:
-    /// A bench that remembers in `state`.
-    explicit Bench(BenchState &state);
+    Bench();
 
-    /// Switches everything on, unless it is on: settings of *RST, the sequence at its start.
-    void switchOn();
-
-    /// A number that differs between layouts of the state, as far as the settings make it.
-    [[nodiscard]] std::uint32_t layout() const;
-
-    /// The instrument with this host name in lower case, null when there is none.
+    /// Find the instrument with this host name, in any letter case; null when there is none.
     [[nodiscard]] Instrument *find(std::string_view host) const;
-    /// The host names of all instruments.
+    /// List the host names of all instruments.
     [[nodiscard]] std::vector<std::string> hosts() const;
 
-    LinkModel &link() { return state_.link; }
+    LinkModel &link() { return model; }
 
 private:
-    BenchState &state_;
-    Oscilloscope oscilloscope_;
-    Oscilloscope oscilloscopeKvx_;
-    SpectrumAnalyzer spectrumAnalyzer_;
-    SpectrumAnalyzer spectrumAnalyzerQan_;
-    SpectrumAnalyzer spectrumAnalyzerQel_;
-    VideoAnalyzer videoAnalyzer_;
-    std::map<std::string, Instrument *, std::less<>> instruments_;
+    LinkModel model;
+    std::map<std::string, std::unique_ptr<Instrument>> instruments;
 };
 
 } // namespace simulator

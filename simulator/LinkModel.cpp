@@ -44,9 +44,14 @@ constexpr double burstLength = 4e-3;
 constexpr double burstPeriod = 7e-3;
 constexpr double burstTrain = 0.4;
 
+// Where the link transmits, and how broadly (hertz).
+constexpr double channelFrequency = 5.192e9;
+constexpr double channelWidth = 20e6;
+
 // The analyzer's video output: 10 mV per dB, 0.8 V at the bursts' power.
 constexpr double videoVoltsPerDb = 0.01;
 constexpr double videoAtBurst = 0.8;
+constexpr double carrierAtBurst = 0.8; // its IF output, volts peak
 
 // Latencies after the source instant (seconds): triangular, mean plus or minus spread. The sink
 // then waits for its next display frame and rises to its visible level, which adds 10.7 ms on
@@ -61,12 +66,12 @@ constexpr double framePeriod = 1.0 / 60.0;
 
 /// Uniform in [0, 1): the standard's distributions differ between libraries, the raw output does
 /// not.
-double uniform(std::mt19937 &generator)
+double uniform(std::mt19937 *generator)
 {
-    return static_cast<double>(generator()) / 4294967296.0;
+    return static_cast<double>((*generator)()) / 4294967296.0;
 }
 
-double triangular(std::mt19937 &generator, double mean, double spread)
+double triangular(std::mt19937 *generator, double mean, double spread)
 {
     const double first = uniform(generator);
     return mean + spread * (first + uniform(generator) - 1.0);
@@ -124,37 +129,37 @@ std::vector<float> sampled(const TimeGrid &grid, std::uint32_t key, double noise
 } // namespace
 
 LinkEvent::LinkEvent(std::uint32_t number, double beaconPhase)
-    : number_(number),
-      instants_{unknown, unknown, unknown, unknown},
-      sourceStart_(never),
-      sinkStart_(never),
-      beaconPhase_(beaconPhase)
+    : number(number),
+      truth{unknown, unknown, unknown, unknown},
+      sourceStart(never),
+      sinkStart(never),
+      beaconPhase(beaconPhase)
 {
 }
 
-LinkEvent::LinkEvent(std::uint32_t number, double triggerLevel, std::mt19937 &generator)
+LinkEvent::LinkEvent(std::uint32_t number, double triggerLevel, std::mt19937 *generator)
     : LinkEvent(number, 0.0)
 {
-    sourceStart_ = -riseTime(triggerLevel, sourceDark, sourceBright, sourceRise);
-    instants_.source = sourceStart_ + riseTime(sourceVisible, sourceDark, sourceBright, sourceRise);
+    sourceStart = -riseTime(triggerLevel, sourceDark, sourceBright, sourceRise);
+    truth.source = sourceStart + riseTime(sourceVisible, sourceDark, sourceBright, sourceRise);
 
-    instants_.rf = instants_.source + triangular(generator, rfLatency, rfSpread);
-    instants_.hdmiDelayMs = 1000.0 * triangular(generator, hdmiLatency, hdmiSpread);
+    truth.rf = truth.source + triangular(generator, rfLatency, rfSpread);
+    truth.hdmiDelayMs = 1000.0 * triangular(generator, hdmiLatency, hdmiSpread);
 
-    const double earliest = instants_.source + triangular(generator, sinkLatency, sinkSpread);
+    const double earliest = truth.source + triangular(generator, sinkLatency, sinkSpread);
     const double framePhase = framePeriod * uniform(generator);
-    sinkStart_ = framePhase + framePeriod * std::ceil((earliest - framePhase) / framePeriod);
-    instants_.sink = sinkStart_ + riseTime(sinkVisible, sinkDark, sinkBright, sinkRise);
+    sinkStart = framePhase + framePeriod * std::ceil((earliest - framePhase) / framePeriod);
+    truth.sink = sinkStart + riseTime(sinkVisible, sinkDark, sinkBright, sinkRise);
 
-    beaconPhase_ = instants_.rf + (beaconPeriod - beaconClearance) * uniform(generator);
-    overloaded_ = uniform(generator) * overloadOneIn < 1.0;
+    beaconPhase = truth.rf + (beaconPeriod - beaconClearance) * uniform(generator);
+    overloaded = uniform(generator) * overloadOneIn < 1.0;
 }
 
 double LinkEvent::sourceVolts(double time) const
 {
     double volts =
-        sourceDark + (sourceBright - sourceDark) * riseShape((time - sourceStart_) / sourceRise);
-    if (overloaded_ && time < overloadGone) {
+        sourceDark + (sourceBright - sourceDark) * riseShape((time - sourceStart) / sourceRise);
+    if (overloaded && time < overloadGone) {
         volts += overloadVolts *
                  (time < overloadEnd ? 1.0 : std::exp((overloadEnd - time) / overloadDecay));
     }
@@ -163,33 +168,43 @@ double LinkEvent::sourceVolts(double time) const
 
 double LinkEvent::sinkVolts(double time) const
 {
-    return sinkDark + (sinkBright - sinkDark) * riseShape((time - sinkStart_) / sinkRise);
+    return sinkDark + (sinkBright - sinkDark) * riseShape((time - sinkStart) / sinkRise);
 }
 
-double LinkEvent::rfDbm(double time) const
+double LinkEvent::rfDbm(double time, const Receiver &receiver) const
 {
+    if (!receiver.isOnChannel) {
+        return floorDbm;
+    }
     // A comparison with not-a-number is false: without an event there are no bursts.
-    const double sinceBurst = time - instants_.rf;
+    const double sinceBurst = time - truth.rf;
     if (sinceBurst >= 0.0 && sinceBurst < burstTrain &&
         phaseIn(sinceBurst, burstPeriod) < burstLength) {
         return burstDbm;
     }
-    return phaseIn(time - beaconPhase_, beaconPeriod) < beaconLength ? beaconDbm : floorDbm;
+    return phaseIn(time - beaconPhase, beaconPeriod) < beaconLength ? beaconDbm : floorDbm;
 }
 
-std::vector<float> LinkEvent::trace(Signal signal, const TimeGrid &grid) const
+std::vector<float> LinkEvent::trace(Signal signal, const TimeGrid &grid,
+                                    const Receiver &receiver) const
 {
-    const std::uint32_t key = hash(hash(number_) + static_cast<std::uint32_t>(signal));
+    const std::uint32_t key = hash(hash(number) + static_cast<std::uint32_t>(signal));
     switch (signal) {
     case Signal::Source:
         return sampled(grid, key, sourceNoise, [this](double time) { return sourceVolts(time); });
     case Signal::Sink:
         return sampled(grid, key, sinkNoise, [this](double time) { return sinkVolts(time); });
     case Signal::RfPower:
-        return sampled(grid, key, rfNoise, [this](double time) { return rfDbm(time); });
+        return sampled(grid, key, rfNoise, [&](double time) { return rfDbm(time, receiver); });
     case Signal::Video:
-        return sampled(grid, key, rfNoise * videoVoltsPerDb, [this](double time) {
-            return videoAtBurst + videoVoltsPerDb * (rfDbm(time) - burstDbm);
+        return sampled(grid, key, rfNoise * videoVoltsPerDb, [&](double time) {
+            return videoAtBurst + videoVoltsPerDb * (rfDbm(time, receiver) - burstDbm);
+        });
+    case Signal::Carrier:
+        return sampled(grid, key, rfNoise * videoVoltsPerDb, [&](double time) {
+            const double amplitude =
+                carrierAtBurst * std::pow(10.0, (rfDbm(time, receiver) - burstDbm) / 20.0);
+            return amplitude * std::sin(2.0 * pi * receiver.carrierFrequency * time);
         });
     case Signal::Unconnected:
         break;
@@ -197,23 +212,28 @@ std::vector<float> LinkEvent::trace(Signal signal, const TimeGrid &grid) const
     return sampled(grid, key, openInputNoise, [](double) { return 0.0; });
 }
 
+bool hearsChannel(double frequency, double bandwidth)
+{
+    return std::abs(frequency - channelFrequency) <= (channelWidth + bandwidth) / 2.0;
+}
+
 void LinkModel::trigger(std::optional<double> level)
 {
-    ++recordCount_;
+    ++records;
     if (level && *level > sourceDark && *level < sourceBright) {
-        event_.emplace(recordCount_, *level, generator_);
-        ++eventCount_;
+        event = LinkEvent(records, *level, &generator);
+        record = event;
+        ++events;
     } else {
-        event_.emplace(recordCount_, 0.0);
+        record = LinkEvent(records, 0.0);
     }
 }
 
-const LinkEvent &LinkModel::lastEvent()
+LinkEvent LinkModel::freeSweep()
 {
-    if (!event_) {
-        trigger(powerUpTriggerLevel);
-    }
-    return *event_;
+    constexpr std::uint32_t apart = 0x80000000U; // from the numbers of the records
+    const std::uint32_t number = apart + ++sweeps;
+    return {number, beaconPeriod * hash(number) / 4294967296.0};
 }
 
 } // namespace simulator

@@ -36,38 +36,58 @@ enum class Signal : std::uint32_t
     RfPower,     ///< power on the radio channel, dBm
     Video,       ///< the analyzer's video output, volts, linear in dB
     Unconnected, ///< an open input, volts
+    Carrier,     ///< the analyzer's IF output, volts
 };
+
+/// How an analyzer looks at the radio.
+struct Receiver
+{
+    bool isOnChannel = false;      ///< otherwise there is nothing but the floor
+    double carrierFrequency = 0.0; ///< of its IF output, hertz
+};
+
+/// Tell whether a receiver of so much bandwidth around a frequency hears the link's channel; both
+/// in hertz.
+bool hearsChannel(double frequency, double bandwidth);
 
 /// One change at the source and what follows it along the link.
 class LinkEvent
 {
 public:
-    /// `number` seeds the noise. The event is a record of nothing but dark, floor and beacons.
+    /// Make a record of nothing but dark, floor and beacons; the number seeds the noise.
     LinkEvent(std::uint32_t number, double beaconPhase);
 
-    /// An event whose latencies come from `generator`, always with the same number of draws.
-    /// `triggerLevel` in volts is what the source passes at time zero; it lies between dark and
+    /// Make an event whose latencies come from the generator, always with the same number of draws.
+    /// The trigger level in volts is what the source passes at time zero; it lies between dark and
     /// bright.
-    LinkEvent(std::uint32_t number, double triggerLevel, std::mt19937 &generator);
+    LinkEvent(std::uint32_t number, double triggerLevel, std::mt19937 *generator);
 
-    /// The samples of `signal` on `grid`. The same arguments always give the same samples.
-    [[nodiscard]] std::vector<float> trace(Signal signal, const TimeGrid &grid) const;
+    /// Sample a signal. The same arguments always give the same samples.
+    [[nodiscard]] std::vector<float> trace(Signal signal, const TimeGrid &grid,
+                                           const Receiver &receiver = {}) const;
 
-    [[nodiscard]] const Instants &instants() const { return instants_; }
+    [[nodiscard]] const Instants &instants() const { return truth; }
     /// Whether the source record starts implausibly high.
-    [[nodiscard]] bool isOverloaded() const { return overloaded_; }
+    [[nodiscard]] bool isOverloaded() const { return overloaded; }
 
 private:
     [[nodiscard]] double sourceVolts(double time) const;
     [[nodiscard]] double sinkVolts(double time) const;
-    [[nodiscard]] double rfDbm(double time) const;
+    [[nodiscard]] double rfDbm(double time, const Receiver &receiver) const;
 
-    std::uint32_t number_;
-    Instants instants_;
-    double sourceStart_; // where the rises begin, seconds; infinite when there is none
-    double sinkStart_;
-    double beaconPhase_;
-    bool overloaded_ = false;
+    std::uint32_t number;
+    Instants truth;
+    double sourceStart; // where the rises begin, seconds; infinite when there is none
+    double sinkStart;
+    double beaconPhase;
+    bool overloaded = false;
+};
+
+/// What the line to the oscilloscopes' channel 3 carries.
+struct AnalyzerOutput
+{
+    Signal signal = Signal::Carrier;
+    Receiver receiver{};
 };
 
 /// The wireless link that every instrument of the bench looks at: the same sequence of events at
@@ -75,22 +95,31 @@ private:
 class LinkModel
 {
 public:
-    /// Lets the oscilloscope's trigger catch the next change at the source. Without a level that
-    /// the source passes (volts) the record is forced and shows no event.
+    /// Let an oscilloscope's trigger catch the next change at the source. Without a level that the
+    /// source passes (volts) the record is forced and shows no event.
     void trigger(std::optional<double> level);
 
-    /// What the instruments show now; before any trigger the sequence's first event.
-    const LinkEvent &lastEvent();
+    /// Tell what the last trigger caught, forced records included; at first an empty one.
+    [[nodiscard]] const LinkEvent &lastRecord() const { return record; }
+    /// Tell the last event; without instants when there was none.
+    [[nodiscard]] const LinkEvent &lastEvent() const { return event; }
+    /// Count the events, forced records not.
+    [[nodiscard]] std::uint32_t eventCount() const { return events; }
+    /// Make a sweep that nothing triggers; no two are alike.
+    LinkEvent freeSweep();
 
-    /// How many events there were, forced records not counted.
-    [[nodiscard]] std::uint32_t eventCount() const { return eventCount_; }
+    [[nodiscard]] const AnalyzerOutput &analyzerOutput() const { return output; }
+    void connect(const AnalyzerOutput &analyzer) { output = analyzer; }
 
 private:
     // The generator's standard seed, so that every bench tells the same story.
-    std::mt19937 generator_{std::mt19937::default_seed}; // NOLINT(bugprone-random-generator-seed)
-    std::optional<LinkEvent> event_;
-    std::uint32_t recordCount_ = 0;
-    std::uint32_t eventCount_ = 0;
+    std::mt19937 generator{std::mt19937::default_seed}; // NOLINT(bugprone-random-generator-seed)
+    LinkEvent record{0, 0.0};
+    LinkEvent event{0, 0.0};
+    std::uint32_t records = 0;
+    std::uint32_t events = 0;
+    std::uint32_t sweeps = 0;
+    AnalyzerOutput output;
 };
 
 /// Trigger level of the oscilloscopes at power-up, in volts.

@@ -1,7 +1,8 @@
 #include "simulator/Oscilloscope.h"
 
+#include "simulator/scpi/Number.h"
+
 #include <algorithm>
-#include <array>
 
 namespace simulator {
 
@@ -9,121 +10,132 @@ namespace {
 
 constexpr double verticalDivisions = 10.0;
 
-constexpr std::array<Signal, 4> wiring{Signal::Source, Signal::Sink, Signal::Video,
-                                       Signal::Unconnected};
-
-/// x and y of each sample in turn.
-std::vector<float> withTimes(const std::vector<float> &samples, const TimeGrid &grid)
-{
-    const double step = grid.span / static_cast<double>(grid.points - 1);
-    std::vector<float> pairs;
-    pairs.reserve(2 * samples.size());
-    for (const float sample : samples) {
-        const std::size_t k = pairs.size() / 2;
-        pairs.push_back(static_cast<float>(grid.start + step * static_cast<double>(k)));
-        pairs.push_back(sample);
-    }
-    return pairs;
-}
-
 } // namespace
 
-Oscilloscope::Oscilloscope(const OscilloscopeDialect &dialect, OscilloscopeState &state,
-                           LinkModel &link)
-    : Instrument(dialect.identity, dialect.settings, state),
-      dialect_(dialect),
-      state_(state),
-      link_(link)
+// Both families: RANGe is the whole screen of ten vertical divisions, SCALe one of them; the time
+// base likewise with the family's number of horizontal divisions.
+Oscilloscope::Oscilloscope(const OscilloscopeDialect &dialect, LinkModel &link)
+    : BenchInstrument(dialect.identity, link),
+      divisions(dialect.divisions),
+      channelState(add(dialect.channelState)),
+      scale(add(number("CHANnel<4>:SCALe", 1e-3, 10.0, 0.2, "V"))),
+      position(add(number("CHANnel<4>:POSition", -5.0, 5.0, 0.0))),
+      offset(add(number("CHANnel<4>:OFFSet", -10.0, 10.0, 0.0, "V"))),
+      timeScale(add(number("TIMebase:SCALe", 1e-6, 50.0, 0.1, "S"))),
+      reference(add(number("TIMebase:REFerence", 0.0, 100.0, 50.0, "PCT"))),
+      horizontalPosition(add(dialect.horizontalPosition)),
+      points(add(dialect.points)),
+      triggerLevel(add(dialect.triggerLevel))
 {
-    addFormatCommands(state_.format);
+    for (const auto &[setting, needed] : dialect.triggerConditions) {
+        triggerConditions.emplace_back(&add(setting), needed);
+    }
+    for (const Setting &setting : dialect.others) {
+        add(setting);
+    }
+    addMultiple("CHANnel<4>:RANGe", scale, verticalDivisions);
+    addMultiple("TIMebase:RANGe", timeScale, divisions);
+    addFormatCommands();
     onQuery("CHANnel<4>:DATA",
-            [this](const Call &call, std::string &answer) { return answerRecord(call, answer); });
-    addRunControl();
+            [this](const Call &call, std::string *answer) { return answerRecord(call, answer); });
+    addRunControl(dialect.continuousCommands);
+    Oscilloscope::reset();
 }
 
-void Oscilloscope::addRunControl()
+void Oscilloscope::addRunControl(bool continuousCommands)
 {
-    const auto enter = [this](Acquisition acquisition) {
-        return [this, acquisition] { state_.acquisition = acquisition; };
-    };
-    onEvent("*TRG", [this] { forceTrigger(); });
+    const auto enter = [this](Acquisition next) { return [this, next] { acquisition = next; }; };
     onEvent("RUN", enter(Acquisition::Running));
     onEvent("STOP", enter(Acquisition::Stopped));
     onEvent("SINGle", enter(Acquisition::Armed));
-    if (dialect_.continuousCommands) {
-        onEvent("RUNContinuous", enter(Acquisition::Running));
-        onSwitch(
-            "INITiate:CONTinuous",
-            [this](bool on) {
-                state_.acquisition = on ? Acquisition::Running : Acquisition::Armed;
-            },
-            [this] { return state_.acquisition == Acquisition::Running; });
+    onCommand("*TRG", [this](const Call &call, std::string *) {
+        return call.parameters.empty() ? trigger() : scpi::parameterNotAllowed;
+    });
+    if (!continuousCommands) {
+        return;
     }
+    onEvent("RUNContinuous", enter(Acquisition::Running));
+    onCommand("INITiate:CONTinuous", [this](const Call &call, std::string *) {
+        if (call.parameters.size() != 1) {
+            return call.parameters.empty() ? scpi::missingParameter : scpi::parameterNotAllowed;
+        }
+        bool isOn = false;
+        const Error error = parseBoolean(call.parameters[0], &isOn);
+        if (!error) {
+            acquisition = isOn ? Acquisition::Running : Acquisition::Armed;
+        }
+        return error;
+    });
+    onAnswer("INITiate:CONTinuous",
+             [this] { return std::string(acquisition == Acquisition::Running ? "1" : "0"); });
 }
 
 void Oscilloscope::reset()
 {
-    Instrument::reset();
-    setValue(dialect_.channelState, 1, 1.0);
-    setValue(dialect_.channelState, 3, 1.0);
-    state_.format.reset();
-    state_.acquisition = Acquisition::Running;
+    BenchInstrument::reset();
+    channelState.set({1, 1}, 1.0);
+    channelState.set({3, 1}, 1.0);
+    acquisition = Acquisition::Running;
 }
 
-void Oscilloscope::forceTrigger()
+Error Oscilloscope::trigger()
 {
-    link_.trigger(triggerLevel());
-    if (state_.acquisition == Acquisition::Armed) {
-        state_.acquisition = Acquisition::Stopped;
+    if (acquisition == Acquisition::Stopped) {
+        return scpi::triggerIgnored;
     }
+    link().trigger(level());
+    record = link().lastRecord();
+    begin(timeGrid().span);
+    if (acquisition == Acquisition::Armed) {
+        acquisition = Acquisition::Stopped;
+    }
+    return scpi::noError;
 }
 
-std::optional<double> Oscilloscope::triggerLevel() const
+std::optional<double> Oscilloscope::level() const
 {
-    for (const auto &[pattern, needed] : dialect_.triggerConditions) {
-        if (value(pattern) != needed) {
-            return std::nullopt;
-        }
-    }
-    return value(dialect_.triggerLevel);
+    const bool triggers =
+        std::all_of(triggerConditions.begin(), triggerConditions.end(),
+                    [](const auto &condition) { return condition.first->is(condition.second); });
+    return triggers ? std::optional(triggerLevel.value()) : std::nullopt;
 }
 
 TimeGrid Oscilloscope::timeGrid() const
 {
-    const double span = value("TIMebase:SCALe") * dialect_.divisions;
-    const double beforeReference = span * value("TIMebase:REFerence") / 100.0;
-    return {value(dialect_.horizontalPosition) - beforeReference, span,
-            static_cast<std::size_t>(value("ACQuire:POINts"))};
+    const double span = timeScale.value() * divisions;
+    return {horizontalPosition.value() - span * reference.value() / 100.0, span,
+            static_cast<std::size_t>(points.value())};
 }
 
-void Oscilloscope::clip(std::vector<float> &samples, std::size_t channel) const
+std::vector<float> Oscilloscope::samples(std::size_t channel)
 {
-    const double scale = value("CHANnel<4>:SCALe", channel);
-    const double centre =
-        value("CHANnel<4>:OFFSet", channel) - scale * value("CHANnel<4>:POSition", channel);
-    const auto bottom = static_cast<float>(centre - scale * verticalDivisions / 2.0);
-    const auto top = static_cast<float>(centre + scale * verticalDivisions / 2.0);
+    const AnalyzerOutput &output = link().analyzerOutput();
+    const Signal signal = channel == 1   ? Signal::Source
+                          : channel == 2 ? Signal::Sink
+                          : channel == 3 ? output.signal
+                                         : Signal::Unconnected;
+    std::vector<float> samples = record.trace(signal, timeGrid(), output.receiver);
+
+    const double division = scale.value(channel);
+    const double centre = offset.value(channel) - division * position.value(channel);
+    const auto bottom = static_cast<float>(centre - division * verticalDivisions / 2.0);
+    const auto top = static_cast<float>(centre + division * verticalDivisions / 2.0);
     for (float &sample : samples) {
         sample = std::clamp(sample, bottom, top);
     }
+    return samples;
 }
 
-int Oscilloscope::answerRecord(const Call &call, std::string &answer)
+Error Oscilloscope::answerRecord(const Call &call, std::string *answer)
 {
     const std::size_t channel = call.suffixes[0];
     if (!call.parameters.empty()) {
         return scpi::parameterNotAllowed;
     }
-    if (value(dialect_.channelState, channel) == 0.0) {
+    if (!channelState.isOn(channel)) {
         return scpi::settingsConflict;
     }
-    const TimeGrid grid = timeGrid();
-    std::vector<float> samples = link_.lastEvent().trace(wiring.at(channel - 1), grid);
-    clip(samples, channel);
-    if (!dialect_.interleave.empty() && value(dialect_.interleave) != 0.0) {
-        samples = withTimes(samples, grid);
-    }
-    answer = state_.format.encode(samples);
+    *answer = traceFormat().encode(samples(channel));
     return scpi::noError;
 }
 

@@ -1,68 +1,71 @@
 #pragma once
 
-#include "simulator/Instrument.h"
-#include "simulator/LinkModel.h"
-#include "simulator/TraceFormat.h"
+#include "simulator/BenchInstrument.h"
 
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
 namespace simulator {
 
-/// What one family of oscilloscopes has of its own; the names are patterns of its settings.
+/// What one family of oscilloscopes has of its own.
 struct OscilloscopeDialect
 {
-    const char *identity;
-    std::vector<Setting> settings;
-    std::string_view channelState;
-    std::string_view triggerLevel;
-    std::string_view horizontalPosition;
-    std::string_view interleave; // answer times with the samples; empty where there is no such
-    std::vector<std::pair<std::string_view, double>> triggerConditions; // settings, their values
-    bool continuousCommands; // INITiate:CONTinuous and RUNContinuous
-    double divisions;        // across the screen
+    std::string identity;
+    double divisions;        ///< across the screen
+    bool continuousCommands; ///< INITiate:CONTinuous and RUNContinuous
+    Setting channelState;
+    Setting horizontalPosition;
+    Setting points;
+    Setting triggerLevel;
+    std::vector<std::pair<Setting, int>> triggerConditions; ///< the values with which it triggers
+    std::vector<Setting> others;                            ///< without an effect on the record
 };
 
 /// The families "KVx" and "LPA4004".
-const OscilloscopeDialect &kvxDialect();
-const OscilloscopeDialect &lpa4004Dialect();
+OscilloscopeDialect kvxDialect();
+OscilloscopeDialect lpa4004Dialect();
 
-/// Running acquires all the time, Armed waits for one trigger, Stopped keeps its record.
-enum class Acquisition
-{
-    Running,
-    Armed,
-    Stopped
-};
-
-struct OscilloscopeState : InstrumentState
-{
-    TraceFormat format;
-    Acquisition acquisition = Acquisition::Running;
-};
-
-/// An oscilloscope with the source on channel 1, the sink on channel 2, the analyzer's video output
-/// on channel 3 and nothing on channel 4.
-class Oscilloscope : public Instrument
+/// An oscilloscope with the source on channel 1, the sink on channel 2, the analyzers' output on
+/// channel 3 and nothing on channel 4.
+class Oscilloscope : public BenchInstrument
 {
 public:
-    Oscilloscope(const OscilloscopeDialect &dialect, OscilloscopeState &state, LinkModel &link);
+    Oscilloscope(const OscilloscopeDialect &dialect, LinkModel &link);
 
 protected:
     void reset() override;
 
 private:
-    void addRunControl();
-    void forceTrigger();
-    [[nodiscard]] std::optional<double> triggerLevel() const;
-    [[nodiscard]] TimeGrid timeGrid() const;
-    void clip(std::vector<float> &samples, std::size_t channel) const;
-    int answerRecord(const Call &call, std::string &answer);
+    /// Running acquires all the time, Armed waits for one trigger, Stopped keeps its record.
+    enum class Acquisition
+    {
+        Running,
+        Armed,
+        Stopped,
+    };
 
-    const OscilloscopeDialect &dialect_;
-    OscilloscopeState &state_;
-    LinkModel &link_;
+    void addRunControl(bool continuousCommands);
+    Error trigger();
+    [[nodiscard]] std::optional<double> level() const;
+    [[nodiscard]] TimeGrid timeGrid() const;
+    [[nodiscard]] std::vector<float> samples(std::size_t channel);
+    Error answerRecord(const Call &call, std::string *answer);
+
+    double divisions;
+    Setting &channelState;
+    Setting &scale;
+    Setting &position;
+    Setting &offset;
+    Setting &timeScale;
+    Setting &reference;
+    Setting &horizontalPosition;
+    Setting &points;
+    Setting &triggerLevel;
+    std::vector<std::pair<const Setting *, int>> triggerConditions;
+    Acquisition acquisition = Acquisition::Running;
+    LinkEvent record{0, 0.0};
 };
 
 } // namespace simulator

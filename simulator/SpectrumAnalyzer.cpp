@@ -1,14 +1,24 @@
 #include "simulator/SpectrumAnalyzer.h"
 
-#include "simulator/ScpiNumber.h"
-
-#include <algorithm>
+#include "simulator/scpi/Number.h"
 
 namespace simulator {
 
 namespace {
 
-const char *identity(AnalyzerFamily family)
+enum class TriggerSource
+{
+    Immediate,
+    External,
+};
+
+enum class Output
+{
+    Carrier,
+    Video,
+};
+
+const char *identityOf(AnalyzerFamily family)
 {
     switch (family) {
     case AnalyzerFamily::Qan:
@@ -21,60 +31,64 @@ const char *identity(AnalyzerFamily family)
     return "Varnholt,SPA26,100201,1.00";
 }
 
-std::vector<Setting> settingsOf(AnalyzerFamily family)
-{
-    std::vector<Setting> settings{
-        number("DISPlay[:WINDow]:TRACe<1>:Y[:SCALe]:RLEVel", -130.0, 30.0, 0.0),
-        number("INPut<1>:ATTenuation", 0.0, 75.0, 10.0),
-        number("FREQuency:CENTer", 0.0, 40e9, 2.437e9),
-        number("FREQuency:SPAN", 0.0, 0.0, 0.0), // the bench knows zero span only
-        choice("TRIGger<1>[:SEQuence]:SOURce", "IMMediate|EXTernal"),
-        number("TRIGger<1>[:SEQuence]:HOLDoff[:TIME]", -10.0, 30.0, 0.0),
-        choice("TRIGger<1>[:SEQuence]:SLOPe", "POSitive|NEGative"),
-        number("SWEep:TIME", 1e-6, 16000.0, 1.0),
-        integer("SWEep:POINts", 101.0, 100001.0, 1001.0),
-        choice("SWEep:TYPE", "AUTO|SWEep|FFT"),
-        bareChoice("SWEep:OPTimize", "AUTO|DYNamic|SPEed"),
-        choice("BWIDth:FFT", "AUTO|WIDE|NARRow"),
-        number("BWIDth[:RESolution]", 1.0, 80e6, 3e6),
-        number("BWIDth:VIDeo", 1.0, 80e6, 3e6),
-    };
-    if (family == AnalyzerFamily::Qan) {
-        settings.push_back(choice("FREQuency:MODE", "CW|SWeep"));
-    }
-    if (family != AnalyzerFamily::Qel) {
-        settings.push_back(choice("OUTPut<1>:IF[:SOURce]", "IF|VIDeo"));
-        settings.push_back(number("OUTPut<1>:IF:IFFRequency", 0.0, 1e9, 2.0));
-    }
-    return settings;
-}
-
 } // namespace
 
-SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, SpectrumAnalyzerState &state,
-                                   LinkModel &link)
-    : Instrument(identity(family), settingsOf(family), state), state_(state), link_(link)
+SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, LinkModel &link)
+    : BenchInstrument(identityOf(family), link),
+      frequency(add(number("FREQuency:CENTer", 0.0, 40e9, 2.437e9, "HZ"))),
+      triggerSource(add(choice<TriggerSource>(
+          "TRIGger<1>[:SEQuence]:SOURce",
+          {{"IMMediate", TriggerSource::Immediate}, {"EXTernal", TriggerSource::External}}))),
+      holdOff(add(number("TRIGger<1>[:SEQuence]:HOLDoff[:TIME]", -10.0, 30.0, 0.0, "S"))),
+      sweepTime(add(number("SWEep:TIME", 1e-6, 16000.0, 1.0, "S"))),
+      points(add(integer("SWEep:POINts", 101.0, 100001.0, 1001.0))),
+      bandwidth(add(number("BWIDth[:RESolution]", 1.0, 80e6, 3e6, "HZ"))),
+      continuous(add(boolean("INITiate<1>:CONTinuous", true)))
 {
-    addFormatCommands(state_.format);
-    onSwitch(
-        "INITiate<1>:CONTinuous", [this](bool on) { state_.continuous = on; },
-        [this] { return state_.continuous; });
-    // A sweep is over as soon as it is asked for: it shows the link's last event.
-    onEvent("INITiate<1>[:IMMediate]", [] {});
-    onEvent("ABORt", [] {});
-    onEvent("*TRG", [] {});
+    add(number("DISPlay[:WINDow]:TRACe<1>:Y[:SCALe]:RLEVel", -130.0, 30.0, 0.0, "DBM"));
+    add(number("INPut<1>:ATTenuation", 0.0, 75.0, 10.0, "DB"));
+    add(number("FREQuency:SPAN", 0.0, 0.0, 0.0, "HZ")); // the bench knows zero span only
+    add(choice("TRIGger<1>[:SEQuence]:SLOPe", {"POSitive", "NEGative"}));
+    add(choice("SWEep:TYPE", {"AUTO", "SWEep", "FFT"}));
+    add(choice("SWEep:OPTimize", {"AUTO", "DYNamic", "SPEed"}).bare());
+    add(choice("BWIDth:FFT", {"AUTO", "WIDE", "NARRow"}));
+    add(number("BWIDth:VIDeo", 1.0, 80e6, 3e6, "HZ"));
+    if (family == AnalyzerFamily::Qan) {
+        add(choice("FREQuency:MODE", {"CW", "SWeep"}));
+    }
+    if (family != AnalyzerFamily::Qel) {
+        output = &add(choice<Output>("OUTPut<1>:IF[:SOURce]",
+                                     {{"IF", Output::Carrier}, {"VIDeo", Output::Video}}));
+        outputFrequency = &add(number("OUTPut<1>:IF:IFFRequency", 0.0, 1e9, 2.0, "HZ"));
+    }
+    addFormatCommands();
+    onEvent("INITiate<1>[:IMMediate]", [this] { startSweep(); });
+    onEvent("*TRG", [this] { startSweep(); });
+    onEvent("ABORt", [] {}); // a sweep is over as soon as it starts
     onQuery("TRACe<1>[:DATA]",
-            [this](const Call &call, std::string &answer) { return answerTrace(call, answer); });
+            [this](const Call &call, std::string *answer) { return answerTrace(call, answer); });
 }
 
-void SpectrumAnalyzer::reset()
+void SpectrumAnalyzer::startSweep()
 {
-    Instrument::reset();
-    state_.format.reset();
-    state_.continuous = true;
+    sweep = link().freeSweep();
+    begin(sweepTime.value());
 }
 
-int SpectrumAnalyzer::answerTrace(const Call &call, std::string &answer)
+Receiver SpectrumAnalyzer::receiver() const
+{
+    return {hearsChannel(frequency.value(), bandwidth.value()),
+            outputFrequency != nullptr ? outputFrequency->value() : 0.0};
+}
+
+void SpectrumAnalyzer::executed()
+{
+    if (output != nullptr) {
+        link().connect({output->is(Output::Video) ? Signal::Video : Signal::Carrier, receiver()});
+    }
+}
+
+Error SpectrumAnalyzer::answerTrace(const Call &call, std::string *answer)
 {
     if (call.parameters.empty()) {
         return scpi::missingParameter;
@@ -85,23 +99,28 @@ int SpectrumAnalyzer::answerTrace(const Call &call, std::string &answer)
     if (!isMnemonic("TRACE1", call.parameters[0])) {
         return scpi::illegalParameterValue;
     }
-    const double points = value("SWEep:POINts");
-    double wanted = points;
+    double wanted = points.value();
     if (call.parameters.size() == 2) {
-        if (const int error = parseNumber(call.parameters[1], wanted); error != scpi::noError) {
+        if (const Error error = parseNumber(call.parameters[1], "", &wanted)) {
             return error;
         }
-        if (wanted < 1.0) {
+        if (wanted < 1.0 || wanted > points.value()) {
             return scpi::dataOutOfRange;
         }
     }
 
-    const bool external = value("TRIGger<1>[:SEQuence]:SOURce") != 0.0;
-    const double start = external ? value("TRIGger<1>[:SEQuence]:HOLDoff[:TIME]") : 0.0;
-    std::vector<float> samples = link_.lastEvent().trace(
-        Signal::RfPower, {start, value("SWEep:TIME"), static_cast<std::size_t>(points)});
-    samples.resize(static_cast<std::size_t>(std::min(wanted, points)));
-    answer = state_.format.encode(samples);
+    const bool isTriggered = triggerSource.is(TriggerSource::External);
+    if (!isTriggered && continuous.isOn()) {
+        startSweep();
+    }
+    const LinkEvent &shown = isTriggered ? link().lastRecord() : sweep;
+    std::vector<float> samples =
+        shown.trace(Signal::RfPower,
+                    {isTriggered ? holdOff.value() : 0.0, sweepTime.value(),
+                     static_cast<std::size_t>(points.value())},
+                    receiver());
+    samples.resize(static_cast<std::size_t>(wanted));
+    *answer = traceFormat().encode(samples);
     return scpi::noError;
 }
 

@@ -1,8 +1,6 @@
 #pragma once
 
-#include "simulator/Instrument.h"
-#include "simulator/LinkModel.h"
-#include "simulator/TraceFormat.h"
+#include "simulator/BenchInstrument.h"
 
 namespace simulator {
 
@@ -12,29 +10,34 @@ enum class AnalyzerFamily
 {
     Plain,
     Qan,
-    Qel
+    Qel,
 };
 
-struct SpectrumAnalyzerState : InstrumentState
-{
-    TraceFormat format;
-    bool continuous = true;
-};
-
-/// A spectrum analyzer in zero span on the link's channel, triggered by the oscilloscope.
-class SpectrumAnalyzer : public Instrument
+/// A spectrum analyzer in zero span, triggered by the oscilloscope that triggered last. The output
+/// of the one that was spoken to last goes to the oscilloscopes' channel 3.
+class SpectrumAnalyzer : public BenchInstrument
 {
 public:
-    SpectrumAnalyzer(AnalyzerFamily family, SpectrumAnalyzerState &state, LinkModel &link);
+    SpectrumAnalyzer(AnalyzerFamily family, LinkModel &link);
 
 protected:
-    void reset() override;
+    void executed() override;
 
 private:
-    int answerTrace(const Call &call, std::string &answer);
+    void startSweep();
+    [[nodiscard]] Receiver receiver() const;
+    Error answerTrace(const Call &call, std::string *answer);
 
-    SpectrumAnalyzerState &state_;
-    LinkModel &link_;
+    Setting &frequency;
+    Setting &triggerSource;
+    Setting &holdOff;
+    Setting &sweepTime;
+    Setting &points;
+    Setting &bandwidth;
+    Setting &continuous;
+    Setting *output = nullptr; // null where there is none
+    Setting *outputFrequency = nullptr;
+    LinkEvent sweep{0, 0.0}; // the last one that nothing triggered
 };
 
 } // namespace simulator

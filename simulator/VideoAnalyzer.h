@@ -1,32 +1,26 @@
 #pragma once
 
-#include "simulator/Instrument.h"
-#include "simulator/LinkModel.h"
+#include "simulator/BenchInstrument.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace simulator {
 
-struct VideoAnalyzerState : InstrumentState
-{
-    bool measuring = false;
-    std::uint32_t eventsBefore = 0; // the measurement was started
-};
-
 /// A video analyzer that measures the delay from the source to the sink's HDMI output.
-class VideoAnalyzer : public Instrument
+class VideoAnalyzer : public BenchInstrument
 {
 public:
-    VideoAnalyzer(VideoAnalyzerState &state, LinkModel &link);
+    explicit VideoAnalyzer(LinkModel &link);
 
 protected:
     void reset() override;
 
 private:
-    int answerDelay(const Call &call, std::string &answer);
+    [[nodiscard]] std::uint32_t count();
+    Error answerDelay(const Call &call, std::string *answer);
 
-    VideoAnalyzerState &state_;
-    LinkModel &link_;
+    std::optional<std::uint32_t> eventsBefore; // the measurement was started, if it was
 };
 
 } // namespace simulator

@@ -1,3 +1,4 @@
+#include "bench/InProcessBackend.h"
 #include "instrument/InstrumentIo.h"
 #include "instrument/VisaLibraryPath.h"
 #include "Line.h"
@@ -7,8 +8,7 @@
 #include "setup/OscilloscopeSetup.h"
 #include "setup/SpectrumAnalyzerSetup.h"
 #include "setup/VideoAnalyzerSetup.h"
-#include "simulator/Laboratory.h"
-#include "simulator/VisaFunctions.h"
+#include "visa/VisaFunctions.h"
 
 #include <QtTest>
 
@@ -54,8 +54,8 @@ const QVector<Fault> faults = {
 /// The instruments of a series on the bench, set up.
 struct Instruments
 {
-    Instruments(int type, bool ifOutput, const char *analyzer = "spectrum-analyzer-qan")
-        : hosts{type == 0 ? "oscilloscope-kvx" : "oscilloscope", analyzer, "video-analyzer"}
+    Instruments(int type, bool ifOutput, const char *analyzer = "analyzer-qan")
+        : hosts{type == 0 ? "scope-kvx" : "scope", analyzer, "video"}
     {
         series.oscilloscopeType = type;
         series.rfFromOscilloscope = ifOutput;
@@ -87,7 +87,7 @@ struct Instruments
     {
         QString text;
         for (const QString &host : hosts) {
-            auto &errors = simulator::bench().find(host.toStdString())->errors();
+            auto &errors = ::bench().find(host.toStdString())->errors();
             while (!errors.isEmpty()) {
                 text += QString::fromStdString(errors.next());
             }
@@ -156,9 +156,9 @@ private slots:
     void truth()
     {
         for (const auto &[type, ifOutput, analyzer, rfLate] :
-             {std::tuple{1, false, "spectrum-analyzer", 0.0},
-              {0, true, "spectrum-analyzer-qan", 0.0},
-              {0, false, "spectrum-analyzer-qel", 100.0}}) { // its sweep begins 0.1 s earlier
+             {std::tuple{1, false, "analyzer", 0.0},
+              {0, true, "analyzer-qan", 0.0},
+              {0, false, "analyzer-qel", 100.0}}) { // its sweep begins 0.1 s earlier
             Instruments bench(type, ifOutput, analyzer);
             bench.series.count = 1;
             t.clear();
@@ -166,7 +166,7 @@ private slots:
             constexpr int measurements = 200;
             for (int i = 0; i < measurements; ++i) {
                 QCOMPARE(bench.run(), 0);
-                const simulator::Instants &truth = simulator::bench().link().lastEvent().instants();
+                const simulator::Instants &truth = ::bench().link().lastEvent().instants();
                 const double rfError = mS2Rf - rfLate - (truth.rf - truth.source) * 1000;
                 const double sinkError = mS2Snk - (truth.sink - truth.source) * 1000;
                 sum += rfError + sinkError;
@@ -195,7 +195,7 @@ private slots:
         QFETCH(const int, row);
         const bool isSeries = row % 4 == 3;
         Instruments bench(row / 8, row & 4);
-        simulator::LinkModel events = simulator::bench().link();
+        simulator::LinkModel events = ::bench().link();
         for (auto ahead = events; !ahead.lastEvent().isOverloaded(); ahead.trigger(0.027)) {
             events = ahead; // the next record is one to be taken again
         }
@@ -206,7 +206,7 @@ private slots:
             iaQueryf_s(bench.series.oscilloscope, "ACQ:POIN 4000;*OPC?\n", &reply);
             static_cast<void>(bench.takeErrors());
             bench.line.takeTranscript();
-            simulator::bench().link() = events;
+            ::bench().link() = events;
             t.clear();
             calls = 0;
             happened = false;

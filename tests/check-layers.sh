@@ -9,6 +9,10 @@ failed=0
 # may_include LAYER PATTERN: the project's own headers that a layer may include.
 may_include() {
     local layer=$1 allowed=$2
+    if [[ -z $(find "$layer" -name '*.cpp' -print -quit) ]]; then
+        echo "there is nothing in $layer/" >&2
+        failed=1
+    fi
     # Forms and moc files are generated beside their sources.
     if grep -rnE '^#include "' --include='*.cpp' --include='*.h' "$layer" |
         grep -vE "#include \"($allowed|$layer/.*|ui_.*|.*\.moc)\"$"; then
@@ -21,7 +25,9 @@ may_include instrument 'no others'
 may_include setup 'instrument/.*'
 may_include measurement 'instrument/.*'
 may_include app '(instrument|setup|measurement)/.*'
+may_include visa 'instrument/VisaTypes\.h'
+may_include simulator 'no others'
+may_include bench '((simulator|visa)/.*|lan/(Portmapper|RpcMessage|Vxi11|Xdr)\.h)'
 may_include lan '(visa/.*|instrument/VisaTypes\.h)'
-may_include simulator 'instrument/VisaTypes\.h'
 
 exit "$failed"

@@ -61,6 +61,8 @@ public:
     /// Lock the device for this link, waiting for other links' locks until the deadline; unlock.
     virtual ViStatus lock(Deadline deadline) = 0;
     virtual ViStatus unlock(Deadline deadline) = 0;
+    /// Tell the device's IP address, empty where there is none.
+    [[nodiscard]] virtual std::string address() const { return {}; }
 };
 
 /// Where devices are found and links come from.

@@ -95,7 +95,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     std::deque<ViObject> handles = {manager};
     for (int host = 0; host < 3; ++host) {
         ViSession session = 0;
-        viOpen(manager, "TCPIP::oscilloscope::INSTR", VI_NO_LOCK, 0, &session);
+        viOpen(manager, "TCPIP::scope::INSTR", VI_NO_LOCK, 0, &session);
         handles.push_back(session);
     }
     while (input.remaining_bytes() > 0 && handles.size() < 16) {

@@ -1,0 +1,33 @@
+#include "simulator/BenchInstrument.h"
+
+#include "simulator/scpi/Number.h"
+
+namespace simulator {
+
+BenchInstrument::BenchInstrument(const std::string &identity, LinkModel &link)
+    : Instrument(identity), model(link)
+{
+    onQuery("BENCh:EVENt",
+            [this](const Call &call, std::string *answer) { return answerEvent(call, answer); });
+}
+
+Error BenchInstrument::answerEvent(const Call &call, std::string *answer) const
+{
+    if (!call.parameters.empty()) {
+        return scpi::parameterNotAllowed;
+    }
+    if (model.eventCount() == 0) {
+        return scpi::dataStale;
+    }
+    const LinkEvent &event = model.lastEvent();
+    const Instants &truth = event.instants();
+    *answer = std::to_string(model.eventCount());
+    for (const double value : {truth.source, 1e3 * (truth.rf - truth.source), truth.hdmiDelayMs,
+                               1e3 * (truth.sink - truth.source)}) {
+        *answer += ',' + numberText(value);
+    }
+    *answer += event.isOverloaded() ? ",1" : ",0";
+    return scpi::noError;
+}
+
+} // namespace simulator

@@ -1,0 +1,261 @@
+#include "simulator/scpi/Instrument.h"
+
+#include <algorithm>
+
+namespace simulator {
+
+namespace {
+
+/// More than any answer of the bench's instruments; a message that asks for more is deadlocked.
+constexpr std::size_t outputLimit = std::size_t{32} << 20U;
+
+// The status byte (IEEE 488.2 11.2 and SCPI-99 volume 1, 9) and the event status register (11.5).
+constexpr unsigned errorAvailable = 0x04;
+constexpr unsigned messageAvailableBit = 0x10;
+constexpr unsigned eventSummary = 0x20;
+constexpr unsigned masterSummary = 0x40;
+constexpr unsigned operationComplete = 0x01;
+
+/// Split at separators that stand outside quotes (IEEE 488.2 7.7.5).
+std::vector<std::string_view> split(std::string_view text, char separator)
+{
+    std::vector<std::string_view> parts;
+    char quote = 0;
+    std::size_t start = 0;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const char c = text[at];
+        if (quote != 0) {
+            quote = c == quote ? '\0' : quote;
+        } else if (c == '"' || c == '\'') {
+            quote = c;
+        } else if (c == separator) {
+            parts.push_back(trimmed(text.substr(start, at - start)));
+            start = at + 1;
+        }
+    }
+    parts.push_back(trimmed(text.substr(start)));
+    return parts;
+}
+
+} // namespace
+
+Instrument::Instrument(std::string identity) : identity(std::move(identity))
+{
+    addCommonCommands();
+}
+
+void Instrument::addCommonCommands()
+{
+    eventEnable = &add(integer("*ESE", 0.0, 255.0, 0.0));
+    serviceEnable = &add(integer("*SRE", 0.0, 255.0, 0.0));
+    onAnswer("*IDN", [this] { return identity; });
+    onAnswer("*OPC", [] { return std::string("1"); }); // the commands before it have ended
+    onAnswer("*TST", [] { return std::string("0"); });
+    onAnswer("*ESR", [this] { return std::to_string(std::exchange(eventStatus, 0U)); });
+    onAnswer("*STB", [this] { return std::to_string(statusByte(hasAnswered)); });
+    onAnswer("SYSTem:ERRor[:NEXT]", [this] { return queue.next(); });
+    onEvent("*OPC", [this] { eventStatus |= operationComplete; });
+    onEvent("*WAI", [] {});
+    onEvent("*RST", [this] { reset(); });
+    onEvent("*CLS", [this] {
+        queue.clear();
+        eventStatus = 0;
+    });
+}
+
+Setting &Instrument::add(Setting setting)
+{
+    settings.push_back(std::move(setting));
+    Setting &added = settings.back();
+    addMultiple(added.header(), added, 1.0);
+    return added;
+}
+
+void Instrument::addMultiple(std::string_view pattern, Setting &setting, double factor)
+{
+    onCommand(pattern, [&setting, factor](const Call &call, std::string *) {
+        if (call.parameters.size() > 1) {
+            return scpi::parameterNotAllowed;
+        }
+        double value = setting.powerUpValue();
+        if (call.parameters.empty() && !setting.isBare()) {
+            return scpi::missingParameter;
+        }
+        const Error error = call.parameters.empty()
+                                ? scpi::noError
+                                : setting.parse(call.parameters[0], factor, &value);
+        if (!error) {
+            setting.set(call.suffixes, value);
+        }
+        return error;
+    });
+    onQuery(pattern, [&setting, factor](const Call &call, std::string *answer) {
+        double value = setting.value(call.suffixes);
+        if (!call.parameters.empty() &&
+            (call.parameters.size() > 1 || !setting.parseLimit(call.parameters[0], &value))) {
+            return scpi::parameterNotAllowed;
+        }
+        *answer = setting.text(value, factor);
+        return scpi::noError;
+    });
+}
+
+void Instrument::onCommand(std::string_view pattern, Handler handler)
+{
+    commands.push_back({Pattern(pattern), std::move(handler), nullptr});
+}
+
+void Instrument::onQuery(std::string_view pattern, Handler handler)
+{
+    commands.push_back({Pattern(pattern), nullptr, std::move(handler)});
+}
+
+void Instrument::onEvent(std::string_view pattern, const std::function<void()> &action)
+{
+    onCommand(pattern, [action](const Call &call, std::string *) {
+        if (!call.parameters.empty()) {
+            return scpi::parameterNotAllowed;
+        }
+        action();
+        return scpi::noError;
+    });
+}
+
+void Instrument::onAnswer(std::string_view pattern, const std::function<std::string()> &text)
+{
+    onQuery(pattern, [text](const Call &call, std::string *answer) {
+        if (!call.parameters.empty()) {
+            return scpi::parameterNotAllowed;
+        }
+        *answer = text();
+        return scpi::noError;
+    });
+}
+
+void Instrument::addFormatCommands()
+{
+    onCommand("FORMat[:DATA]",
+              [this](const Call &call, std::string *) { return format.set(call.parameters); });
+    onAnswer("FORMat[:DATA]", [this] { return format.text(); });
+}
+
+void Instrument::reset()
+{
+    for (Setting &setting : settings) {
+        if (&setting != eventEnable && &setting != serviceEnable) { // IEEE 488.2 10.32.3
+            setting.reset();
+        }
+    }
+    format.reset();
+}
+
+void Instrument::report(const Error &error)
+{
+    queue.push(error);
+    // SCPI-99 volume 2, 21.8: -1xx command, -2xx execution, -3xx device, -4xx query errors.
+    eventStatus |= 0x40U >> static_cast<unsigned>(error.number / -100);
+}
+
+std::uint8_t Instrument::statusByte(bool messageAvailable) const
+{
+    const auto mask = [](const Setting *enable) { return static_cast<unsigned>(enable->value()); };
+    const unsigned status = (queue.isEmpty() ? 0U : errorAvailable) |
+                            (messageAvailable ? messageAvailableBit : 0U) |
+                            ((eventStatus & mask(eventEnable)) != 0 ? eventSummary : 0U);
+    return static_cast<std::uint8_t>(
+        status | ((status & mask(serviceEnable) & ~masterSummary) != 0 ? masterSummary : 0U));
+}
+
+const Instrument::Command *Instrument::find(std::string_view header, Suffixes *suffixes,
+                                            Error *error) const
+{
+    const bool isQuery = !header.empty() && header.back() == '?';
+    header.remove_suffix(isQuery ? 1 : 0);
+    for (const Command &command : commands) {
+        if (!(isQuery ? command.query : command.set)) {
+            continue;
+        }
+        const auto match = command.pattern.match(header, suffixes);
+        if (match == Pattern::Match::Full) {
+            return &command;
+        }
+        if (match == Pattern::Match::SuffixOutOfRange) {
+            *error = scpi::headerSuffixOutOfRange;
+        }
+    }
+    return nullptr;
+}
+
+Error Instrument::executeUnit(std::string_view unit, std::string *path, std::string *answer)
+{
+    const auto space = std::find_if(unit.begin(), unit.end(), [](char c) {
+        return trimmed({&c, 1}).empty();
+    });
+    const auto headerSize = static_cast<std::size_t>(space - unit.begin());
+    std::string header(unit.substr(0, headerSize));
+    Call call{};
+    if (const auto rest = trimmed(unit.substr(headerSize)); !rest.empty()) {
+        call.parameters = split(rest, ',');
+    }
+
+    // A header goes on from the path of the unit before (SCPI-99 volume 1, 6.2.4). Like many
+    // instruments these take one that is not there for one from the root.
+    const bool isCommon = header.front() == '*';
+    const bool isAbsolute = header.front() == ':';
+    header.erase(0, isAbsolute ? 1 : 0);
+    Error error = scpi::undefinedHeader;
+    const Command *command = nullptr;
+    if (!isAbsolute && !isCommon && !path->empty()) {
+        command = find(*path + header, &call.suffixes, &error);
+        header.insert(0, command != nullptr ? *path : std::string());
+    }
+    if (command == nullptr) {
+        command = find(header, &call.suffixes, &error);
+    }
+    if (command == nullptr) {
+        return error;
+    }
+    if (!isCommon) { // common commands leave the path alone (IEEE 488.2 A.1.1)
+        const std::size_t colon = header.rfind(':');
+        *path = colon == std::string::npos ? std::string() : header.substr(0, colon + 1);
+    }
+    return (header.back() == '?' ? command->query : command->set)(call, answer);
+}
+
+std::string Instrument::execute(std::string_view message)
+{
+    std::string response = executeUnits(message);
+    executed();
+    return response;
+}
+
+std::string Instrument::executeUnits(std::string_view message)
+{
+    std::string response;
+    std::string path; // of the last unit, with its last colon
+    for (const std::string_view unit : split(message, ';')) {
+        if (unit.empty()) {
+            continue;
+        }
+        hasAnswered = !response.empty();
+        std::string answer;
+        if (const Error error = executeUnit(unit, &path, &answer)) {
+            report(error);
+            continue;
+        }
+        if (response.size() + answer.size() > outputLimit) {
+            report(scpi::queryDeadlocked); // IEEE 488.2 6.3.1.7: the output is given up
+            return {};
+        }
+        if (!answer.empty() && !response.empty()) {
+            response += ';';
+        }
+        response += answer;
+    }
+    if (!response.empty()) {
+        response += '\n';
+    }
+    return response;
+}
+
+} // namespace simulator

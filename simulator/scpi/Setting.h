@@ -1,0 +1,108 @@
+#pragma once
+
+#include "simulator/scpi/ErrorQueue.h"
+#include "simulator/scpi/Pattern.h"
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace simulator {
+
+/// A setting of an instrument: what its command takes, and its present value for each numeric
+/// suffix of its header.
+class Setting
+{
+public:
+    enum class Kind
+    {
+        Number,
+        Integer,
+        Switch,
+        Choice,
+    };
+    using Choices = std::vector<std::pair<std::string_view, int>>; // names, enumerators
+
+    Setting(std::string_view pattern, Kind kind, double minimum, double maximum, double powerUp,
+            std::string_view unit, Choices choices = {});
+
+    /// Read MINimum, MAXimum or DEFault of a number; false when it is none of them.
+    bool parseLimit(std::string_view text, double *value) const;
+    /// Read a parameter of the command; for one that tells this setting in other words, factor
+    /// times its value. Sets value in terms of this setting.
+    Error parse(std::string_view text, double factor, double *value) const;
+    /// Write a value of this setting as its query answers it, times factor.
+    [[nodiscard]] std::string text(double value, double factor) const;
+
+    /// Give every suffix its value at power-up.
+    void reset();
+
+    [[nodiscard]] double value(const Suffixes &suffixes) const { return values[index(suffixes)]; }
+    void set(const Suffixes &suffixes, double value) { values[index(suffixes)] = value; }
+    [[nodiscard]] double value(std::size_t suffix = 1) const { return value({suffix, 1}); }
+    [[nodiscard]] bool isOn(std::size_t suffix = 1) const { return value(suffix) != 0.0; }
+    /// Tell whether a choice is this one.
+    template <typename Enumeration>
+    [[nodiscard]] bool is(Enumeration choice) const
+    {
+        return value() == static_cast<double>(choice);
+    }
+
+    [[nodiscard]] std::string_view header() const { return pattern; }
+    [[nodiscard]] double powerUpValue() const { return powerUp; }
+    /// Let the command come without a parameter, which restores the value at power-up.
+    Setting bare() &&;
+    [[nodiscard]] bool isBare() const { return mayBeBare; }
+
+private:
+    [[nodiscard]] std::size_t index(const Suffixes &suffixes) const
+    {
+        return (suffixes[0] - 1) * largest[1] + suffixes[1] - 1;
+    }
+
+    std::string_view pattern;
+    Kind kind;
+    double minimum;
+    double maximum;
+    double powerUp;
+    std::string_view unit;
+    Choices choices;
+    bool mayBeBare = false;
+    Suffixes largest;
+    std::vector<double> values;
+};
+
+/// Define a number in a unit as IEEE 488.2 writes it ("HZ"), or in none.
+inline Setting number(std::string_view pattern, double minimum, double maximum, double powerUp,
+                      std::string_view unit = "")
+{
+    return {pattern, Setting::Kind::Number, minimum, maximum, powerUp, unit};
+}
+
+inline Setting integer(std::string_view pattern, double minimum, double maximum, double powerUp)
+{
+    return {pattern, Setting::Kind::Integer, minimum, maximum, powerUp, ""};
+}
+
+inline Setting boolean(std::string_view pattern, bool powerUp)
+{
+    return {pattern, Setting::Kind::Switch, 0.0, 1.0, powerUp ? 1.0 : 0.0, ""};
+}
+
+/// Define a choice by the names of its enumerators; the first one is the value at power-up.
+template <typename Enumeration>
+Setting choice(std::string_view pattern,
+               std::initializer_list<std::pair<std::string_view, Enumeration>> names)
+{
+    Setting::Choices choices;
+    for (const auto &[name, enumerator] : names) {
+        choices.emplace_back(name, static_cast<int>(enumerator));
+    }
+    return {pattern, Setting::Kind::Choice, 0.0, 0.0, double(choices[0].second), "", choices};
+}
+
+/// Define a choice that has no effect on what the bench shows.
+Setting choice(std::string_view pattern, std::initializer_list<std::string_view> names);
+
+} // namespace simulator

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "simulator/scpi/ErrorQueue.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace simulator {
+
+/// The format in which an instrument answers its traces, FORMat[:DATA]: decimal text (ASCii) at
+/// power-up, or binary blocks (REAL,32).
+class TraceFormat
+{
+public:
+    /// Take the parameters of the command.
+    Error set(const std::vector<std::string_view> &parameters);
+    /// Answer its query.
+    [[nodiscard]] std::string text() const { return isReal ? "REAL,32" : "ASC,0"; }
+    void reset() { isReal = false; }
+
+    /// Write numbers separated by commas, or one definite-length block of little-endian 32-bit
+    /// floats (IEEE 488.2 8.7.9).
+    [[nodiscard]] std::string encode(const std::vector<float> &samples) const;
+
+private:
+    bool isReal = false;
+};
+
+} // namespace simulator

@@ -1,0 +1,148 @@
+#include "visa/Attributes.h"
+
+#include "visa/ResourceName.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+namespace visa {
+
+namespace {
+
+/// A numeric attribute: how wide it is, what it is at first, and what clients may set it to.
+struct Number
+{
+    ViAttr attribute;
+    std::size_t width; // bytes
+    ViAttrState initial;
+    bool isManagers = false; // too
+    bool isWritable = false;
+    ViAttrState least = 0;
+    ViAttrState greatest = 0;
+};
+
+constexpr ViAttrState words = 0xFFFFFFFF;
+
+// Of what this library does not do, clients may set what it does anyway.
+constexpr Number table[] = {
+    {VI_ATTR_RSRC_IMPL_VERSION, 4, ORVANTA_VERSION_NUMBER, true},
+    {VI_ATTR_RSRC_LOCK_STATE, 4, VI_NO_LOCK, true},
+    {VI_ATTR_MAX_QUEUE_LENGTH, 4, 50, true, true, 1, words},
+    {VI_ATTR_USER_DATA_32, 4, 0, true, true, 0, words},
+    {VI_ATTR_USER_DATA, 8, 0, true, true, 0, ~ViAttrState{0}},
+    {VI_ATTR_RSRC_SPEC_VERSION, 4, 0x00300000, true}, // VISA 3.0
+    {VI_ATTR_RSRC_MANF_ID, 2, 0x0FFF, true},
+    {VI_ATTR_SEND_END_EN, 2, 1, false, true, 0, 1},
+    {VI_ATTR_TERMCHAR, 1, '\n', false, true, 0, 0xFF},
+    {VI_ATTR_TERMCHAR_EN, 2, 0, false, true, 0, 1},
+    {VI_ATTR_TMO_VALUE, 4, 2000, false, true, 0, words},
+    {VI_ATTR_IO_PROT, 2, VI_PROT_NORMAL, false, true, VI_PROT_NORMAL, VI_PROT_NORMAL},
+    {VI_ATTR_DMA_ALLOW_EN, 2, 0, false, true, 0, 1},
+    {VI_ATTR_RD_BUF_OPER_MODE, 2, 3, false, true, 3, 3}, // never flushed but by viFlush
+    {VI_ATTR_RD_BUF_SIZE, 4, 0},
+    {VI_ATTR_WR_BUF_OPER_MODE, 2, 2, false, true, 2, 2}, // flushed when full
+    {VI_ATTR_WR_BUF_SIZE, 4, 0},
+    {VI_ATTR_SUPPRESS_END_EN, 2, 0, false, true, 0, 0},
+    {VI_ATTR_FILE_APPEND_EN, 2, 0, false, true, 0, 1},
+    {VI_ATTR_TRIG_ID, 2, 0xFFFF, false, true, 0xFFFF, 0xFFFF}, // -1: by software
+    {VI_ATTR_TCPIP_IS_HISLIP, 2, 0},
+    {VI_ATTR_RM_SESSION, 4, 0},
+    {VI_ATTR_INTF_TYPE, 2, VI_INTF_TCPIP},
+    {VI_ATTR_INTF_NUM, 2, 0},
+};
+
+const Number &row(ViAttr attribute)
+{
+    return *std::find_if(std::begin(table), std::end(table),
+                         [=](const Number &number) { return number.attribute == attribute; });
+}
+
+/// The part of a value that an attribute of so many bytes has.
+ViAttrState cut(ViAttrState value, std::size_t width)
+{
+    return width == sizeof value ? value : value & ((ViAttrState{1} << 8 * width) - 1);
+}
+
+template <typename Integer>
+void store(ViAttrState number, void *target)
+{
+    const auto value = static_cast<Integer>(number);
+    std::memcpy(target, &value, sizeof value);
+}
+
+} // namespace
+
+Attributes::Attributes() : texts{{VI_ATTR_RSRC_MANF_NAME, "Varnholt"}}
+{
+    for (const Number &number : table) {
+        if (number.isManagers) {
+            numbers[number.attribute] = number.initial;
+        }
+    }
+}
+
+Attributes::Attributes(const ResourceName &name, const std::string &address, ViSession manager)
+    : texts{{VI_ATTR_RSRC_MANF_NAME, "Varnholt"},
+            {VI_ATTR_RSRC_CLASS, name.resourceClass},
+            {VI_ATTR_RSRC_NAME, name.full},
+            {VI_ATTR_INTF_INST_NAME, "TCPIP" + std::to_string(name.board)},
+            {VI_ATTR_TCPIP_ADDR, address},
+            {VI_ATTR_TCPIP_HOSTNAME, name.host},
+            {VI_ATTR_TCPIP_DEVICE_NAME, name.device}}
+{
+    for (const Number &number : table) {
+        numbers[number.attribute] = number.initial;
+    }
+    put(VI_ATTR_RM_SESSION, manager);
+    put(VI_ATTR_INTF_NUM, name.board);
+}
+
+ViStatus Attributes::set(ViAttr attribute, ViAttrState value)
+{
+    const auto found = numbers.find(attribute);
+    if (found == numbers.end()) {
+        return texts.count(attribute) != 0 ? VI_ERROR_ATTR_READONLY : VI_ERROR_NSUP_ATTR;
+    }
+    const Number &number = row(attribute);
+    if (!number.isWritable) {
+        return VI_ERROR_ATTR_READONLY;
+    }
+    // Clients that declare the argument with 32 bits leave the rest of its register undefined; a
+    // narrow negative number comes with its sign.
+    const auto wanted =
+        cut(value, number.width == 8 || attribute == VI_ATTR_TRIG_ID ? number.width : 4);
+    if (wanted < number.least || wanted > number.greatest) {
+        return VI_ERROR_NSUP_ATTR_STATE;
+    }
+    found->second = wanted;
+    return VI_SUCCESS;
+}
+
+ViStatus Attributes::get(ViAttr attribute, void *value) const
+{
+    if (const auto text = texts.find(attribute); text != texts.end()) {
+        std::memcpy(value, text->second.c_str(), text->second.size() + 1);
+        return VI_SUCCESS;
+    }
+    const auto found = numbers.find(attribute);
+    if (found == numbers.end()) {
+        return VI_ERROR_NSUP_ATTR;
+    }
+    switch (row(attribute).width) {
+    case 1:
+        store<ViByte>(found->second, value);
+        break;
+    case 2:
+        store<ViUInt16>(found->second, value);
+        break;
+    case 4:
+        store<ViUInt32>(found->second, value);
+        break;
+    default:
+        store<ViAttrState>(found->second, value);
+    }
+    return VI_SUCCESS;
+}
+
+} // namespace visa

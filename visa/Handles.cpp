@@ -1,0 +1,71 @@
+#include "visa/Handles.h"
+
+namespace visa {
+
+namespace {
+
+constexpr std::size_t most = 1024; // handles open at a time
+
+} // namespace
+
+ViStatus Handles::add(const std::shared_ptr<Object> &object, ViObject *handle)
+{
+    const std::lock_guard lock(mutex);
+    if (object->kind != Object::Kind::Manager && objects.count(object->manager) == 0) {
+        return VI_ERROR_INV_OBJECT;
+    }
+    if (objects.size() >= most || last + 1 == 0) {
+        return VI_ERROR_ALLOC;
+    }
+    objects[last + 1] = object;
+    *handle = ++last;
+    return VI_SUCCESS;
+}
+
+std::shared_ptr<Object> Handles::find(ViObject handle)
+{
+    const std::lock_guard lock(mutex);
+    const auto found = objects.find(handle);
+    return found == objects.end() ? nullptr : found->second;
+}
+
+ViStatus Handles::close(ViObject handle)
+{
+    std::map<ViObject, std::shared_ptr<Object>> closed; // goes after the lock: links take time
+    const std::lock_guard lock(mutex);
+    if (objects.count(handle) == 0) {
+        return VI_ERROR_INV_OBJECT;
+    }
+    for (auto at = objects.begin(); at != objects.end();) {
+        const auto next = std::next(at);
+        if (at->first == handle || at->second->manager == handle) {
+            closed.insert(objects.extract(at));
+        }
+        at = next;
+    }
+    return VI_SUCCESS;
+}
+
+void Handles::closeAll()
+{
+    std::map<ViObject, std::shared_ptr<Object>> closed;
+    const std::lock_guard lock(mutex);
+    closed.swap(objects);
+}
+
+Handles &handles()
+{
+    // Never destroyed: other threads may use it until the process has ended.
+    static Handles &all = *new Handles;
+    struct AtExit
+    {
+        AtExit() { backend(); } // which outlives this
+        AtExit(const AtExit &) = delete;
+        AtExit &operator=(const AtExit &) = delete;
+        ~AtExit() { all.closeAll(); }
+    };
+    static const AtExit atExit;
+    return all;
+}
+
+} // namespace visa

@@ -1,0 +1,228 @@
+// Resource managers, what they find and open, and what all objects have.
+
+#include "visa/Deadline.h"
+#include "visa/Guard.h"
+#include "visa/ResourceExpression.h"
+#include "visa/ResourceName.h"
+#include "visa/StatusText.h"
+#include "visa/VisaFunctions.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+using visa::Attributes;
+using visa::guarded;
+using visa::handles;
+using visa::Object;
+using visa::with;
+
+namespace {
+
+/// Connecting takes time, and clients who do not care ask for none.
+constexpr ViUInt32 usualOpenTimeout = 5000; // ms
+
+/// Copy a text with its zero byte, where the caller has a buffer for it.
+void copyText(ViChar *buffer, std::string_view text)
+{
+    if (buffer != nullptr) {
+        *std::copy(text.begin(), text.end(), buffer) = '\0';
+    }
+}
+
+ViStatus findNames(const char *expression, std::deque<std::string> *names)
+{
+    const std::string_view text(expression, strnlen(expression, VI_FIND_BUFLEN));
+    if (text.size() == VI_FIND_BUFLEN || !visa::matchesExpression(text, "")) {
+        return VI_ERROR_INV_EXPR;
+    }
+    for (const std::string &name : visa::backend().list()) {
+        if (*visa::matchesExpression(text, name)) {
+            names->push_back(name);
+        }
+    }
+    return names->empty() ? VI_ERROR_RSRC_NFOUND : VI_SUCCESS;
+}
+
+ViStatus openSession(ViSession manager, const visa::ResourceName &name, ViAccessMode accessMode,
+                     ViUInt32 timeout, ViSession *session)
+{
+    const visa::Deadline deadline = visa::deadlineAfter(timeout == 0 ? usualOpenTimeout : timeout);
+    const auto object = std::make_shared<Object>();
+    ViStatus status = visa::backend().open(name, deadline, &object->link);
+    if (status != VI_SUCCESS) {
+        return status;
+    }
+    object->kind = Object::Kind::Session;
+    object->manager = manager;
+    object->attributes = Attributes(name, object->link->address(), manager);
+    if ((accessMode & VI_EXCLUSIVE_LOCK) != 0) {
+        status = object->link->lock(deadline);
+        object->locks = 1;
+        object->attributes.put(VI_ATTR_RSRC_LOCK_STATE, VI_EXCLUSIVE_LOCK);
+    }
+    return status == VI_SUCCESS ? handles().add(object, session) : status;
+}
+
+/// Run an operation of a session's or a resource manager's attributes.
+template <typename Body>
+ViStatus withAttributes(ViObject handle, Body body) noexcept
+{
+    return guarded([&] {
+        const auto object = handles().find(handle);
+        if (object == nullptr || object->kind == Object::Kind::List) {
+            return object == nullptr ? VI_ERROR_INV_OBJECT : VI_ERROR_NSUP_OPER;
+        }
+        const std::lock_guard lock(object->mutex);
+        return body(object->attributes);
+    });
+}
+
+} // namespace
+
+ViStatus viOpenDefaultRM(ViSession *resourceManager)
+{
+    if (resourceManager == nullptr) {
+        return VI_ERROR_USER_BUF;
+    }
+    return guarded([=] { return handles().add(std::make_shared<Object>(), resourceManager); });
+}
+
+ViStatus viFindRsrc(ViSession resourceManager, const ViChar *expression, ViFindList *list,
+                    ViUInt32 *count, ViChar *description)
+{
+    return with(resourceManager, Object::Kind::Manager, [=](Object &) {
+        if (expression == nullptr || description == nullptr) {
+            return expression == nullptr ? VI_ERROR_INV_EXPR : VI_ERROR_USER_BUF;
+        }
+        const auto found = std::make_shared<Object>();
+        found->kind = Object::Kind::List;
+        found->manager = resourceManager;
+        ViStatus status = findNames(expression, &found->names);
+        if (status != VI_SUCCESS) {
+            return status;
+        }
+        if (count != nullptr) {
+            *count = static_cast<ViUInt32>(found->names.size());
+        }
+        copyText(description, found->names.front());
+        found->names.pop_front();
+        return list == nullptr ? VI_SUCCESS : handles().add(found, list);
+    });
+}
+
+ViStatus viFindNext(ViFindList list, ViChar *description)
+{
+    return with(list, Object::Kind::List, [=](Object &object) {
+        if (description == nullptr || object.names.empty()) {
+            return description == nullptr ? VI_ERROR_USER_BUF : VI_ERROR_RSRC_NFOUND;
+        }
+        copyText(description, object.names.front());
+        object.names.pop_front();
+        return VI_SUCCESS;
+    });
+}
+
+ViStatus viParseRsrc(ViSession resourceManager, const ViChar *resourceName, ViUInt16 *interfaceType,
+                     ViUInt16 *interfaceNumber)
+{
+    return viParseRsrcEx(resourceManager, resourceName, interfaceType, interfaceNumber, nullptr,
+                         nullptr, nullptr);
+}
+
+// Names are only taken apart: whether the device is there is up to viOpen.
+ViStatus viParseRsrcEx(ViSession resourceManager, const ViChar *resourceName,
+                       ViUInt16 *interfaceType, ViUInt16 *interfaceNumber, ViChar *resourceClass,
+                       ViChar *expandedName, ViChar *alias)
+{
+    return with(resourceManager, Object::Kind::Manager, [=](Object &) {
+        if (interfaceType == nullptr || interfaceNumber == nullptr) {
+            return VI_ERROR_USER_BUF;
+        }
+        const auto name = visa::parseResourceName(resourceName == nullptr ? "" : resourceName);
+        if (!name) {
+            return VI_ERROR_INV_RSRC_NAME;
+        }
+        *interfaceType = name->interfaceType;
+        *interfaceNumber = name->board;
+        copyText(resourceClass, name->resourceClass);
+        copyText(expandedName, name->full);
+        copyText(alias, "");
+        return VI_SUCCESS;
+    });
+}
+
+// The manager is not held meanwhile: a device that does not answer holds up nobody else.
+ViStatus viOpen(ViSession resourceManager, const ViChar *resourceName, ViAccessMode accessMode,
+                ViUInt32 timeoutMs, ViSession *session)
+{
+    if (session == nullptr) {
+        return VI_ERROR_USER_BUF;
+    }
+    *session = 0;
+    const ViStatus status =
+        with(resourceManager, Object::Kind::Manager, [](Object &) { return VI_SUCCESS; });
+    if (status != VI_SUCCESS) {
+        return status;
+    }
+    return guarded([=] {
+        if ((accessMode & ~(VI_EXCLUSIVE_LOCK | VI_LOAD_CONFIG)) != 0) {
+            return VI_ERROR_INV_ACC_MODE; // locks are not shared
+        }
+        const auto name = visa::parseResourceName(resourceName == nullptr ? "" : resourceName);
+        if (!name) {
+            return VI_ERROR_INV_RSRC_NAME;
+        }
+        if (name->interfaceType != VI_INTF_TCPIP || name->resourceClass != "INSTR") {
+            return VI_ERROR_RSRC_NFOUND;
+        }
+        return openSession(resourceManager, *name, accessMode, timeoutMs, session);
+    });
+}
+
+ViStatus viClose(ViObject object)
+{
+    if (object == 0) {
+        return VI_WARN_NULL_OBJECT;
+    }
+    return guarded([=] { return handles().close(object); });
+}
+
+ViStatus viStatusDesc(ViObject object, ViStatus status, ViChar *description)
+{
+    return guarded([=] {
+        if (handles().find(object) == nullptr) {
+            return VI_ERROR_INV_OBJECT;
+        }
+        if (description == nullptr) {
+            return VI_ERROR_USER_BUF;
+        }
+        bool isKnown = false;
+        copyText(description, visa::statusText(status, &isKnown));
+        return isKnown ? VI_SUCCESS : VI_WARN_UNKNOWN_STATUS;
+    });
+}
+
+ViStatus viSetAttribute(ViObject object, ViAttr attribute, ViAttrState value)
+{
+    return withAttributes(object,
+                          [=](Attributes &attributes) { return attributes.set(attribute, value); });
+}
+
+ViStatus viGetAttribute(ViObject object, ViAttr attribute, void *value)
+{
+    return withAttributes(object, [=](const Attributes &attributes) {
+        return value == nullptr ? VI_ERROR_USER_BUF : attributes.get(attribute, value);
+    });
+}
+
+// No events are raised, and none can be enabled.
+ViStatus viDisableEvent(ViSession session, ViEventType /*type*/, ViUInt16 /*mechanism*/)
+{
+    return withAttributes(session, [](const Attributes &) { return VI_SUCCESS_EVENT_DIS; });
+}
+
+ViStatus viDiscardEvents(ViSession session, ViEventType /*type*/, ViUInt16 /*mechanism*/)
+{
+    return withAttributes(session, [](const Attributes &) { return VI_SUCCESS_QUEUE_EMPTY; });
+}

@@ -1,0 +1,242 @@
+// What is done with a device by way of its session.
+
+#include "visa/Deadline.h"
+#include "visa/Guard.h"
+#include "visa/VisaFunctions.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+using visa::Attributes;
+using visa::Object;
+
+namespace {
+
+constexpr std::size_t pieceSize = 65536; // of files, bytes
+
+template <typename Body>
+ViStatus withSession(ViSession handle, Body body) noexcept
+{
+    return visa::with(handle, Object::Kind::Session, body);
+}
+
+visa::Deadline deadlineOf(const Object &session)
+{
+    return visa::deadlineAfter(session.attributes.number(VI_ATTR_TMO_VALUE));
+}
+
+void report(ViUInt32 *returnedCount, std::size_t count)
+{
+    if (returnedCount != nullptr) {
+        *returnedCount = static_cast<ViUInt32>(count);
+    }
+}
+
+ViStatus write(Object &session, const ViByte *bytes, std::size_t count, ViUInt32 *returnedCount)
+{
+    const bool end = session.attributes.number(VI_ATTR_SEND_END_EN) != 0;
+    std::size_t written = 0;
+    const ViStatus status =
+        count == 0 ? VI_SUCCESS
+                   : session.link->write(bytes, count, end, deadlineOf(session), &written);
+    report(returnedCount, written);
+    return status;
+}
+
+visa::ReadOutcome read(Object &session, ViByte *buffer, std::size_t count, visa::Deadline deadline)
+{
+    std::optional<ViByte> termination;
+    if (session.attributes.number(VI_ATTR_TERMCHAR_EN) != 0) {
+        termination = static_cast<ViByte>(session.attributes.number(VI_ATTR_TERMCHAR));
+    }
+    return count == 0 ? visa::ReadOutcome()
+                      : session.link->read(buffer, count, termination, deadline);
+}
+
+ViStatus statusOf(const visa::ReadOutcome &outcome)
+{
+    if (outcome.status != VI_SUCCESS) {
+        return outcome.status;
+    }
+    switch (outcome.end) {
+    case visa::ReadEnd::Count:
+        return VI_SUCCESS_MAX_CNT;
+    case visa::ReadEnd::TerminationCharacter:
+        return VI_SUCCESS_TERM_CHAR;
+    case visa::ReadEnd::End:
+        break;
+    }
+    return VI_SUCCESS;
+}
+
+struct CloseFile
+{
+    void operator()(std::FILE *file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
+File openFile(const ViChar *name, const char *mode)
+{
+    return File(name == nullptr ? nullptr : std::fopen(name, mode));
+}
+
+/// Read into a file, piece by piece; the time-out is that of the whole.
+ViStatus readToFile(Object &session, std::FILE *file, std::size_t count, ViUInt32 *returnedCount)
+{
+    const visa::Deadline deadline = deadlineOf(session);
+    std::vector<ViByte> piece(std::min(count, pieceSize));
+    std::size_t total = 0;
+    visa::ReadOutcome outcome;
+    do {
+        outcome = read(session, piece.data(), std::min(count - total, piece.size()), deadline);
+        if (std::fwrite(piece.data(), 1, outcome.count, file) != outcome.count) {
+            return VI_ERROR_FILE_IO;
+        }
+        total += outcome.count;
+        report(returnedCount, total);
+    } while (statusOf(outcome) == VI_SUCCESS_MAX_CNT && total < count);
+    return std::fflush(file) == 0 ? statusOf(outcome) : VI_ERROR_FILE_IO;
+}
+
+/// Whether a mask of viFlush (VPP-4.3, table 6.2.4) names buffers.
+bool isBufferMask(unsigned mask)
+{
+    return mask != 0 && mask <= 0xFF;
+}
+
+} // namespace
+
+ViStatus viWrite(ViSession session, const ViByte *buffer, ViUInt32 count, ViUInt32 *returnedCount)
+{
+    report(returnedCount, 0);
+    return withSession(session, [=](Object &open) {
+        return buffer == nullptr && count != 0 ? VI_ERROR_USER_BUF
+                                               : write(open, buffer, count, returnedCount);
+    });
+}
+
+ViStatus viWriteFromFile(ViSession session, const ViChar *fileName, ViUInt32 count,
+                         ViUInt32 *returnedCount)
+{
+    report(returnedCount, 0);
+    return withSession(session, [=](Object &open) {
+        const File file = openFile(fileName, "rb");
+        if (!file) {
+            return VI_ERROR_FILE_ACCESS;
+        }
+        std::vector<ViByte> bytes; // as a whole: END goes with the last byte
+        std::size_t size = 0;
+        do {
+            bytes.resize(std::min<std::size_t>(count, size + pieceSize));
+            size += std::fread(bytes.data() + size, 1, bytes.size() - size, file.get());
+        } while (size == bytes.size() && size < count);
+        return std::ferror(file.get()) != 0 ? VI_ERROR_FILE_IO
+                                            : write(open, bytes.data(), size, returnedCount);
+    });
+}
+
+ViStatus viRead(ViSession session, ViByte *buffer, ViUInt32 count, ViUInt32 *returnedCount)
+{
+    report(returnedCount, 0);
+    return withSession(session, [=](Object &open) {
+        if (buffer == nullptr) {
+            return VI_ERROR_USER_BUF;
+        }
+        const visa::ReadOutcome outcome = read(open, buffer, count, deadlineOf(open));
+        report(returnedCount, outcome.count);
+        return statusOf(outcome);
+    });
+}
+
+ViStatus viReadToFile(ViSession session, const ViChar *fileName, ViUInt32 count,
+                      ViUInt32 *returnedCount)
+{
+    report(returnedCount, 0);
+    return withSession(session, [=](Object &open) {
+        const bool append = open.attributes.number(VI_ATTR_FILE_APPEND_EN) != 0;
+        const File file = openFile(fileName, append ? "ab" : "wb");
+        return file ? readToFile(open, file.get(), count, returnedCount) : VI_ERROR_FILE_ACCESS;
+    });
+}
+
+ViStatus viClear(ViSession session)
+{
+    return withSession(session, [](Object &open) { return open.link->clear(deadlineOf(open)); });
+}
+
+// There are no buffers between a client and its device: their sizes do not matter, and nothing is
+// ever left in them.
+ViStatus viSetBuf(ViSession session, ViUInt16 mask, ViUInt32 /*size*/)
+{
+    constexpr unsigned buffers = VI_READ_BUF | VI_WRITE_BUF | VI_IO_IN_BUF | VI_IO_OUT_BUF;
+    return withSession(session, [=](Object &) {
+        return isBufferMask(mask) && (mask & ~buffers) == 0 ? VI_SUCCESS : VI_ERROR_INV_MASK;
+    });
+}
+
+ViStatus viFlush(ViSession session, ViUInt16 mask)
+{
+    return withSession(
+        session, [=](Object &) { return isBufferMask(mask) ? VI_SUCCESS : VI_ERROR_INV_MASK; });
+}
+
+ViStatus viReadSTB(ViSession session, ViUInt16 *statusByte)
+{
+    return withSession(session, [=](Object &open) {
+        if (statusByte == nullptr) {
+            return VI_ERROR_USER_BUF;
+        }
+        ViUInt8 byte = 0;
+        const ViStatus status = open.link->readStatusByte(deadlineOf(open), &byte);
+        *statusByte = byte;
+        return status;
+    });
+}
+
+ViStatus viAssertTrigger(ViSession session, ViUInt16 protocol)
+{
+    return withSession(session, [=](Object &open) {
+        return protocol == 0 ? open.link->trigger(deadlineOf(open)) : VI_ERROR_INV_PROT;
+    });
+}
+
+ViStatus viGpibControlREN(ViSession session, ViUInt16 mode)
+{
+    return withSession(session, [=](Object &open) {
+        return mode <= VI_GPIB_REN_ADDRESS_GTL ? open.link->controlRemote(mode, deadlineOf(open))
+                                               : VI_ERROR_INV_MODE;
+    });
+}
+
+// Locks are exclusive, and count: whoever has one gets another at once.
+ViStatus viLock(ViSession session, ViAccessMode lockType, ViUInt32 timeoutMs,
+                const ViChar * /*requestedKey*/, ViChar * /*accessKey*/)
+{
+    return withSession(session, [=](Object &open) {
+        if (lockType != VI_EXCLUSIVE_LOCK) {
+            return VI_ERROR_INV_LOCK_TYPE;
+        }
+        const ViStatus status =
+            open.locks == 0 ? open.link->lock(visa::deadlineAfter(timeoutMs)) : VI_SUCCESS;
+        if (status != VI_SUCCESS) {
+            return status;
+        }
+        open.attributes.put(VI_ATTR_RSRC_LOCK_STATE, VI_EXCLUSIVE_LOCK);
+        return open.locks++ == 0 ? VI_SUCCESS : VI_SUCCESS_NESTED_EXCLUSIVE;
+    });
+}
+
+ViStatus viUnlock(ViSession session)
+{
+    return withSession(session, [](Object &open) {
+        if (open.locks == 0) {
+            return VI_ERROR_SESN_NLOCKED;
+        }
+        if (--open.locks != 0) {
+            return VI_SUCCESS_NESTED_EXCLUSIVE;
+        }
+        open.attributes.put(VI_ATTR_RSRC_LOCK_STATE, VI_NO_LOCK);
+        return open.link->unlock(deadlineOf(open));
+    });
+}
