@@ -13,6 +13,7 @@ constexpr quint32 coreVersion = 1;
 
 enum Procedure : quint32
 {
+    Null = 0, ///< of every program: does nothing
     CreateLink = 10,
     DeviceWrite = 11,
     DeviceRead = 12,
@@ -23,7 +24,11 @@ enum Procedure : quint32
     DeviceLocal = 17,
     DeviceLock = 18,
     DeviceUnlock = 19,
+    DeviceEnableSrq = 20,
+    DeviceDoCmd = 22,
     DestroyLink = 23,
+    CreateInterruptChannel = 25,
+    DestroyInterruptChannel = 26,
 };
 
 /// Flags of a call.

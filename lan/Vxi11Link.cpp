@@ -59,6 +59,7 @@ Vxi11Link::~Vxi11Link()
 ViStatus Vxi11Link::open(const QHostAddress &address, quint16 mapperPort, const std::string &device,
                          Deadline deadline)
 {
+    host = address;
     quint16 port = 0;
     ViStatus status =
         findPort(address, mapperPort, {vxi11::coreProgram, vxi11::coreVersion, 0}, deadline, &port);
@@ -286,6 +287,11 @@ ViStatus Vxi11Link::unlock(Deadline deadline)
 {
     QByteArray results;
     return call(vxi11::DeviceUnlock, xdrWords({id}), answerBy(deadline), &results);
+}
+
+std::string Vxi11Link::address() const
+{
+    return host.toString().toStdString();
 }
 
 } // namespace lan

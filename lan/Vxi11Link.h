@@ -5,6 +5,8 @@
 #include "lan/Vxi11.h"
 #include "visa/Link.h"
 
+#include <QHostAddress>
+
 #include <atomic>
 #include <mutex>
 #include <string>
@@ -37,6 +39,7 @@ public:
     ViStatus controlRemote(ViUInt16 mode, visa::Deadline deadline) override;
     ViStatus lock(visa::Deadline deadline) override;
     ViStatus unlock(visa::Deadline deadline) override;
+    [[nodiscard]] std::string address() const override;
 
 private:
     ViStatus call(vxi11::Procedure procedure, const QByteArray &arguments, visa::Deadline answer,
@@ -50,6 +53,7 @@ private:
     void forget();
 
     RpcClient rpc;
+    QHostAddress host;
     std::mutex calling; // for the process's end, which other threads do not wait for
     const pid_t process = getpid();
     std::atomic<bool> isOpen = false;

@@ -41,11 +41,6 @@ public:
     [[nodiscard]] bool isRemote() const { return remote; }
     void setRemote(bool on) { remote = on; }
 
-    /// Take the time in seconds that what was started since the last call lasts, for whoever makes
-    /// clients wait for it: here everything is over at once.
-    double takeDuration() { return std::exchange(duration, 0.0); }
-
-protected:
     struct Call
     {
         Suffixes suffixes;
@@ -54,12 +49,19 @@ protected:
     /// Carry a command out. What a failing one has added to the answer is dropped.
     using Handler = std::function<Error(const Call &call, std::string *answer)>;
 
+    /// Add a command by its pattern.
+    void onCommand(std::string_view pattern, Handler handler);
+
+    /// Take the time in seconds that what was started since the last call lasts, for whoever makes
+    /// clients wait for it: here everything is over at once.
+    double takeDuration() { return std::exchange(duration, 0.0); }
+
+protected:
     /// Add a setting with its command and its query.
     Setting &add(Setting setting);
     /// Add a command and a query that tell a setting in other words, factor times its value.
     void addMultiple(std::string_view pattern, Setting &setting, double factor);
-    /// Add a command or a query by its pattern, without the question mark.
-    void onCommand(std::string_view pattern, Handler handler);
+    /// Add a query by its pattern, without the question mark.
     void onQuery(std::string_view pattern, Handler handler);
     /// Add a command that takes no parameters and cannot fail.
     void onEvent(std::string_view pattern, const std::function<void()> &action);
