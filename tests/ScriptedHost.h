@@ -15,8 +15,9 @@
 #include <mutex>
 
 /// A host with its portmapper and its instrument at one port, which answers as the test tells it
-/// to. It keeps a transcript: "create 0 0 inst0", "write 0 END *IDN?", "read 0 100 10", "15 0";
-/// with "without time-out" behind a call whose I/O time-out is 0.
+/// to. It keeps a transcript of the numbers of the procedures and of their parameters, in which "t"
+/// is any time-out but 0: "10 t 0 0 inst0" (create_link), "11 0 t 0 8 *IDN?", "12 0 100 t 0 128
+/// 10".
 class ScriptedHost
 {
 public:
@@ -35,7 +36,7 @@ public:
             port = server.serverPort();
             starting.unlock();
             while (!isEnding) {
-                server.waitForNewConnection(10);
+                server.waitForNewConnection(1);
                 const std::unique_ptr<QTcpSocket> socket(server.nextPendingConnection());
                 if (socket != nullptr) {
                     serve(*socket);
@@ -78,7 +79,7 @@ private:
         lan::RecordReader reader(1 << 25);
         while (socket.state() == QAbstractSocket::ConnectedState) {
             if (reader.read(socket) != lan::RecordReader::State::Complete) {
-                socket.waitForReadyRead(10);
+                socket.waitForReadyRead(1);
                 continue;
             }
             const QByteArray record = reader.take();
@@ -117,43 +118,33 @@ private:
 
     void note(const lan::RpcCall &call)
     {
+        struct Form // of the parameters, before text
+        {
+            int words;
+            int timeout; // which word it is
+            bool hasText;
+        };
+        static const QMap<quint32, Form> forms = {
+            {lan::vxi11::CreateLink, {3, -1, true}},    {lan::vxi11::DeviceWrite, {4, 1, true}},
+            {lan::vxi11::DeviceRead, {6, 2, false}},    {lan::vxi11::DeviceLock, {2, -1, false}},
+            {lan::vxi11::DeviceUnlock, {1, -1, false}}, {lan::vxi11::DestroyLink, {1, -1, false}}};
+        const quint32 procedure = call.procedure.procedure;
+        const Form form = forms.value(procedure, {4, 3, false});
         QDataStream from(call.arguments);
-        quint32 id = 0;
-        std::array<quint32, 5> words{};
-        from >> id >> words[0] >> words[1];
-        QString entry = QString("%1 %2").arg(call.procedure.procedure).arg(id);
-        quint32 timeout = words[1];
-        switch (call.procedure.procedure) {
-        case lan::getPortProcedure:
-            return;
-        case lan::vxi11::CreateLink:
-            timeout = 1;
-            entry = QString("create %1 %2 ").arg(words[0]).arg(words[1]) +
-                    lan::readOpaque(from, call.arguments);
-            break;
-        case lan::vxi11::DeviceWrite:
-            timeout = words[0];
-            from >> words[2];
-            entry = QString("write %1 ").arg(id) + (words[2] == lan::vxi11::End ? "END " : "") +
-                    lan::readOpaque(from, call.arguments);
-            break;
-        case lan::vxi11::DeviceRead:
-            from >> words[2] >> words[3] >> words[4];
-            entry = QString("read %1 %2").arg(id).arg(words[0]) +
-                    (words[3] == lan::vxi11::TermCharSet ? QString(" %1").arg(words[4]) : "");
-            break;
-        case lan::vxi11::DeviceLock:
-            timeout = 1;
-            entry += words[0] == lan::vxi11::WaitLock ? " waits" : "";
-            break;
-        case lan::vxi11::DeviceUnlock:
-        case lan::vxi11::DestroyLink:
-            timeout = 1;
-            break;
-        default:
-            from >> timeout;
+        QStringList entry = {QString::number(procedure)};
+        for (int i = 0; i < form.words; ++i) {
+            quint32 word = 0;
+            from >> word;
+            const bool isSomething =
+                i == form.timeout || (procedure == lan::vxi11::CreateLink && i == 0);
+            entry << (isSomething && word > 0 ? "t" : QString::number(word));
         }
-        transcript << entry + (timeout == 0 ? " without time-out" : "");
+        if (form.hasText) {
+            entry << lan::readOpaque(from, call.arguments);
+        }
+        if (call.procedure.program != lan::portmapperProgram) {
+            transcript << entry.join(' ');
+        }
     }
 
     Script script;
