@@ -24,23 +24,20 @@ Clock::duration inSeconds(double seconds)
 Device::Device(std::string name, simulator::Instrument &instrument, double timeScale)
     : name(std::move(name)), instrument(instrument), timeScale(timeScale)
 {
-    instrument.onCommand("BENCh:FAULt", [this](const simulator::Instrument::Call &call,
-                                               std::string *) { return order(call); });
+    instrument.onCommand(
+        "BENCh:FAULt", {1, 2},
+        [this](const simulator::Instrument::Call &call, std::string *) { return order(call); });
 }
 
 simulator::Error Device::order(const simulator::Instrument::Call &call)
 {
     using simulator::isMnemonic;
-    if (call.parameters.empty()) {
-        return simulator::scpi::missingParameter;
-    }
     const std::string_view kind = call.parameters[0];
     double number = 0.0;
     const bool isCut = isMnemonic("CUT", kind);
     if (isCut || isMnemonic("LATE", kind) || isMnemonic("BUSY", kind)) {
-        if (call.parameters.size() != 2) {
-            return call.parameters.size() < 2 ? simulator::scpi::missingParameter
-                                              : simulator::scpi::parameterNotAllowed;
+        if (call.parameters.size() < 2) {
+            return simulator::scpi::missingParameter;
         }
         const simulator::Error error =
             simulator::parseNumber(call.parameters[1], isCut ? "" : "S", &number);

@@ -43,7 +43,6 @@ public:
         return use([&] {
             client.write({reinterpret_cast<const char *>(bytes), count}, end);
             *written = count;
-            return VI_SUCCESS;
         });
     }
 
@@ -51,45 +50,37 @@ public:
                            visa::Deadline /*deadline*/) override
     {
         visa::ReadOutcome outcome;
+        std::optional<simulator::Client::Part> part;
         outcome.status = use([&] {
-            const auto part = client.read(count, termination);
-            if (!part) {
-                return VI_ERROR_TMO;
+            part = client.read(count, termination);
+            if (part) {
+                outcome.count =
+                    std::size_t(std::copy(part->bytes.begin(), part->bytes.end(), buffer) - buffer);
             }
-            std::copy(part->bytes.begin(), part->bytes.end(), buffer);
-            outcome.count = part->bytes.size();
-            outcome.end =
-                part->isLast ? visa::ReadEnd::End
-                : termination && outcome.count > 0 && buffer[outcome.count - 1] == *termination
-                    ? visa::ReadEnd::TerminationCharacter
-                    : visa::ReadEnd::Count;
-            return VI_SUCCESS;
         });
+        if (outcome.status != VI_SUCCESS || !part) {
+            outcome.status = outcome.status != VI_SUCCESS ? outcome.status : VI_ERROR_TMO;
+        } else if (part->isLast) {
+            outcome.end = visa::ReadEnd::End;
+        } else if (termination && buffer[outcome.count - 1] == *termination) {
+            outcome.end = visa::ReadEnd::TerminationCharacter;
+        }
         return outcome;
     }
 
     ViStatus clear(visa::Deadline /*deadline*/) override
     {
-        return use([&] {
-            client.clear();
-            return VI_SUCCESS;
-        });
+        return use([&] { client.clear(); });
     }
 
     ViStatus trigger(visa::Deadline /*deadline*/) override
     {
-        return use([&] {
-            client.trigger();
-            return VI_SUCCESS;
-        });
+        return use([&] { client.trigger(); });
     }
 
     ViStatus readStatusByte(visa::Deadline /*deadline*/, ViUInt8 *statusByte) override
     {
-        return use([&] {
-            *statusByte = client.statusByte();
-            return VI_SUCCESS;
-        });
+        return use([&] { *statusByte = client.statusByte(); });
     }
 
     /// The modes of VPP-4.3, table 6.5.1: 0, 2 and 6 let the instrument go local. 1 and 4 only
@@ -100,7 +91,6 @@ public:
             if (mode != 1 && mode != 4) {
                 client.setRemote(mode == 3 || mode == 5);
             }
-            return VI_SUCCESS;
         });
     }
 
@@ -129,8 +119,11 @@ private:
     {
         const std::lock_guard lock(laboratory().mutex);
         const auto holder = laboratory().holders.find(&instrument);
-        const bool isOthers = holder != laboratory().holders.end() && holder->second != this;
-        return isOthers ? VI_ERROR_RSRC_LOCKED : body();
+        if (holder != laboratory().holders.end() && holder->second != this) {
+            return VI_ERROR_RSRC_LOCKED;
+        }
+        body();
+        return VI_SUCCESS;
     }
 
     void release()

@@ -68,8 +68,8 @@ Server::Server(const ServerOptions &options) : options(options), laboratory(opti
 
 QString Server::start()
 {
-    const bool isAlone = options.address.isLoopback() &&
-                         options.address.protocol() == QAbstractSocket::IPv4Protocol;
+    const bool isAlone =
+        options.address.isLoopback() && options.address.protocol() == QAbstractSocket::IPv4Protocol;
     QString error = isAlone ? QString() : startHost(options.address, nullptr);
     quint32 offset = 0;
     for (const auto &device : laboratory.devices) {

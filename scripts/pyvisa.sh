@@ -1,11 +1,10 @@
 #!/usr/bin/env bash
-# Drives the simulated bench with PyVISA: everything that a session does, the documentation's
-# example, and a series of measurements, held against the delays that OrvantaDemo finds in the same
-# events.
+# Drives the simulated bench with PyVISA: every command and the example of its handbook, and what
+# sessions do.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/install-dependencies.sh build desktop pyvisa
+scripts/install-dependencies.sh build pyvisa
 cmake --preset release
-cmake --build --preset release --target OrvantaDemo visa-simulator
+cmake --build --preset release --target visa-simulator
 ctest --preset release --verbose --tests-regex PyVisa

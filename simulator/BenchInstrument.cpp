@@ -7,15 +7,12 @@ namespace simulator {
 BenchInstrument::BenchInstrument(const std::string &identity, LinkModel &link)
     : Instrument(identity), model(link)
 {
-    onQuery("BENCh:EVENt",
-            [this](const Call &call, std::string *answer) { return answerEvent(call, answer); });
+    onQuery("BENCh:EVENt", {},
+            [this](const Call &, std::string *answer) { return answerEvent(answer); });
 }
 
-Error BenchInstrument::answerEvent(const Call &call, std::string *answer) const
+Error BenchInstrument::answerEvent(std::string *answer) const
 {
-    if (!call.parameters.empty()) {
-        return scpi::parameterNotAllowed;
-    }
     if (model.eventCount() == 0) {
         return scpi::dataStale;
     }

@@ -17,7 +17,7 @@ protected:
     LinkModel &link() { return model; }
 
 private:
-    Error answerEvent(const Call &call, std::string *answer) const;
+    Error answerEvent(std::string *answer) const;
 
     LinkModel &model;
 };

@@ -36,7 +36,7 @@ Oscilloscope::Oscilloscope(const OscilloscopeDialect &dialect, LinkModel &link)
     addMultiple("CHANnel<4>:RANGe", scale, verticalDivisions);
     addMultiple("TIMebase:RANGe", timeScale, divisions);
     addFormatCommands();
-    onQuery("CHANnel<4>:DATA",
+    onQuery("CHANnel<4>:DATA", {},
             [this](const Call &call, std::string *answer) { return answerRecord(call, answer); });
     addRunControl(dialect.continuousCommands);
     Oscilloscope::reset();
@@ -48,17 +48,12 @@ void Oscilloscope::addRunControl(bool continuousCommands)
     onEvent("RUN", enter(Acquisition::Running));
     onEvent("STOP", enter(Acquisition::Stopped));
     onEvent("SINGle", enter(Acquisition::Armed));
-    onCommand("*TRG", [this](const Call &call, std::string *) {
-        return call.parameters.empty() ? trigger() : scpi::parameterNotAllowed;
-    });
+    onCommand("*TRG", {}, [this](const Call &, std::string *) { return trigger(); });
     if (!continuousCommands) {
         return;
     }
     onEvent("RUNContinuous", enter(Acquisition::Running));
-    onCommand("INITiate:CONTinuous", [this](const Call &call, std::string *) {
-        if (call.parameters.size() != 1) {
-            return call.parameters.empty() ? scpi::missingParameter : scpi::parameterNotAllowed;
-        }
+    onCommand("INITiate:CONTinuous", {1, 1}, [this](const Call &call, std::string *) {
         bool isOn = false;
         const Error error = parseBoolean(call.parameters[0], &isOn);
         if (!error) {
@@ -129,9 +124,6 @@ std::vector<float> Oscilloscope::samples(std::size_t channel)
 Error Oscilloscope::answerRecord(const Call &call, std::string *answer)
 {
     const std::size_t channel = call.suffixes[0];
-    if (!call.parameters.empty()) {
-        return scpi::parameterNotAllowed;
-    }
     if (!channelState.isOn(channel)) {
         return scpi::settingsConflict;
     }

@@ -65,7 +65,7 @@ SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, LinkModel &link)
     onEvent("INITiate<1>[:IMMediate]", [this] { startSweep(); });
     onEvent("*TRG", [this] { startSweep(); });
     onEvent("ABORt", [] {}); // a sweep is over as soon as it starts
-    onQuery("TRACe<1>[:DATA]",
+    onQuery("TRACe<1>[:DATA]", {1, 2},
             [this](const Call &call, std::string *answer) { return answerTrace(call, answer); });
 }
 
@@ -90,12 +90,6 @@ void SpectrumAnalyzer::executed()
 
 Error SpectrumAnalyzer::answerTrace(const Call &call, std::string *answer)
 {
-    if (call.parameters.empty()) {
-        return scpi::missingParameter;
-    }
-    if (call.parameters.size() > 2) {
-        return scpi::parameterNotAllowed;
-    }
     if (!isMnemonic("TRACE1", call.parameters[0])) {
         return scpi::illegalParameterValue;
     }

@@ -12,8 +12,8 @@ VideoAnalyzer::VideoAnalyzer(LinkModel &link) : BenchInstrument("Varnholt,VMX100
     onEvent("INITiate:AVDA", [this] { eventsBefore = this->link().eventCount(); });
     onAnswer("READ:AVDA:TTV:STATus", [this] { return std::string(eventsBefore ? "1" : "0"); });
     onAnswer("READ:AVDA:TTV:COUNt", [this] { return std::to_string(count()); });
-    onQuery("READ:AVDA:TTV:VALue",
-            [this](const Call &call, std::string *answer) { return answerDelay(call, answer); });
+    onQuery("READ:AVDA:TTV:VALue", {},
+            [this](const Call &, std::string *answer) { return answerDelay(answer); });
 }
 
 void VideoAnalyzer::reset()
@@ -27,11 +27,8 @@ std::uint32_t VideoAnalyzer::count()
     return eventsBefore ? link().eventCount() - *eventsBefore : 0;
 }
 
-Error VideoAnalyzer::answerDelay(const Call &call, std::string *answer)
+Error VideoAnalyzer::answerDelay(std::string *answer)
 {
-    if (!call.parameters.empty()) {
-        return scpi::parameterNotAllowed;
-    }
     if (count() == 0) {
         return scpi::dataStale;
     }

@@ -18,7 +18,7 @@ protected:
 
 private:
     [[nodiscard]] std::uint32_t count();
-    Error answerDelay(const Call &call, std::string *answer);
+    Error answerDelay(std::string *answer);
 
     std::optional<std::uint32_t> eventsBefore; // the measurement was started, if it was
 };

@@ -3,8 +3,8 @@
 #include "visa/ResourceName.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
-#include <iterator>
 
 namespace visa {
 
@@ -14,54 +14,58 @@ namespace {
 struct Number
 {
     ViAttr attribute;
-    std::size_t width; // bytes
+    unsigned width; // bytes
     ViAttrState initial;
-    bool isManagers = false; // too
-    bool isWritable = false;
+    unsigned uses = 0;
     ViAttrState least = 0;
     ViAttrState greatest = 0;
 };
 
+// What a number's uses are.
+constexpr unsigned managers = 1; // resource managers have it, too
+constexpr unsigned writable = 2;
+constexpr unsigned both = managers | writable;
+
 constexpr ViAttrState words = 0xFFFFFFFF;
 
 // Of what this library does not do, clients may set what it does anyway.
-constexpr Number table[] = {
-    {VI_ATTR_RSRC_IMPL_VERSION, 4, ORVANTA_VERSION_NUMBER, true},
-    {VI_ATTR_RSRC_LOCK_STATE, 4, VI_NO_LOCK, true},
-    {VI_ATTR_MAX_QUEUE_LENGTH, 4, 50, true, true, 1, words},
-    {VI_ATTR_USER_DATA_32, 4, 0, true, true, 0, words},
-    {VI_ATTR_USER_DATA, 8, 0, true, true, 0, ~ViAttrState{0}},
-    {VI_ATTR_RSRC_SPEC_VERSION, 4, 0x00300000, true}, // VISA 3.0
-    {VI_ATTR_RSRC_MANF_ID, 2, 0x0FFF, true},
-    {VI_ATTR_SEND_END_EN, 2, 1, false, true, 0, 1},
-    {VI_ATTR_TERMCHAR, 1, '\n', false, true, 0, 0xFF},
-    {VI_ATTR_TERMCHAR_EN, 2, 0, false, true, 0, 1},
-    {VI_ATTR_TMO_VALUE, 4, 2000, false, true, 0, words},
-    {VI_ATTR_IO_PROT, 2, VI_PROT_NORMAL, false, true, VI_PROT_NORMAL, VI_PROT_NORMAL},
-    {VI_ATTR_DMA_ALLOW_EN, 2, 0, false, true, 0, 1},
-    {VI_ATTR_RD_BUF_OPER_MODE, 2, 3, false, true, 3, 3}, // never flushed but by viFlush
-    {VI_ATTR_RD_BUF_SIZE, 4, 0},
-    {VI_ATTR_WR_BUF_OPER_MODE, 2, 2, false, true, 2, 2}, // flushed when full
-    {VI_ATTR_WR_BUF_SIZE, 4, 0},
-    {VI_ATTR_SUPPRESS_END_EN, 2, 0, false, true, 0, 0},
-    {VI_ATTR_FILE_APPEND_EN, 2, 0, false, true, 0, 1},
-    {VI_ATTR_TRIG_ID, 2, 0xFFFF, false, true, 0xFFFF, 0xFFFF}, // -1: by software
-    {VI_ATTR_TCPIP_IS_HISLIP, 2, 0},
-    {VI_ATTR_RM_SESSION, 4, 0},
-    {VI_ATTR_INTF_TYPE, 2, VI_INTF_TCPIP},
-    {VI_ATTR_INTF_NUM, 2, 0},
+constexpr std::array table{
+    Number{VI_ATTR_RSRC_IMPL_VERSION, 4, ORVANTA_VERSION_NUMBER, managers},
+    Number{VI_ATTR_RSRC_LOCK_STATE, 4, VI_NO_LOCK, managers},
+    Number{VI_ATTR_MAX_QUEUE_LENGTH, 4, 50, both, 1, words},
+    Number{VI_ATTR_USER_DATA_32, 4, 0, both, 0, words},
+    Number{VI_ATTR_USER_DATA, 8, 0, both, 0, ~ViAttrState{0}},
+    Number{VI_ATTR_RSRC_SPEC_VERSION, 4, 0x00300000, managers}, // VISA 3.0
+    Number{VI_ATTR_RSRC_MANF_ID, 2, 0x0FFF, managers},
+    Number{VI_ATTR_SEND_END_EN, 2, 1, writable, 0, 1},
+    Number{VI_ATTR_TERMCHAR, 1, '\n', writable, 0, 0xFF},
+    Number{VI_ATTR_TERMCHAR_EN, 2, 0, writable, 0, 1},
+    Number{VI_ATTR_TMO_VALUE, 4, 2000, writable, 0, words},
+    Number{VI_ATTR_IO_PROT, 2, VI_PROT_NORMAL, writable, VI_PROT_NORMAL, VI_PROT_NORMAL},
+    Number{VI_ATTR_DMA_ALLOW_EN, 2, 0, writable, 0, 1},
+    Number{VI_ATTR_RD_BUF_OPER_MODE, 2, 3, writable, 3, 3}, // never flushed but by viFlush
+    Number{VI_ATTR_RD_BUF_SIZE, 4, 0},
+    Number{VI_ATTR_WR_BUF_OPER_MODE, 2, 2, writable, 2, 2}, // flushed when full
+    Number{VI_ATTR_WR_BUF_SIZE, 4, 0},
+    Number{VI_ATTR_SUPPRESS_END_EN, 2, 0, writable, 0, 0},
+    Number{VI_ATTR_FILE_APPEND_EN, 2, 0, writable, 0, 1},
+    Number{VI_ATTR_TRIG_ID, 2, 0xFFFF, writable, 0xFFFF, 0xFFFF}, // -1: by software
+    Number{VI_ATTR_TCPIP_IS_HISLIP, 2, 0},
+    Number{VI_ATTR_RM_SESSION, 4, 0},
+    Number{VI_ATTR_INTF_TYPE, 2, VI_INTF_TCPIP},
+    Number{VI_ATTR_INTF_NUM, 2, 0},
 };
 
 const Number &row(ViAttr attribute)
 {
-    return *std::find_if(std::begin(table), std::end(table),
+    return *std::find_if(table.begin(), table.end(),
                          [=](const Number &number) { return number.attribute == attribute; });
 }
 
 /// The part of a value that an attribute of so many bytes has.
-ViAttrState cut(ViAttrState value, std::size_t width)
+ViAttrState cut(ViAttrState value, unsigned width)
 {
-    return width == sizeof value ? value : value & ((ViAttrState{1} << 8 * width) - 1);
+    return width == 8 ? value : value & ((ViAttrState{1} << 8 * width) - 1);
 }
 
 template <typename Integer>
@@ -76,7 +80,7 @@ void store(ViAttrState number, void *target)
 Attributes::Attributes() : texts{{VI_ATTR_RSRC_MANF_NAME, "Varnholt"}}
 {
     for (const Number &number : table) {
-        if (number.isManagers) {
+        if ((number.uses & managers) != 0) {
             numbers[number.attribute] = number.initial;
         }
     }
@@ -105,7 +109,7 @@ ViStatus Attributes::set(ViAttr attribute, ViAttrState value)
         return texts.count(attribute) != 0 ? VI_ERROR_ATTR_READONLY : VI_ERROR_NSUP_ATTR;
     }
     const Number &number = row(attribute);
-    if (!number.isWritable) {
+    if ((number.uses & writable) == 0) {
         return VI_ERROR_ATTR_READONLY;
     }
     // Clients that declare the argument with 32 bits leave the rest of its register undefined; a

@@ -47,7 +47,8 @@ ViStatus findNames(const char *expression, std::deque<std::string> *names)
 ViStatus openSession(ViSession manager, const visa::ResourceName &name, ViAccessMode accessMode,
                      ViUInt32 timeout, ViSession *session)
 {
-    const visa::Deadline deadline = visa::deadlineAfter(timeout == 0 ? usualOpenTimeout : timeout);
+    const visa::Deadline deadline =
+        visa::deadlineAfter(timeout == VI_TMO_IMMEDIATE ? usualOpenTimeout : timeout);
     const auto object = std::make_shared<Object>();
     ViStatus status = visa::backend().open(name, deadline, &object->link);
     if (status != VI_SUCCESS) {

@@ -8,7 +8,6 @@
 #include <array>
 #include <cstdio>
 
-using visa::Attributes;
 using visa::Object;
 
 namespace {

@@ -73,14 +73,9 @@ Setting &Instrument::add(Setting setting)
 
 void Instrument::addMultiple(std::string_view pattern, Setting &setting, double factor)
 {
-    onCommand(pattern, [&setting, factor](const Call &call, std::string *) {
-        if (call.parameters.size() > 1) {
-            return scpi::parameterNotAllowed;
-        }
+    const std::size_t least = setting.isBare() ? 0 : 1;
+    onCommand(pattern, {least, 1}, [&setting, factor](const Call &call, std::string *) {
         double value = setting.powerUpValue();
-        if (call.parameters.empty() && !setting.isBare()) {
-            return scpi::missingParameter;
-        }
         const Error error = call.parameters.empty()
                                 ? scpi::noError
                                 : setting.parse(call.parameters[0], factor, &value);
@@ -89,10 +84,9 @@ void Instrument::addMultiple(std::string_view pattern, Setting &setting, double 
         }
         return error;
     });
-    onQuery(pattern, [&setting, factor](const Call &call, std::string *answer) {
+    onQuery(pattern, {0, 1}, [&setting, factor](const Call &call, std::string *answer) {
         double value = setting.value(call.suffixes);
-        if (!call.parameters.empty() &&
-            (call.parameters.size() > 1 || !setting.parseLimit(call.parameters[0], &value))) {
+        if (!call.parameters.empty() && !setting.parseLimit(call.parameters[0], &value)) {
             return scpi::parameterNotAllowed;
         }
         *answer = setting.text(value, factor);
@@ -100,22 +94,19 @@ void Instrument::addMultiple(std::string_view pattern, Setting &setting, double 
     });
 }
 
-void Instrument::onCommand(std::string_view pattern, Handler handler)
+void Instrument::onCommand(std::string_view pattern, Parameters parameters, Handler handler)
 {
-    commands.push_back({Pattern(pattern), std::move(handler), nullptr});
+    commands.push_back({Pattern(pattern), false, parameters, std::move(handler)});
 }
 
-void Instrument::onQuery(std::string_view pattern, Handler handler)
+void Instrument::onQuery(std::string_view pattern, Parameters parameters, Handler handler)
 {
-    commands.push_back({Pattern(pattern), nullptr, std::move(handler)});
+    commands.push_back({Pattern(pattern), true, parameters, std::move(handler)});
 }
 
 void Instrument::onEvent(std::string_view pattern, const std::function<void()> &action)
 {
-    onCommand(pattern, [action](const Call &call, std::string *) {
-        if (!call.parameters.empty()) {
-            return scpi::parameterNotAllowed;
-        }
+    onCommand(pattern, {}, [action](const Call &, std::string *) {
         action();
         return scpi::noError;
     });
@@ -123,10 +114,7 @@ void Instrument::onEvent(std::string_view pattern, const std::function<void()> &
 
 void Instrument::onAnswer(std::string_view pattern, const std::function<std::string()> &text)
 {
-    onQuery(pattern, [text](const Call &call, std::string *answer) {
-        if (!call.parameters.empty()) {
-            return scpi::parameterNotAllowed;
-        }
+    onQuery(pattern, {}, [text](const Call &, std::string *answer) {
         *answer = text();
         return scpi::noError;
     });
@@ -134,7 +122,7 @@ void Instrument::onAnswer(std::string_view pattern, const std::function<std::str
 
 void Instrument::addFormatCommands()
 {
-    onCommand("FORMat[:DATA]",
+    onCommand("FORMat[:DATA]", {1, 2},
               [this](const Call &call, std::string *) { return format.set(call.parameters); });
     onAnswer("FORMat[:DATA]", [this] { return format.text(); });
 }
@@ -172,10 +160,8 @@ const Instrument::Command *Instrument::find(std::string_view header, Suffixes *s
     const bool isQuery = !header.empty() && header.back() == '?';
     header.remove_suffix(isQuery ? 1 : 0);
     for (const Command &command : commands) {
-        if (!(isQuery ? command.query : command.set)) {
-            continue;
-        }
-        const auto match = command.pattern.match(header, suffixes);
+        const auto match = command.isQuery == isQuery ? command.pattern.match(header, suffixes)
+                                                      : Pattern::Match::None;
         if (match == Pattern::Match::Full) {
             return &command;
         }
@@ -219,7 +205,11 @@ Error Instrument::executeUnit(std::string_view unit, std::string *path, std::str
         const std::size_t colon = header.rfind(':');
         *path = colon == std::string::npos ? std::string() : header.substr(0, colon + 1);
     }
-    return (header.back() == '?' ? command->query : command->set)(call, answer);
+    if (call.parameters.size() < command->parameters.least) {
+        return scpi::missingParameter;
+    }
+    return call.parameters.size() > command->parameters.most ? scpi::parameterNotAllowed
+                                                             : command->handler(call, answer);
 }
 
 std::string Instrument::execute(std::string_view message)

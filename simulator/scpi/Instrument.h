@@ -48,9 +48,15 @@ public:
     };
     /// Carry a command out. What a failing one has added to the answer is dropped.
     using Handler = std::function<Error(const Call &call, std::string *answer)>;
+    /// How many parameters there may be.
+    struct Parameters
+    {
+        std::size_t least = 0;
+        std::size_t most = 0;
+    };
 
     /// Add a command by its pattern.
-    void onCommand(std::string_view pattern, Handler handler);
+    void onCommand(std::string_view pattern, Parameters parameters, Handler handler);
 
     /// Take the time in seconds that what was started since the last call lasts, for whoever makes
     /// clients wait for it: here everything is over at once.
@@ -62,7 +68,7 @@ protected:
     /// Add a command and a query that tell a setting in other words, factor times its value.
     void addMultiple(std::string_view pattern, Setting &setting, double factor);
     /// Add a query by its pattern, without the question mark.
-    void onQuery(std::string_view pattern, Handler handler);
+    void onQuery(std::string_view pattern, Parameters parameters, Handler handler);
     /// Add a command that takes no parameters and cannot fail.
     void onEvent(std::string_view pattern, const std::function<void()> &action);
     /// Add a query that takes no parameters and cannot fail.
@@ -82,8 +88,9 @@ private:
     struct Command
     {
         Pattern pattern;
-        Handler set;
-        Handler query;
+        bool isQuery;
+        Parameters parameters;
+        Handler handler;
     };
 
     void addCommonCommands();

@@ -43,24 +43,12 @@ std::string decimalText(const std::vector<float> &samples)
 
 Error TraceFormat::set(const std::vector<std::string_view> &parameters)
 {
-    if (parameters.empty()) {
-        return scpi::missingParameter;
-    }
-    if (parameters.size() > 2) {
-        return scpi::parameterNotAllowed;
-    }
     const bool real = isMnemonic("REAL", parameters[0]);
     if (!real && !isMnemonic("ASCii", parameters[0])) {
         return scpi::illegalParameterValue;
     }
-    if (parameters.size() == 2) {
-        double length = 0.0;
-        if (const Error error = parseNumber(parameters[1], "", &length)) {
-            return error;
-        }
-        if (length != (real ? 32.0 : 0.0)) {
-            return scpi::illegalParameterValue;
-        }
+    if (parameters.size() == 2 && parameters[1] != (real ? "32" : "0")) {
+        return scpi::illegalParameterValue;
     }
     isReal = real;
     return scpi::noError;

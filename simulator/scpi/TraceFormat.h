@@ -13,7 +13,7 @@ namespace simulator {
 class TraceFormat
 {
 public:
-    /// Take the parameters of the command.
+    /// Take the one or two parameters of the command.
     Error set(const std::vector<std::string_view> &parameters);
     /// Answer its query.
     [[nodiscard]] std::string text() const { return isReal ? "REAL,32" : "ASC,0"; }

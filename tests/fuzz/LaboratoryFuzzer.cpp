@@ -1,8 +1,9 @@
-// Any calls of the bench's VISA functions in any order, with any handles, texts and attributes.
+// Any calls of the VISA functions on the bench in any order, with any handles, texts and
+// attributes.
 
+#include "bench/InProcessBackend.h"
 #include "Require.h"
-#include "simulator/Laboratory.h"
-#include "simulator/VisaFunctions.h"
+#include "visa/VisaFunctions.h"
 
 #include <QTemporaryDir>
 
@@ -15,22 +16,11 @@
 namespace {
 
 constexpr std::array<ViAttr, 12> attributes = {
-    VI_ATTR_TERMCHAR,          VI_ATTR_TMO_VALUE,       VI_ATTR_RM_SESSION,
-    VI_ATTR_RSRC_IMPL_VERSION, VI_ATTR_RSRC_LOCK_STATE, VI_ATTR_RSRC_SPEC_VERSION,
-    VI_ATTR_TERMCHAR_EN,       VI_ATTR_SEND_END_EN,     VI_ATTR_INTF_TYPE,
-    VI_ATTR_IO_PROT,           VI_ATTR_RSRC_NAME,       VI_ATTR_RSRC_CLASS};
+    VI_ATTR_TERMCHAR,        VI_ATTR_TMO_VALUE,      VI_ATTR_RM_SESSION,  VI_ATTR_RSRC_IMPL_VERSION,
+    VI_ATTR_RSRC_LOCK_STATE, VI_ATTR_USER_DATA,      VI_ATTR_TERMCHAR_EN, VI_ATTR_SEND_END_EN,
+    VI_ATTR_INTF_TYPE,       VI_ATTR_FILE_APPEND_EN, VI_ATTR_RSRC_NAME,   VI_ATTR_TCPIP_ADDR};
 
-/// Bytes that an attribute has (VPP-4.3, table 3.1).
-std::size_t widthOf(ViAttr attribute)
-{
-    const bool isWord = attribute == VI_ATTR_TMO_VALUE || attribute == VI_ATTR_RM_SESSION ||
-                        attribute == VI_ATTR_RSRC_IMPL_VERSION ||
-                        attribute == VI_ATTR_RSRC_LOCK_STATE ||
-                        attribute == VI_ATTR_RSRC_SPEC_VERSION;
-    return attribute == VI_ATTR_TERMCHAR ? 1 : isWord ? 4 : (attribute >> 31U) != 0 ? 256 : 2;
-}
-
-ViStatus call(FuzzedDataProvider &input, ViObject handle, ViObject *opened)
+ViStatus call(FuzzedDataProvider &input, ViObject handle, const char *fileName, ViObject *opened)
 {
     const std::string text = input.ConsumeRandomLengthString();
     const auto size = static_cast<ViUInt32>(text.size());
@@ -40,19 +30,20 @@ ViStatus call(FuzzedDataProvider &input, ViObject handle, ViObject *opened)
     const auto number = input.ConsumeBool() ? input.PickValueInArray(attributes)
                                             : input.ConsumeIntegral<std::uint32_t>();
     const auto word = static_cast<ViUInt16>(number);
-    // On the heap, of just the size that is allowed: an overrun is noticed.
+    // On the heap, of just the size that is allowed: an overrun is noticed. Texts have the room
+    // that VISA gives them, numbers eight bytes at most.
     const auto place = [&](std::size_t room) {
         return std::unique_ptr<char[]>(isNull ? nullptr : new char[room]);
     };
     const auto big = place(VI_FIND_BUFLEN);
     const auto other = place(VI_FIND_BUFLEN);
     const auto read = place(word);
-    const auto value = place(widthOf(number));
+    const auto value = place((number >> 31U) != 0 ? VI_FIND_BUFLEN : sizeof(ViAttrState));
     std::unique_ptr<ViUInt16> half(isNull ? nullptr : new ViUInt16);
     std::unique_ptr<ViUInt32> count(isNull ? nullptr : new ViUInt32);
-    std::array<char, 64> word64{};
-    const std::array<std::function<ViStatus()>, 18> calls = {
-        [&] { return viOpen(handle, name, word, number, opened); },
+    const std::array<std::function<ViStatus()>, 20> calls = {
+        // Nobody else is here to unlock what would be waited for.
+        [&] { return viOpen(handle, name, word & ~VI_EXCLUSIVE_LOCK, number, opened); },
         [&] { return viFindRsrc(handle, name, opened, count.get(), big.get()); },
         [&] { return viFindNext(handle, big.get()); },
         [&] {
@@ -64,17 +55,16 @@ ViStatus call(FuzzedDataProvider &input, ViObject handle, ViObject *opened)
         [&] { return viGetAttribute(handle, number, value.get()); },
         [&] { return viWrite(handle, bytes, size, count.get()); },
         [&] { return viRead(handle, reinterpret_cast<ViByte *>(read.get()), word, count.get()); },
+        [&] { return viReadToFile(handle, isNull ? nullptr : fileName, word, count.get()); },
+        [&] { return viWriteFromFile(handle, isNull ? nullptr : fileName, word, count.get()); },
         [&] { return viClear(handle); },
         [&] { return viReadSTB(handle, half.get()); },
         [&] { return viGpibControlREN(handle, word); },
         [&] { return viSetBuf(handle, word, number); },
+        [&] { return viAssertTrigger(handle, word); },
+        [&] { return viLock(handle, number % 3, 0, name, big.get()); },
+        [&] { return viUnlock(handle); },
         [&] { return viDisableEvent(handle, number, 1); },
-        [&] { return viPrintf(handle, "%s\n", text.c_str()); },
-        [&] { return viScanf(handle, "%63[^,;]%*c", word64.data()); },
-        [&] {
-            return viQueryf(handle, "%s;:%.20s?\n", "%63c", text.c_str(), text.c_str(),
-                            word64.data());
-        },
         [&] {
             return viWrite(handle, reinterpret_cast<const ViByte *>(text.data()), size, nullptr);
         }};
@@ -85,17 +75,16 @@ ViStatus call(FuzzedDataProvider &input, ViObject handle, ViObject *opened)
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    simulator::bench().link() = {}; // every input starts alike
-    for (const std::string &host : simulator::bench().hosts()) {
-        simulator::bench().find(host)->switchOn();
-    }
+    static const QTemporaryDir directory;
+    static const QByteArray fileName = directory.filePath("file").toLocal8Bit();
     FuzzedDataProvider input(data, size);
     ViSession manager = 0;
     viOpenDefaultRM(&manager);
     std::deque<ViObject> handles = {manager};
-    for (int host = 0; host < 3; ++host) {
+    for (const std::string &host : bench().hosts()) {
         ViSession session = 0;
-        viOpen(manager, "TCPIP::scope::INSTR", VI_NO_LOCK, 0, &session);
+        bench().find(host)->execute("*RST;*CLS"); // every input starts alike, but for the events
+        viOpen(manager, ("TCPIP::" + host).c_str(), VI_NO_LOCK, 0, &session);
         handles.push_back(session);
     }
     while (input.remaining_bytes() > 0 && handles.size() < 16) {
@@ -103,7 +92,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
         const ViObject handle =
             which < handles.size() ? handles[which] : input.ConsumeIntegral<ViObject>();
         ViObject opened = 0;
-        const ViStatus status = call(input, handle, &opened);
+        const ViStatus status = call(input, handle, fileName.constData(), &opened);
         if (opened != 0) {
             handles.push_back(opened);
         }

@@ -137,6 +137,10 @@ class NetworkTest(unittest.TestCase):
                 if "LOST" not in fault:
                     device.clear()
             self.assert_fails(StatusCode.error_connection_lost, device.query, "*IDN?")
+            other.write("TIM:RANG 1ms;:BENCH:LAT RF,10ms,0;:BENCH:OVER 1;SEED 7;:SING;*TRG")
+            event = other.query_ascii_values("BENCH:EVENT?")
+            self.assertAlmostEqual(event[2], 10.0)
+            self.assertEqual(event[5], 1)
             with self.open(manager, places["scope-kvx"]) as again:
                 again.lock_excl()
                 self.assert_fails(StatusCode.error_resource_locked, other.query, "*IDN?")

@@ -1,0 +1,164 @@
+"""The bench and its handbook under an unmodified PyVISA. The first argument is the handbook."""
+
+import os
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+
+import numpy
+import pyvisa
+from pyvisa.constants import EventMechanism, EventType, RENLineOperation, StatusCode
+
+LIBRARY = os.environ["BENCH_LIBRARY"]
+with open(sys.argv.pop(1), encoding="utf-8") as file:
+    HANDBOOK = file.read()
+HOSTS = re.findall(r"^\| `TCPIP0::([a-z-]+)::INSTR`", HANDBOOK, re.MULTILINE)
+
+
+def rows():
+    """Each command in the tables: its host, its pattern, its values and its value at power-up."""
+    for section in HANDBOOK.split("\n### ")[1:]:
+        heading, text = section.split("\n## ")[0].split("\n", 1)
+        for commands, values, power_up in re.findall(r"^\| (`.*?) \| (.*?) \|(.*)\|$", text, re.M):
+            for command in re.findall(r"`(.*?)`", commands):
+                for host in re.findall(r"`([a-z-]+)`", heading) or HOSTS:
+                    yield host, command, values, power_up.strip(" `")
+
+
+def short(text):
+    return re.sub("[a-z]", "", text)
+
+
+class BenchTest(unittest.TestCase):
+    def setUp(self):
+        self.manager = pyvisa.ResourceManager(LIBRARY + "@ivi")
+        self.addCleanup(self.manager.close)
+
+    def open(self, host):
+        return self.manager.open_resource(f"TCPIP0::{host}::INSTR", read_termination="\n")
+
+    def send(self, instrument, command):
+        """Send a command, and return the number of the error that it leaves."""
+        instrument.write("*CLS;" + command)
+        instrument.clear()
+        return int(instrument.query("SYST:ERR?").split(",")[0])
+
+    def check_setting(self, instrument, header, values, power_up):
+        """Every value that the handbook has is taken and answered, and none besides."""
+        longest = re.sub(r"[\[\]]", "", header)
+        query = short(re.sub(r"\[.*?\]", "", header)) + "?"
+        self.assertEqual(instrument.query(query), power_up)
+        if limits := re.match(r"(\S+) to (\S+?):?( ([A-Za-z]+).*)?$", values):
+            low, high, unit = limits[1], limits[2], limits[4] or ""
+            unit = unit if unit in ("V", "s", "Hz", "dB", "dBm", "PCT") else ""
+            for value in (low, high, power_up):
+                self.assertEqual(self.send(instrument, f"{longest} {value}{unit}"), 0, value)
+                self.assertEqual(instrument.query(query), value)
+            for value in (float(low) - 1 - abs(float(low)), float(high) * 1.01 + 1):
+                self.assertEqual(self.send(instrument, f"{longest} {value}"), -222, value)
+            for limit, value in (("MIN", low), ("MAXIMUM", high), ("DEF", power_up)):
+                self.assertEqual(instrument.query(f"{query} {limit}"), value)
+        elif values.startswith("a switch"):
+            for value in ("OFF", "ON", "0", "1", "OFF" if power_up == "1" else "ON"):
+                self.assertEqual(self.send(instrument, f"{longest} {value}"), 0, value)
+                self.assertEqual(instrument.query(query), "1" if value in ("ON", "1") else "0")
+        else:
+            choices = re.findall("`(.*?)`", values)
+            self.assertGreater(len(choices), 0, values)
+            for value in (*choices, *map(short, choices[::-1])):
+                self.assertEqual(self.send(instrument, f"{longest} {value}"), 0, value)
+                self.assertIn(instrument.query(query), (short(value), short(value) + ",0"))
+            self.assertEqual(self.send(instrument, f"{longest} NONE"), -224)
+
+    def test_every_command(self):
+        checked = 0
+        for host, command, values, power_up in rows():
+            header = re.sub(r"<(\d)>", r"\1", command)
+            with self.subTest(host=host, command=command), self.open(host) as instrument:
+                instrument.write("*RST")
+                checked += 1
+                if power_up:
+                    self.check_setting(instrument, header, values, power_up)
+                    kept = "0" if header in ("CHANnel4:STATe", "CHANnel4[:STATe]") else power_up
+                    instrument.write("*RST")
+                    if header[0] != "*":
+                        query = short(re.sub(r"\[.*?\]", "", header)) + "?"
+                        self.assertEqual(instrument.query(query), kept)
+                    continue
+                header = re.sub(r"\[.*?\]", "", header)
+                stale = "-230" in values
+                for form in (header, short(header)):
+                    self.assertEqual(self.send(instrument, form), -230 if stale else 0, form)
+                self.assertEqual(self.send(instrument, header + " 1,2,3"), -108)
+        self.assertGreater(checked, 150)
+
+    def test_the_example_plots(self):
+        (example,) = re.findall(r"```python\n(.*?)```", HANDBOOK, re.DOTALL)
+        with tempfile.TemporaryDirectory() as directory:
+            picture = os.path.join(directory, "trace.png")
+            subprocess.run(
+                [sys.executable, "-c", example, LIBRARY, picture],
+                env=dict(os.environ, MPLBACKEND="Agg", MPLCONFIGDIR=directory),
+                check=True,
+                timeout=120,
+            )
+            self.assertGreater(os.path.getsize(picture), 10000)
+
+    def test_sessions(self):
+        names = self.manager.list_resources()
+        self.assertEqual(len(names), len(HOSTS))
+        for name in names:
+            with self.manager.open_resource(name) as instrument:
+                self.assertEqual(instrument.resource_name, name)
+                self.assertRegex(instrument.query("*IDN?"), r"^Varnholt,\w+,\d{6},1\.00\n$")
+                instrument.timeout = float("+inf")
+                self.assertEqual(instrument.timeout, float("+inf"))
+                self.assertEqual(instrument.stb, 0)
+                for mode in RENLineOperation:
+                    instrument.control_ren(mode)
+                instrument.flush(pyvisa.constants.BufferOperation.discard_read_buffer)
+                with instrument.lock_context():
+                    instrument.write("*CLS")
+                for unsupported in (
+                    lambda: instrument.enable_event(
+                        EventType.service_request, EventMechanism.queue
+                    ),
+                    lambda: instrument.wait_on_event(EventType.service_request, 0),
+                    lambda: instrument.visalib.write_asynchronously(instrument.session, b"*CLS"),
+                ):
+                    with self.assertRaises(pyvisa.errors.VisaIOError) as raised:
+                        unsupported()
+                    code = raised.exception.error_code
+                    self.assertEqual(code, StatusCode.error_nonsupported_operation)
+        with self.open("scope") as instrument:
+            instrument.assert_trigger()
+            instrument.write("FORM REAL,32")
+            binary = instrument.query_binary_values("CHAN1:DATA?", container=numpy.array)
+            instrument.write("FORM ASC")
+            text = instrument.query_ascii_values("CHAN1:DATA?", container=numpy.array)
+            numpy.testing.assert_array_equal(text.astype(numpy.float32), binary)
+
+    def test_exits(self):
+        thread = (
+            "import threading; query = lambda: [scope.query('*IDN?') for _ in iter(int, 1)]; "
+            "threading.Thread(target=query, daemon=True).start(); "
+            "import ctypes; ctypes.CDLL(None).exit(0)"
+        )
+        script = (
+            "import pyvisa, sys; manager = pyvisa.ResourceManager(sys.argv[1] + '@ivi'); "
+            "scope = manager.open_resource('TCPIP0::scope::INSTR'); scope.write('*IDN?'); "
+        )
+        for ending in ["", "manager.close()", "del manager"] + 10 * [thread]:
+            done = subprocess.run(
+                [sys.executable, "-X", "dev", "-W", "error", "-c", script + ending, LIBRARY],
+                stderr=subprocess.PIPE,
+                timeout=60,
+            )
+            self.assertEqual(done.returncode, 0)
+            self.assertTrue(done.stderr == b"" or ending == thread, done.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()
