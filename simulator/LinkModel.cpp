@@ -29,7 +29,6 @@ constexpr double overloadVolts = 0.6;
 constexpr double overloadEnd = -0.45;
 constexpr double overloadDecay = 5e-3;
 constexpr double overloadGone = overloadEnd + 40 * overloadDecay;
-constexpr std::uint32_t overloadOneIn = 16;
 
 // Radio channel (dBm, seconds). A beacon is so short that at 20,000 points per second it covers
 // fewer than eight samples, and so far from the first burst that the two never look like one.
@@ -53,15 +52,7 @@ constexpr double videoVoltsPerDb = 0.01;
 constexpr double videoAtBurst = 0.8;
 constexpr double carrierAtBurst = 0.8; // its IF output, volts peak
 
-// Latencies after the source instant (seconds): triangular, mean plus or minus spread. The sink
-// then waits for its next display frame and rises to its visible level, which adds 10.7 ms on
-// average: 120 ms in all.
-constexpr double rfLatency = 45e-3;
-constexpr double rfSpread = 8e-3;
-constexpr double hdmiLatency = 95e-3;
-constexpr double hdmiSpread = 4e-3;
-constexpr double sinkLatency = 109.3e-3;
-constexpr double sinkSpread = 8e-3;
+// The sink's display (seconds).
 constexpr double framePeriod = 1.0 / 60.0;
 
 /// Uniform in [0, 1): the standard's distributions differ between libraries, the raw output does
@@ -71,10 +62,10 @@ double uniform(std::mt19937 *generator)
     return static_cast<double>((*generator)()) / 4294967296.0;
 }
 
-double triangular(std::mt19937 *generator, double mean, double spread)
+double draw(std::mt19937 *generator, const Latency &latency)
 {
     const double first = uniform(generator);
-    return mean + spread * (first + uniform(generator) - 1.0);
+    return latency.mean + latency.spread * (first + uniform(generator) - 1.0);
 }
 
 /// Raised cosine from 0 to 1 while `u` goes from 0 to 1.
@@ -137,22 +128,23 @@ LinkEvent::LinkEvent(std::uint32_t number, double beaconPhase)
 {
 }
 
-LinkEvent::LinkEvent(std::uint32_t number, double triggerLevel, std::mt19937 *generator)
+LinkEvent::LinkEvent(std::uint32_t number, double triggerLevel, const LinkStatistics &statistics,
+                     std::mt19937 *generator)
     : LinkEvent(number, 0.0)
 {
     sourceStart = -riseTime(triggerLevel, sourceDark, sourceBright, sourceRise);
     truth.source = sourceStart + riseTime(sourceVisible, sourceDark, sourceBright, sourceRise);
 
-    truth.rf = truth.source + triangular(generator, rfLatency, rfSpread);
-    truth.hdmiDelayMs = 1000.0 * triangular(generator, hdmiLatency, hdmiSpread);
+    truth.rf = truth.source + draw(generator, statistics.rf);
+    truth.hdmiDelayMs = 1000.0 * draw(generator, statistics.hdmi);
 
-    const double earliest = truth.source + triangular(generator, sinkLatency, sinkSpread);
+    const double earliest = truth.source + draw(generator, statistics.sink);
     const double framePhase = framePeriod * uniform(generator);
     sinkStart = framePhase + framePeriod * std::ceil((earliest - framePhase) / framePeriod);
     truth.sink = sinkStart + riseTime(sinkVisible, sinkDark, sinkBright, sinkRise);
 
     beaconPhase = truth.rf + (beaconPeriod - beaconClearance) * uniform(generator);
-    overloaded = uniform(generator) * overloadOneIn < 1.0;
+    overloaded = uniform(generator) < statistics.overloads;
 }
 
 double LinkEvent::sourceVolts(double time) const
@@ -221,7 +213,7 @@ void LinkModel::trigger(std::optional<double> level)
 {
     ++records;
     if (level && *level > sourceDark && *level < sourceBright) {
-        event = LinkEvent(records, *level, &generator);
+        event = LinkEvent(records, *level, statistics, &generator);
         record = event;
         ++events;
     } else {

@@ -50,6 +50,24 @@ struct Receiver
 /// in hertz.
 bool hearsChannel(double frequency, double bandwidth);
 
+/// The distribution of a delay in seconds: triangular, mean plus or minus spread.
+struct Latency
+{
+    double mean;
+    double spread;
+};
+
+/// How the link's events are distributed.
+struct LinkStatistics
+{
+    Latency rf{45e-3, 8e-3}; ///< from the source to the first burst
+    Latency hdmi{95e-3, 4e-3};
+    /// To the sink, which then waits for its next display frame and rises to its visible level.
+    /// That adds 10.7 ms on average: 120 ms in all.
+    Latency sink{109.3e-3, 8e-3};
+    double overloads = 1.0 / 16.0; ///< share of the records
+};
+
 /// One change at the source and what follows it along the link.
 class LinkEvent
 {
@@ -60,7 +78,8 @@ public:
     /// Make an event whose latencies come from the generator, always with the same number of draws.
     /// The trigger level in volts is what the source passes at time zero; it lies between dark and
     /// bright.
-    LinkEvent(std::uint32_t number, double triggerLevel, std::mt19937 *generator);
+    LinkEvent(std::uint32_t number, double triggerLevel, const LinkStatistics &statistics,
+              std::mt19937 *generator);
 
     /// Sample a signal. The same arguments always give the same samples.
     [[nodiscard]] std::vector<float> trace(Signal signal, const TimeGrid &grid,
@@ -107,6 +126,10 @@ public:
     [[nodiscard]] std::uint32_t eventCount() const { return events; }
     /// Make a sweep that nothing triggers; no two are alike.
     LinkEvent freeSweep();
+
+    /// Begin another sequence of events.
+    void seed(std::uint32_t number) { generator.seed(number); }
+    LinkStatistics statistics; ///< of the events to come
 
     [[nodiscard]] const AnalyzerOutput &analyzerOutput() const { return output; }
     void connect(const AnalyzerOutput &analyzer) { output = analyzer; }

@@ -30,6 +30,7 @@ may_include viewer '(analysis|instrument|measurement|plot)/.*'
 may_include app '(instrument|setup|measurement|plot)/.*'
 may_include visa 'instrument/VisaTypes\.h'
 may_include simulator 'no others'
-may_include bench '(simulator|visa)/.*'
+may_include bench '((simulator|visa)/.*|lan/(Portmapper|RpcMessage|Vxi11|Xdr)\.h)'
+may_include lan '(visa/.*|instrument/VisaTypes\.h)'
 
 exit "$failed"

@@ -41,11 +41,6 @@ public:
     [[nodiscard]] bool isRemote() const { return remote; }
     void setRemote(bool on) { remote = on; }
 
-    /// Take the time in seconds that what was started since the last call lasts, for whoever makes
-    /// clients wait for it: here everything is over at once.
-    double takeDuration() { return std::exchange(duration, 0.0); }
-
-protected:
     struct Call
     {
         Suffixes suffixes;
@@ -60,12 +55,19 @@ protected:
         std::size_t most = 0;
     };
 
+    /// Add a command by its pattern.
+    void onCommand(std::string_view pattern, Parameters parameters, Handler handler);
+
+    /// Take the time in seconds that what was started since the last call lasts, for whoever makes
+    /// clients wait for it: here everything is over at once.
+    double takeDuration() { return std::exchange(duration, 0.0); }
+
+protected:
     /// Add a setting with its command and its query.
     Setting &add(Setting setting);
     /// Add a command and a query that tell a setting in other words, factor times its value.
     void addMultiple(std::string_view pattern, Setting &setting, double factor);
-    /// Add a command or a query by its pattern, without the question mark.
-    void onCommand(std::string_view pattern, Parameters parameters, Handler handler);
+    /// Add a query by its pattern, without the question mark.
     void onQuery(std::string_view pattern, Parameters parameters, Handler handler);
     /// Add a command that takes no parameters and cannot fail.
     void onEvent(std::string_view pattern, const std::function<void()> &action);

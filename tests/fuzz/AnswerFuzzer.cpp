@@ -1,0 +1,47 @@
+// An instrument on the network that answers what it likes.
+
+#include "lan/Vxi11Link.h"
+#include "Require.h"
+#include "tests/ScriptedHost.h"
+
+#include <fuzzer/FuzzedDataProvider.h>
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    FuzzedDataProvider input(data, size);
+    const std::size_t before = input.ConsumeIntegralInRange<std::size_t>(0, 4); // sane answers
+    std::size_t calls = 0;
+    const auto bytes = [&](std::size_t most) {
+        const std::string text = input.ConsumeRandomLengthString(most);
+        return QByteArray(text.data(), static_cast<int>(text.size()));
+    };
+    // Whatever it is, the connection ends after it: nobody waits for more.
+    const auto script = [&](const lan::RpcCall &call) -> QList<QByteArray> {
+        if (calls++ < before) {
+            return {};
+        }
+        if (input.ConsumeBool()) {
+            return {bytes(200), bytes(200), ""};
+        }
+        const QByteArray results = lan::xdrWords(
+            {input.ConsumeIntegralInRange(0U, 20U), input.ConsumeIntegralInRange(0U, 9U)});
+        const QByteArray whole = ScriptedHost::reply(call, results + bytes(200)).first();
+        return {whole.left(input.ConsumeIntegralInRange(1, whole.size())), bytes(50), ""};
+    };
+    ScriptedHost host(script, input.ConsumeIntegral<quint32>());
+    const auto soon = [] {
+        return std::chrono::steady_clock::now() + std::chrono::milliseconds(50);
+    };
+    lan::Vxi11Link link;
+    if (link.open(QHostAddress(QHostAddress::LocalHost), host.port, "inst0", soon()) != 0) {
+        return 0;
+    }
+    const std::unique_ptr<ViByte[]> buffer(new ViByte[10]); // of just the size that is allowed
+    std::size_t written = 0;
+    link.write(reinterpret_cast<const ViByte *>("*IDN?"), 5, true, soon(), &written);
+    require(written <= 5, "no more is written than there was");
+    for (int i = 0; i < 3; ++i) {
+        require(link.read(buffer.get(), 10, '\n', soon()).count <= 10, "what is read has room");
+    }
+    return 0;
+}
