@@ -69,6 +69,8 @@ ResultsWindow::ResultsWindow()
     tabs->addTab(histograms, "&Histogram");
     tabs->addTab(records, "&Last Record");
     tabs->addTab(values, "&Values");
+    list->setObjectName("series");
+    values->setObjectName("values");
     statusBar()->addPermanentWidget(unreadable);
 
     auto *right = new QSplitter(Qt::Vertical);
