@@ -168,7 +168,7 @@ private slots:
         const LoadedSeries loaded =
             loadSeries({folder.path()}, [](int done, int all) { return done < 1 && all == 2; });
         QCOMPARE(loaded.series.size(), 1);
-        QCOMPARE(loaded.series[0].time.date().day(), 6); // the newest
+        QCOMPARE(loaded.series[0].time.date().day(), 5); // the oldest
     }
 };
 
