@@ -25,7 +25,7 @@ QStringList seriesIn(const QString &folder)
         files += directory.filePath(name);
     }
     std::stable_sort(files.begin(), files.end(), [](const QString &a, const QString &b) {
-        return seriesTime(a) > seriesTime(b);
+        return seriesTime(a) < seriesTime(b);
     });
     return files;
 }

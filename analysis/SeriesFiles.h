@@ -8,7 +8,7 @@
 /// Find the folder where the programs of this user save series.
 QString resultsFolder();
 
-/// List the results files in a folder, newest first.
+/// List the results files in a folder, oldest first.
 QStringList seriesIn(const QString &folder);
 
 /// Read the time of a series from the name of its results file; invalid when that tells none.

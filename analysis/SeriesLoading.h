@@ -16,5 +16,5 @@ struct LoadedSeries
 /// Is told how many files are done, of how many; returns false to leave the others out.
 using LoadingProgress = std::function<bool(int done, int all)>;
 
-/// Open series by their results files; a folder stands for all in it, newest first.
+/// Open series by their results files; a folder stands for all in it, oldest first.
 LoadedSeries loadSeries(const QStringList &filesAndFolders, const LoadingProgress &progress = {});

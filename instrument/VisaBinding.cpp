@@ -81,6 +81,7 @@ bool iaVisaDll_Init()
     for (const QString &path : qAsConst(libraryPaths)) {
         const QString failure = bind(path);
         if (failure.isEmpty()) {
+            std::fputs(qPrintable("VISA library: " + path + '\n'), stderr);
             return true;
         }
         failures += "  " + path + ": " + failure + '\n';

@@ -33,6 +33,6 @@ void setVisaLibraryPaths(const QStringList &paths);
 
 /// Load a VISA library and resolve its entry points in the order above. Returns true when all of
 /// them are there. At the first that is missing it gives that library up: the pointers before it
-/// keep their values, the later ones stay null. When none of the libraries serves, standard error
-/// says why.
+/// keep their values, the later ones stay null. Standard error says which library serves, or why
+/// none does.
 bool iaVisaDll_Init();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
@@ -28,21 +29,40 @@ void TraceData::setRectOfInterest(const QRectF &rect)
 
 void TraceData::show(int from, int to)
 {
+    if (from == shownFrom && to == shownTo) {
+        return;
+    }
+    shownFrom = from;
+    shownTo = to;
     shown.clear();
+    constexpr double largest = std::numeric_limits<double>::max();
+    const double *samples = trace.constData();
     const int step = std::max(1, (to - from + columns - 1) / columns);
     for (int column = from; column < to; column += step) {
-        int least = -1;
-        int greatest = -1;
-        for (int i = column; i < std::min(to, column + step); ++i) {
-            if (std::isfinite(trace.constData()[i])) {
-                least = least < 0 || trace[i] < trace[least] ? i : least;
-                greatest = greatest < 0 || trace[i] > trace[greatest] ? i : greatest;
+        const int end = std::min(to, column + step);
+        int leastAt = -1;
+        int greatestAt = -1;
+        double least = std::numeric_limits<double>::infinity();
+        double greatest = -least;
+        for (int i = column; i < end; ++i) {
+            const double sample = samples[i];
+            if (sample < least && sample >= -largest) {
+                least = sample;
+                leastAt = i;
+            }
+            if (sample > greatest && sample <= largest) {
+                greatest = sample;
+                greatestAt = i;
             }
         }
-        for (const int i : {std::min(least, greatest), std::max(least, greatest)}) {
-            if (i >= 0 && (shown.isEmpty() || shown.last().x() != first + interval * i)) {
-                shown += QPointF(first + interval * i, trace[i]);
-            }
+        if (leastAt < 0) {
+            continue;
+        }
+        for (const int i : {std::min(leastAt, greatestAt), std::max(leastAt, greatestAt)}) {
+            shown += QPointF(first + interval * i, samples[i]);
+        }
+        if (leastAt == greatestAt) {
+            shown.removeLast();
         }
     }
 }

@@ -26,5 +26,7 @@ private:
     double first;
     double interval;
     QVector<QPointF> shown;
+    int shownFrom = -1; ///< the samples that are shown
+    int shownTo = -1;
     QRectF bounds;
 };

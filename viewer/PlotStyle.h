@@ -31,7 +31,7 @@ extern const QColor flagColour;
 
 /// Width of a line that shows data, in pixels of a screen and the same on paper; a width of zero
 /// would be a hairline there.
-constexpr double dataWidth = 1.3;
+constexpr double dataWidth = 1.0;
 
 /// Make a plot that looks like paper, with a grid and a legend above, whatever the desktop's
 /// colours.

@@ -69,6 +69,8 @@ ResultsWindow::ResultsWindow()
     tabs->addTab(histograms, "&Histogram");
     tabs->addTab(records, "&Last Record");
     tabs->addTab(values, "&Values");
+    list->setObjectName("series");
+    values->setObjectName("values");
     statusBar()->addPermanentWidget(unreadable);
 
     auto *right = new QSplitter(Qt::Vertical);
@@ -139,7 +141,15 @@ LoadedSeries ResultsWindow::loadPatiently(const QStringList &filesAndFolders)
     dialog.setWindowModality(Qt::WindowModal);
     constexpr int patience = 400; // milliseconds
     dialog.setMinimumDuration(patience);
-    const LoadedSeries loaded = loadSeries(filesAndFolders, [&dialog](int done, int all) {
+    QStringList files; // newest first: who stops the loading wants those
+    for (const QString &name : filesAndFolders) {
+        const QStringList inside = seriesIn(name);
+        std::reverse_copy(inside.begin(), inside.end(), std::back_inserter(files));
+        if (inside.isEmpty()) {
+            files += name;
+        }
+    }
+    const LoadedSeries loaded = loadSeries(files, [&dialog](int done, int all) {
         dialog.setMaximum(all);
         dialog.setValue(done);
         return !dialog.wasCanceled();
