@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/install-dependencies.sh build desktop pyvisa package checks
+scripts/install-dependencies.sh build desktop pyvisa network package checks
 cmake --workflow --preset asan
 grep -hE 'series and|attempts' build/asan/Testing/Temporary/LastTest.log
 cmake --workflow --preset fuzz
