@@ -12,6 +12,7 @@
 #include <functional>
 #include <fuzzer/FuzzedDataProvider.h>
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -32,29 +33,27 @@ ViStatus call(FuzzedDataProvider &input, ViObject handle, const char *fileName, 
     const auto word = static_cast<ViUInt16>(number);
     // On the heap, of just the size that is allowed: an overrun is noticed. Texts have the room
     // that VISA gives them, numbers eight bytes at most.
-    const auto place = [&](std::size_t room) {
-        return std::unique_ptr<char[]>(isNull ? nullptr : new char[room]);
-    };
-    const auto big = place(VI_FIND_BUFLEN);
-    const auto other = place(VI_FIND_BUFLEN);
-    const auto read = place(word);
-    const auto value = place((number >> 31U) != 0 ? VI_FIND_BUFLEN : sizeof(ViAttrState));
+    const auto place = [](std::size_t room) { return std::vector<char>(room); };
+    const auto at = [&](std::vector<char> &room) { return isNull ? nullptr : room.data(); };
+    auto big = place(VI_FIND_BUFLEN);
+    auto other = place(VI_FIND_BUFLEN);
+    auto read = place(word);
+    auto value = place((number >> 31U) != 0 ? VI_FIND_BUFLEN : sizeof(ViAttrState));
     std::unique_ptr<ViUInt16> half(isNull ? nullptr : new ViUInt16);
     std::unique_ptr<ViUInt32> count(isNull ? nullptr : new ViUInt32);
     const std::array<std::function<ViStatus()>, 20> calls = {
         // Nobody else is here to unlock what would be waited for.
         [&] { return viOpen(handle, name, word & ~VI_EXCLUSIVE_LOCK, number, opened); },
-        [&] { return viFindRsrc(handle, name, opened, count.get(), big.get()); },
-        [&] { return viFindNext(handle, big.get()); },
+        [&] { return viFindRsrc(handle, name, opened, count.get(), at(big)); },
+        [&] { return viFindNext(handle, at(big)); },
         [&] {
-            return viParseRsrcEx(handle, name, half.get(), half.get(), big.get(), other.get(),
-                                 nullptr);
+            return viParseRsrcEx(handle, name, half.get(), half.get(), at(big), at(other), nullptr);
         },
         [&] { return viClose(handle); },
         [&] { return viSetAttribute(handle, number, size); },
-        [&] { return viGetAttribute(handle, number, value.get()); },
+        [&] { return viGetAttribute(handle, number, at(value)); },
         [&] { return viWrite(handle, bytes, size, count.get()); },
-        [&] { return viRead(handle, reinterpret_cast<ViByte *>(read.get()), word, count.get()); },
+        [&] { return viRead(handle, reinterpret_cast<ViByte *>(at(read)), word, count.get()); },
         [&] { return viReadToFile(handle, isNull ? nullptr : fileName, word, count.get()); },
         [&] { return viWriteFromFile(handle, isNull ? nullptr : fileName, word, count.get()); },
         [&] { return viClear(handle); },
@@ -62,7 +61,7 @@ ViStatus call(FuzzedDataProvider &input, ViObject handle, const char *fileName, 
         [&] { return viGpibControlREN(handle, word); },
         [&] { return viSetBuf(handle, word, number); },
         [&] { return viAssertTrigger(handle, word); },
-        [&] { return viLock(handle, number % 3, 0, name, big.get()); },
+        [&] { return viLock(handle, number % 3, 0, name, at(big)); },
         [&] { return viUnlock(handle); },
         [&] { return viDisableEvent(handle, number, 1); },
         [&] {
@@ -96,10 +95,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
         if (opened != 0) {
             handles.push_back(opened);
         }
-        char text[256];
+        std::array<char, 256> text{};
         ViSession other = 0;
         require(viOpenDefaultRM(&other) == VI_SUCCESS &&
-                    viStatusDesc(other, status, text) == VI_SUCCESS,
+                    viStatusDesc(other, status, text.data()) == VI_SUCCESS,
                 "every status has a text");
         viClose(other);
     }
