@@ -102,12 +102,15 @@ RecordReader::State RecordReader::read(QIODevice &from)
             }
             continue;
         }
-        const QByteArray bytes = from.read(std::min<qint64>(missing, from.bytesAvailable()));
-        if (bytes.isEmpty()) {
+        const int there = static_cast<int>(std::min<qint64>(missing, from.bytesAvailable()));
+        const int before = record.size();
+        record.resize(before + there);
+        const qint64 got = from.read(record.data() + before, there);
+        record.resize(before + static_cast<int>(std::max<qint64>(got, 0)));
+        if (got <= 0) {
             return State::Incomplete;
         }
-        record += bytes;
-        missing -= static_cast<quint32>(bytes.size());
+        missing -= static_cast<quint32>(got);
     }
     return State::Complete;
 }

@@ -4,9 +4,11 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/install-dependencies.sh build benchmarks
+scripts/install-dependencies.sh build benchmarks network
 cmake --preset release >/dev/null
-cmake --build --preset release --target benchmarks >/dev/null
+cmake --build --preset release --target benchmarks network-benchmarks orvanta-visa >/dev/null
 build/release/bin/benchmarks --benchmark_format=csv --benchmark_repetitions=5 \
     --benchmark_report_aggregates_only=true "$@" |
     awk -F, -f benchmarks/table.awk
+unshare --user --map-root-user --net sh -c 'ip link set lo up; exec "$@"' sh \
+    build/release/bin/network-benchmarks build/release/lib/orvanta/liborvanta-visa.so

@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/install-dependencies.sh build desktop pyvisa package checks
+scripts/install-dependencies.sh build desktop pyvisa network package checks
 cmake --workflow --preset asan
 cmake --workflow --preset fuzz
 grep '^Done' build/fuzz/tests/fuzz/*/log

@@ -25,15 +25,16 @@ public:
     /// piece without bytes the connection is closed.
     using Script = std::function<QList<QByteArray>(const lan::RpcCall &call)>;
 
-    explicit ScriptedHost(Script script, quint32 receiveSize = 1024)
-        : script(std::move(script)), receiveSize(receiveSize)
+    /// At any port, unless one is given.
+    explicit ScriptedHost(Script script, quint32 receiveSize = 1024, quint16 port = 0)
+        : port(port), script(std::move(script)), receiveSize(receiveSize)
     {
         std::mutex starting;
         starting.lock();
         thread.reset(QThread::create([this, &starting] {
             QTcpServer server;
-            server.listen(QHostAddress::LocalHost);
-            port = server.serverPort();
+            server.listen(QHostAddress::LocalHost, this->port);
+            this->port = server.serverPort();
             starting.unlock();
             while (!isEnding) {
                 server.waitForNewConnection(1);
@@ -71,7 +72,7 @@ public:
                                lan::xdrOpaque(bytes.constData(), bytes.size()));
     }
 
-    quint16 port = 0;
+    quint16 port;
 
 private:
     void serve(QTcpSocket &socket)
@@ -94,7 +95,9 @@ private:
                 if (!socket.waitForBytesWritten(1000)) {
                     return;
                 }
-                QThread::msleep(pieces.size() > 1 ? 5 : 0);
+                if (pieces.size() > 1) {
+                    QThread::msleep(5);
+                }
             }
         }
     }
