@@ -91,9 +91,10 @@ bool readResults(const QString &fileName, SeriesResults *results, QString *reaso
         lines.removeLast(); // an editor ends the last line, too
     }
     if (lines.size() != 6) {
-        *reason = QString("has %1 lines instead of 6: it is %2")
-                      .arg(lines.size())
-                      .arg(lines.size() < 6 ? "cut off" : "not one results file");
+        *reason =
+            QString(lines.size() < 6 ? "is cut off: it has %1 of 6 lines"
+                                     : "is not one results file: it has %1 lines instead of 6")
+                .arg(lines.size());
         return false;
     }
     const auto fail = [reason](int line, const QString &what) {

@@ -193,14 +193,13 @@ private slots:
         QTest::newRow("something else") << QByteArray("\x7f"
                                                       "ELF")
                                         << "is not a results file";
-        QTest::newRow("cut off in a line")
-            << good.left(60) << "has 3 lines instead of 6: it is cut off";
+        QTest::newRow("cut off in a line") << good.left(60) << "is cut off: it has 3 of 6 lines";
         QTest::newRow("cut off in the last number")
             << changed("120.2 nan", "120.2 130.2").replace("Mean: nan", "Mean: 125.").left(500)
             << "has a wrong line 6: the mean is not that of the delays: cut off or changed";
         QTest::newRow("cut off before the last number")
             << good.left(good.size() - 4) << "has a wrong line 6: it does not have one mean";
-        QTest::newRow("twice") << good + '\n' + good << "has 12 lines instead of 6: it is not one";
+        QTest::newRow("twice") << good + '\n' + good << "is not one results file: it has 12 lines";
         QTest::newRow("counts") << changed(" 0 0", " 0")
                                 << "has lines of different counts: 2, 1 and 2 delays";
         QTest::newRow("no number")

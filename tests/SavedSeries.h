@@ -30,7 +30,7 @@ inline QString save(const QString &folder, const Values &rf, const Values &hdmi,
         return DelaySeries{values,
                            std::accumulate(values.begin(), values.end(), 0.0) / values.size()};
     };
-    const QString file = folder + "/Orvanta" + stamp + "_Results.txt";
+    QString file = folder + "/Orvanta" + stamp + "_Results.txt";
     writeResults(file, {delay(rf), delay(hdmi), delay(sink)});
     saveTrace(traceFile(file, "src"), record.source, record.samples);
     saveTrace(traceFile(file, "rf"), record.rf, record.samples);

@@ -5,6 +5,7 @@
 #include "plot/EdgeCurve.h"
 #include "plot/TraceData.h"
 #include "viewer/PlotStyle.h"
+#include "viewer/WrapText.h"
 
 #include <qwt_plot.h>
 #include <qwt_plot_curve.h>
@@ -13,16 +14,19 @@
 
 namespace {
 
-/// A text in the middle of the canvas.
+/// A text in the corner of the canvas where a record has not begun.
 void addRemark(QwtPlot *plot, const QString &text)
 {
-    QwtText label(text, QwtText::PlainText);
-    label.setRenderFlags(Qt::AlignCenter | Qt::TextWordWrap);
+    constexpr int width = 50;
+    QwtText label(wrapText(text, width), QwtText::PlainText);
+    label.setRenderFlags(Qt::AlignLeft);
+    label.setFont(plot->font());
     label.setBackgroundBrush(QColor(255, 255, 255, 220));
     auto *marker = new QwtPlotMarker;
     marker->setLabel(label);
     marker->attach(plot);
-    marker->setValue(0.5, 0.5);
+    marker->setLabelAlignment(Qt::AlignRight | Qt::AlignBottom);
+    marker->setValue(0.02, 0.95);
     marker->setAxes(QwtPlot::xTop, QwtPlot::yRight);
     marker->setZ(1000);
     plot->setAxisScale(QwtPlot::xTop, 0, 1);

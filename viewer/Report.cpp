@@ -5,6 +5,7 @@
 #include "viewer/Export.h"
 #include "viewer/HistogramPlot.h"
 #include "viewer/RecordPlot.h"
+#include "viewer/WrapText.h"
 
 #include <QStringList>
 
@@ -49,7 +50,8 @@ bool writeReport(const QVector<Series> &series, const QString &fileName, QString
     }
     const auto makePage = [&selections](int number) {
         const QVector<Series> &selection = selections[number];
-        Page page = {describeSelection(selection), {}, QPageLayout::Portrait, {}};
+        Page page = {
+            wrapText(describeSelection(selection), statisticsWidth), {}, QPageLayout::Portrait, {}};
         const auto addRow = [&page](const QVector<QwtPlot *> &row) {
             for (QwtPlot *plot : row) {
                 plot->updateAxes();

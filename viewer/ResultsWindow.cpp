@@ -8,6 +8,7 @@
 #include "viewer/Report.h"
 #include "viewer/SeriesTable.h"
 #include "viewer/ValuesTable.h"
+#include "viewer/WrapText.h"
 
 #include <QDir>
 #include <QFontDatabase>
@@ -149,7 +150,7 @@ LoadedSeries ResultsWindow::loadPatiently(const QStringList &filesAndFolders)
             files += name;
         }
     }
-    const LoadedSeries loaded = loadSeries(files, [&dialog](int done, int all) {
+    LoadedSeries loaded = loadSeries(files, [&dialog](int done, int all) {
         dialog.setMaximum(all);
         dialog.setValue(done);
         return !dialog.wasCanceled();
@@ -208,7 +209,7 @@ void ResultsWindow::select()
     for (const QModelIndex &index : chosen.mid(0, 2)) {
         selection.prepend(seriesTable->at(index.row())); // the older one first
     }
-    text->setPlainText(describeSelection(selection));
+    text->setPlainText(wrapText(describeSelection(selection), statisticsWidth));
     valuesTable->show(selection);
     values->resizeColumnsToContents();
     stale = {drift, histograms, records};
