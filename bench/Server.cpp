@@ -80,8 +80,9 @@ QString Server::start()
         error = error.isEmpty() && isAlone ? startHost(address, device.get()) : error;
         error = error.isEmpty() ? startScpi(address, port, *device) : error;
         const QString name = QString::fromStdString(device->name);
-        listening << name + ": " + resource(address, isAlone ? "inst0::INSTR" : name + "::INSTR") +
-                         ", " + resource(address, QString::number(port) + "::SOCKET");
+        const QString vxi11 = resource(address, isAlone ? "inst0::INSTR" : name + "::INSTR");
+        listening << name + ": " + (options.hasPortmapper ? vxi11 + ", " : "") +
+                         resource(address, QString::number(port) + "::SOCKET");
     }
     return error;
 }

@@ -33,7 +33,7 @@ public:
     /// Listen. Returns why that failed, or nothing.
     QString start();
 
-    /// One resource string, or two, for each instrument.
+    /// Its name and the resource strings by which it can be reached, for each instrument.
     [[nodiscard]] QStringList resources() const { return listening; }
 
     /// Tell whether a failure to listen was for want of a privilege.

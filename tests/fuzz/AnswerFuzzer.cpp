@@ -9,7 +9,7 @@
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     FuzzedDataProvider input(data, size);
-    const std::size_t before = input.ConsumeIntegralInRange<std::size_t>(0, 4); // sane answers
+    const auto before = input.ConsumeIntegralInRange<std::size_t>(0, 4); // sane answers
     std::size_t calls = 0;
     const auto bytes = [&](std::size_t most) {
         const std::string text = input.ConsumeRandomLengthString(most);
