@@ -268,7 +268,7 @@ private slots:
     }
 
     /// No HDMI delay, then no answer: the series ends all the same.
-    void withoutMeasurements()
+    void silence()
     {
         Instruments visa;
         visa.answers["READ:AVDA:TTV:STAT?\n"] = "0\n";

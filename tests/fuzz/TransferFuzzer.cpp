@@ -68,6 +68,5 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     appendTimeAxis(traces[0].size(), type, &axis);
     const Delays delays = computeDelays(n, traces[0], traces[1], traces[2], axis, type);
     require(n == 1 || std::isfinite(delays.instants.rf), "an RF instant is on the axis");
-
     return 0;
 }
