@@ -4,6 +4,7 @@
 #include "measurement/RfEnvelope.h"
 #include "measurement/TimeAxis.h"
 #include "measurement/VectorCapacity.h"
+#include "measurement/WaveformTransfer.h"
 
 #include <QtTest>
 
@@ -14,17 +15,15 @@ namespace {
 constexpr OscilloscopeType kvx = OscilloscopeType::Kvx;
 constexpr OscilloscopeType lpa4004 = OscilloscopeType::Lpa4004;
 
+using Trace = QVector<double>;
+
 /// A trace of n samples at one level, with another level from one index on.
-QVector<double> step(int n, double from, int index, double to)
+Trace step(int n, double from, int index, double to)
 {
-    QVector<double> trace(n, from);
-    std::fill(trace.begin() + index, trace.end(), to);
-    return trace;
+    return Trace(index, from) + Trace(n - index, to);
 }
 
-const QVector<double> goodSource = step(11, 0.005, 2, 0.15);
-
-QByteArray blockOf(const QVector<double> &samples)
+QByteArray blockOf(const Trace &samples)
 {
     const QByteArray data = bytesOf(QVector<float>(samples.begin(), samples.end()));
     const QByteArray length = QByteArray::number(data.size());
@@ -36,31 +35,14 @@ struct Instruments : Line
 {
     explicit Instruments(OscilloscopeType type = lpa4004)
     {
-        settings.oscilloscope = 1;
-        settings.spectrumAnalyzer = 2;
-        settings.videoAnalyzer = 3;
+        settings = {1, 2, 3, type, type == lpa4004, true, 1, false, {}};
         open = {{1, "osc"}, {2, "sa"}, {3, "va"}};
-        settings.oscilloscopeType = type;
-        settings.count = 1;
-        answer = [this](auto &, const QByteArray &command) -> std::optional<QByteArray> {
-            return command == "CHAN1:DATA?\n"   ? blockOf(sources.value(attempts++, goodSource))
-                   : command == "CHAN2:DATA?\n" ? blockOf(step(11, 0.01, 9, 0.0625))
-                   : command == "CHAN3:DATA?\n" || command.startsWith("TRAC? ")
-                       ? blockOf(step(11, -80, 3, -20))
-                   : command.endsWith("STAT?\n") ? hdmiState
-                   : command.endsWith("VAL?\n")  ? QByteArray("95.5\n")
-                                                 : QByteArray("1\n");
+        answer = [this](auto &command) {
+            return QByteArrayList() << answers.value(command, "1\n");
         };
     }
 
     int run() { return runSeries(settings, &record, &results); }
-    /// The n-th command is not sent.
-    void failWrite(int n)
-    {
-        fails = [n, i = 0](auto &entry) mutable {
-            return entry.contains(" < ") && i++ == n ? VI_ERROR_IO : VI_SUCCESS;
-        };
-    }
     /// The commands of the transcript, without what every query has.
     QStringList written()
     {
@@ -71,9 +53,13 @@ struct Instruments : Line
     SeriesSettings settings;
     Record record;
     SeriesResults results;
-    QVector<QVector<double>> sources; ///< one for each attempt; then good ones
-    QByteArray hdmiState = "1\n";
-    int attempts = 0;
+    QMap<QByteArray, QByteArray> answers = {
+        {"CHAN1:DATA?\n", blockOf(step(11, 0.005, 2, 0.15))},
+        {"CHAN2:DATA?\n", blockOf(step(11, 0.01, 9, 0.0625))},
+        {"CHAN3:DATA?\n", blockOf(step(11, -80, 3, -20))},
+        {"TRAC? TRACE1, 11\n", blockOf(step(11, -80, 3, -20))},
+        {"READ:AVDA:TTV:VAL?\n", "95.5\n"},
+    };
 };
 
 } // namespace
@@ -82,101 +68,70 @@ class MeasurementTest : public QObject
 {
     Q_OBJECT
 
-    const QTemporaryDir directory;
-
-    /// The results files so far, by their names, which are removed.
-    QByteArray takeResults() const
-    {
-        QByteArray text;
-        for (const QString &name : QDir(directory.path()).entryList({"data*_Results.txt"})) {
-            text += contents(directory.filePath(name));
-            QFile::remove(directory.filePath(name));
-        }
-        return text;
-    }
-
 private slots:
-    void initTestCase()
+    void edges_data()
     {
-        qputenv("TMPDIR", directory.path().toLocal8Bit()); // other tests may be transferring traces
-        qputenv("XDG_RUNTIME_DIR", directory.path().toLocal8Bit());
+        const int n = 101;
+        const Trace src = step(n, 0.0, 20, 0.1);
+        const Trace rf = step(n, 0.0, 40, 0.2);
+        const Trace snk = step(n, 0.0, 60, 0.1);
+        const auto runs = [](int start, int length, int secondStart = 0, int secondLength = 0) {
+            Trace trace(n, 0.05);
+            std::fill_n(trace.begin() + start, length, 0.0501);
+            std::fill_n(trace.begin() + secondStart, secondLength, 0.0501);
+            return trace;
+        };
+        using Traces = QVector<Trace>;
+        using Edges = QVector<int>;
+        QTest::addColumn<Traces>("traces");
+        QTest::addColumn<Edges>("expected");
+        const auto row = [](const char *name, const Traces &traces, const Edges &expected) {
+            QTest::newRow(name) << traces << expected;
+        };
+        row("rise of 35 mV", {step(n, 0.0, 20, 0.035), rf, snk}, {n, n, 60});
+        row("rise just above", {step(n, 0.0, 20, 0.0351), rf, snk}, {20, 40, 60});
+        row("rise from its first sample", {step(n, 0.2, 20, 0.23), rf, snk}, {n, n, 60});
+        row("seven, then eight", {src, runs(30, 7, 38, 8), snk}, {20, 38, 60});
+        row("too short after it", {src, runs(15, 12), snk}, {20, n, 60});
+        row("last eight of RF", {src, runs(n - 8, 8), snk}, {20, n - 8, 60});
+        row("last seven of RF", {src, runs(n - 7, 7), snk}, {20, n, 60});
+        row("RF past the record", {src, step(n + 7, 0.0, n - 1, 0.2), snk}, {20, n - 1, 60});
+        row("RF after the record", {src, step(n + 20, 0.0, n, 0.2), snk}, {20, n, 60});
+        row("sink of 60 mV", {src, rf, step(n, 0.0, 60, 0.06)}, {20, 40, 60});
+        row("sink just below", {src, rf, step(n, 0.0, 60, 0.0599)}, {20, 40, n});
+        row("short traces", {src.mid(0, 20), rf.mid(0, 47), snk.mid(0, 60)}, {n, n, n});
     }
 
     /// Edges by index, in records of 101 samples.
     void edges()
     {
-        const int n = 101;
-        const auto src = step(n, 0.0, 20, 0.1);
-        const auto rf = step(n, 0.0, 40, 0.2);
-        const auto snk = step(n, 0.0, 60, 0.1);
-        const auto runs = [&](const QVector<QPair<int, int>> &startsAndLengths) {
-            QVector<double> trace(n, 0.05);
-            for (const auto &[start, length] : startsAndLengths) {
-                std::fill_n(trace.begin() + start, length, 0.0501);
-            }
-            return trace;
-        };
-        QVector<double> axis(n + 1); // of all instants but that of RF, which is computed
+        QFETCH(const QVector<Trace>, traces);
+        Trace axis(102); // of all instants but that of RF, which is computed
         std::iota(axis.begin(), axis.end(), 0.0);
-        using Trace = QVector<double>;
-        for (const auto &[name, sourceTrace, rfTrace, sinkTrace, source, burst, sink] :
-             std::initializer_list<std::tuple<const char *, Trace, Trace, Trace, int, int, int>>{
-                 {"rise of 35 mV", step(n, 0.0, 20, 0.035), rf, snk, n, n, 60},
-                 {"rise just above", step(n, 0.0, 20, 0.0351), rf, snk, 20, 40, 60},
-                 {"rise from its first sample", step(n, 0.2, 20, 0.23), rf, snk, n, n, 60},
-                 {"source NaN", step(n, 0.0, 20, qQNaN()), rf, snk, n, n, 60},
-                 {"seven, then eight", src, runs({{30, 7}, {38, 8}}), snk, 20, 38, 60},
-                 {"too short after it", src, runs({{15, 12}}), snk, 20, n, 60},
-                 {"last eight of RF", src, runs({{n - 8, 8}}), snk, 20, n - 8, 60},
-                 {"last seven of RF", src, runs({{n - 7, 7}}), snk, 20, n, 60},
-                 {"RF past the record", src, step(n + 7, 0.0, n - 1, 0.2), snk, 20, n - 1, 60},
-                 {"RF after the record", src, step(n + 20, 0.0, n, 0.2), snk, 20, n, 60},
-                 {"sink of 60 mV", src, rf, step(n, 0.0, 60, 0.06), 20, 40, 60},
-                 {"sink just below", src, rf, step(n, 0.0, 60, 0.0599), 20, 40, n},
-                 {"no traces", {}, {}, {}, n, n, n},
-                 {"short traces", src.mid(0, 20), rf.mid(0, 47), snk.mid(0, 60), n, n, n}}) {
-            const Delays found = computeDelays(n, sourceTrace, rfTrace, sinkTrace, axis, kvx);
-            QVERIFY2(found.instants.source == source && found.instants.sink == sink &&
-                         qRound((found.instants.rf + 0.5) * 100) == burst,
-                     name);
-        }
+        const Instants at = computeDelays(101, traces[0], traces[1], traces[2], axis, kvx).instants;
+        QTEST(QVector<int>({int(at.source), qRound((at.rf + 0.5) * 100), int(at.sink)}),
+              "expected");
     }
 
-    /// Edges at 300 (source), 500 (RF) and 600 (sink) of 1001 samples, over some axes.
-    void delaysOnAxes()
+    /// RF on the trigger, without a time axis; and a number of samples that makes no sense.
+    void delays()
     {
-        const double past = 100 / 99.0 - 0.5; // index 100 of 100 samples
-        for (const auto &[type, n, axes, expected] :
-             {std::tuple{kvx, 1001, 1, Delays{{-0.2, 0, 0.1}, 0, 300}}, // RF on the trigger
-              {lpa4004, 1001, 1, {{-0.24, 0, 0.12}, 0, 360}},
-              {kvx, 1001, 0, {{-0.2, 0, 0.1}, 0, 300}},
-              {kvx, 100, 1, {{past, past, past}, 0, 0}},
-              {kvx, 100, 2, {{-0.5, past, -0.5}, (past + 0.5) * 1000, 0}},
-              {lpa4004, 0, 1, {{-0.6, -0.6, -0.6}, 0, 0}},
-              {kvx, -5, 0, {{-0.5, -0.5, -0.5}, 0, 0}}}) {
-            QVector<double> axis;
-            for (int i = 0; i < axes; ++i) {
-                appendTimeAxis(n, type, &axis);
-            }
-            const Delays found = computeDelays(n, step(1001, 0, 300, 0.1), step(1001, 0, 500, 0.2),
-                                               step(1001, 0, 600, 0.1), axis, type);
-            const auto same = [](double a, double b) { return qAbs(a - b) < 1e-9; };
-            QVERIFY(same(found.instants.source, expected.instants.source) &&
-                    same(found.instants.rf, expected.instants.rf) &&
-                    same(found.instants.sink, expected.instants.sink) &&
-                    same(found.sourceToRf, expected.sourceToRf) &&
-                    same(found.sourceToSink, expected.sourceToSink));
-        }
+        const auto late = step(1001, 0, 600, 0.2);
+        const auto [at, toRf, toSink] = computeDelays(1001, step(1001, 0, 300, 0.1),
+                                                      step(1001, 0, 500, 0.2), late, {}, lpa4004);
+        QVERIFY(qRound(at.source * 1e6) == -240000 && qRound(at.sink * 1e6) == 120000);
+        QVERIFY(at.rf == 0.0 && toRf == 0.0 && qRound(toSink) == 360);
+        QCOMPARE(computeDelays(-5, late, late, late, {}, kvx).instants.sink, -0.5);
     }
 
     /// At its ceiling the axis is full, and another changes nothing.
     void envelopeAndTimeAxis()
     {
-        QVector<double> rf = {-80, -20, -50, qQNaN()};
+        Trace rf = {-80, -20, -50, qQNaN()};
         normaliseEnvelope(&rf);
-        QCOMPARE(rf.mid(0, 3), QVector<double>({0.0, 0.2, 0.1}));
+        QCOMPARE(rf.mid(0, 3), Trace({0.0, 0.2, 0.1}));
 
-        QVector<double> axes;
+        Trace axes;
         axes.reserve(maxVectorSize);
         axes.resize(maxVectorSize - 1);
         for (int i = 0; i < 2; ++i) {
@@ -185,78 +140,143 @@ private slots:
         }
     }
 
-    /// What the instruments see of a series of two, and the results.
+    void blocks_data()
+    {
+        const QByteArray data("\0\0\x80?", 4); // 1.0
+        const Trace one = {1.0};
+        QTest::addColumn<QByteArrayList>("messages");
+        QTest::addColumn<Trace>("expected");
+        const auto row = [](const char *name, const QByteArrayList &messages,
+                            const Trace &expected = {7.0}) { // as it was
+            QTest::newRow(name) << messages << expected;
+        };
+        row("ten digits", {"#:0000000004" + data}, one);
+        row("no number of digits", {"# " + data}, {});
+        row("fewer digits than announced", {"#94", data}, one);
+        row("a negative length", {"#2-4" + data}, {});
+        row("one sample and a half", {"#16" + data + data}, one);
+        row("no data", {"#14"});
+        row("text", {"0.1,0.2\n"});
+    }
+
+    /// What becomes of a trace by the answer to its query.
+    void blocks()
+    {
+        QFETCH(const QByteArrayList, messages);
+        QFETCH(const Trace, expected);
+        Line line;
+        line.answer = [&](auto &) { return messages; };
+        Trace trace = {7.0};
+        QCOMPARE(queryTrace(1, "CHAN1:DATA?\n", &trace), expected != trace);
+        QCOMPARE(trace, expected);
+    }
+
+    void series_data()
+    {
+        QTest::addColumn<QStringList>("groups"); // a command that fails ends its own, but for "&"
+        QTest::addColumn<QString>("toRf");
+        QTest::addColumn<QString>("toSink");
+        QTest::newRow("KVx") << QStringList{"sa < INIT:CONT OFF|osc < INIT:CONT OFF|osc < *TRG|"
+                                            "osc < FORM REAL,32|osc < CHAN1:DATA?",
+                                            "sa < FORM REAL,32|sa < TRAC? TRACE1, 11", "osc < RUNC"}
+                             << "100"
+                             << "700";
+        QTest::newRow("LPA4004") << QStringList{"sa < INIT:CONT OFF|osc < SING&|osc < FORM REAL,32|"
+                                                "osc < *TRG|osc < CHAN1:DATA?&|sa < SWE:POIN 11",
+                                                "osc < CHAN3:DATA?", "osc < RUN"}
+                                 << "120"
+                                 << "840";
+    }
+
+    /// What a series leaves in its folder, and what the instruments see of it; and what is still
+    /// sent when one of the commands is not. Then the traces are those of before.
     void series()
     {
-        for (const auto &[type, record, rf, release, toRf, toSink] :
-             {std::tuple{kvx, "osc < INIT:CONT OFF|osc < *TRG|osc < FORM REAL,32|osc < CHAN1:DATA?",
-                         "sa < FORM REAL,32|sa < TRAC? TRACE1, 11", "osc < RUNC", "100", "700"},
-              {lpa4004,
-               "osc < SING|osc < FORM REAL,32|osc < *TRG|osc < CHAN1:DATA?|sa < SWE:POIN 11",
-               "osc < CHAN3:DATA?", "osc < RUN", "120", "840"}}) {
-            const QString measurement = QString("sa < INIT:CONT OFF|") + record + '|' + rf +
-                                        "|va < READ:AVDA:TTV:STAT?|va < READ:AVDA:TTV:COUN?|"
-                                        "va < READ:AVDA:TTV:VAL?|osc < CHAN2:DATA?|";
-            Instruments visa(type);
-            visa.settings.count = 2;
-            visa.settings.rfFromOscilloscope = type == lpa4004;
-            visa.settings.measureHdmi = true;
-            visa.settings.save = true;
-            visa.settings.filePrefix = directory.filePath("data");
-            QCOMPARE(visa.run(), 0);
-            QCOMPARE(visa.written().join('|'),
-                     measurement + measurement + release + "|sa < INIT:CONT ON");
-            QCOMPARE(visa.record.rf, step(11, 0, 3, 0.2));
-            QCOMPARE(visa.record.time.size(), 2 * 11);
-            QCOMPARE(QString(takeResults()),
-                     QString("Source2RF Delay: %1 %1\nSource2RF Mean: %1\n"
-                             "Source2HD Delay: 95.5 95.5\nSource2HD Mean: 95.5\n"
-                             "Source2Snk Delay: %2 %2\nSource2Snk Mean: %2")
-                         .arg(toRf, toSink));
-        }
-    }
-
-    void retakes()
-    {
-        for (const auto &[start, accepted] :
-             {std::pair{double(std::nextafter(0.3F, 1.0F)), false},
-              {0.2999, true},
-              {double(-0.05F), false}, // the nearest float lies below -0.05
-              {-0.0499, true},
-              {qQNaN(), false}}) {
-            Instruments visa;
-            visa.sources = {2, step(11, start, 1, 0.15)};
-            visa.fails = [](auto &entry) { // a remark is no failure of a transfer
-                return entry.endsWith(">file") ? VI_SUCCESS_TERM_CHAR : VI_SUCCESS;
-            };
-            QCOMPARE(visa.run(), 0);
-            QVERIFY2(visa.attempts == (accepted ? 1 : 3), qPrintable(QString::number(start)));
-            QCOMPARE(visa.record.time.size(),
-                     visa.attempts * 11); // rejected records have their axes too
-        }
-    }
-
-    /// No measurement, no answer, no place for the results: the series ends all the same.
-    void withoutMeasurements()
-    {
-        Instruments visa;
-        visa.settings.count = 0;
+        QFETCH(QStringList, groups);
+        QFETCH(const QString, toRf);
+        QFETCH(const QString, toSink);
+        const QTemporaryDir directory;
+        Instruments visa(QString(QTest::currentDataTag()) == "KVx" ? kvx : lpa4004);
         visa.settings.save = true;
         visa.settings.filePrefix = directory.filePath("data");
         QCOMPARE(visa.run(), 0);
-        QCOMPARE(visa.written(), QStringList({"osc < RUN", "sa < INIT:CONT ON"}));
-        QVERIFY(takeResults().startsWith("Source2RF Delay:\nSource2RF Mean: nan\n"));
+        const Record &record = visa.record;
+        QByteArray files;
+        for (const QString &name : QDir(directory.path()).entryList(QDir::Files)) {
+            files += contents(directory.filePath(name));
+        }
+        QCOMPARE(files, bytesOf(record.rf) + bytesOf(record.sink) + bytesOf(record.source) +
+                            QString("Source2RF Delay: %1\nSource2RF Mean: %1\n"
+                                    "Source2HD Delay: 95.5\nSource2HD Mean: 95.5\n"
+                                    "Source2Snk Delay: %2\nSource2Snk Mean: %2")
+                                .arg(toRf, toSink)
+                                .toUtf8());
 
-        visa.settings.count = 1;
-        visa.settings.filePrefix = directory.filePath("missing/data");
-        QCOMPARE(visa.run(), -1);
-        QCOMPARE(visa.results.sourceToSink.mean, 840.0);
+        const QString release = groups.takeLast();
+        groups << "va < READ:AVDA:TTV:STAT?|va < READ:AVDA:TTV:COUN?|va < READ:AVDA:TTV:VAL?"
+               << "osc < CHAN2:DATA?" << release << "sa < INIT:CONT ON";
+        const int commands = groups.join('|').count('|') + 1;
+        visa.settings.save = false;
+        for (int failing = -1; failing < commands; ++failing) {
+            visa.takeTranscript();
+            visa.fails = [=, i = 0](auto &entry) mutable {
+                return entry.contains(" < ") && i++ == failing ? VI_ERROR_IO : VI_SUCCESS;
+            };
+            QCOMPARE(visa.run(), 0);
+            QStringList expected;
+            int number = -1;
+            for (const QString &group : qAsConst(groups)) {
+                bool hasEnded = false;
+                for (const QString &command : group.split('|')) {
+                    expected += hasEnded ? QStringList() : QStringList(command);
+                    hasEnded = hasEnded || (++number == failing && !command.endsWith('&'));
+                }
+            }
+            QCOMPARE(visa.written().join('|'), expected.join('|').remove('&'));
+            QCOMPARE(record.rf, step(11, 0, 3, 0.2));
+        }
+    }
 
-        visa.record = {};
+    void retakes_data()
+    {
+        QTest::addColumn<double>("start");
+        QTest::addColumn<int>("attempts");
+        QTest::newRow("above 0.3") << double(std::nextafter(0.3F, 1.0F)) << 3;
+        QTest::newRow("below 0.3") << 0.2999 << 1;
+        QTest::newRow("-0.05") << double(-0.05F) << 3; // the nearest float lies below it
+        QTest::newRow("above -0.05") << -0.0499 << 1;
+        QTest::newRow("NaN") << qQNaN() << 3;
+    }
+
+    /// Two records that start somewhere. Those that are rejected have their time axes, too.
+    void retakes()
+    {
+        QFETCH(const double, start);
+        QFETCH(const int, attempts);
+        Instruments visa;
+        visa.answer = [&, usual = visa.answer, left = 2](auto &command) mutable {
+            return command == "CHAN1:DATA?\n" && left-- > 0
+                       ? QByteArrayList() << blockOf(step(11, start, 1, 0.15))
+                       : usual(command);
+        };
+        visa.fails = [](auto &entry) { // a remark is no failure of a transfer
+            return entry.endsWith(">file") ? VI_SUCCESS_TERM_CHAR : VI_SUCCESS;
+        };
+        QCOMPARE(visa.run(), 0);
+        QCOMPARE(visa.written().filter("CHAN1:DATA?").size(), attempts);
+        QCOMPARE(visa.record.time.size(), attempts * 11);
+    }
+
+    /// No HDMI delay, then no answer: the series ends all the same.
+    void silence()
+    {
+        Instruments visa;
+        visa.answers["READ:AVDA:TTV:STAT?\n"] = "0\n";
         visa.fails = [](auto &entry) { // it never answered: there is no record to wait for
             return entry.startsWith("osc") ? VI_ERROR_INV_OBJECT : VI_SUCCESS;
         };
-        QCOMPARE(visa.run(), -1);
+        QCOMPARE(visa.run(), 0);
+        QCOMPARE(visa.results.sourceToHdmi.values, Trace{0.0});
     }
 };
 

@@ -1,9 +1,7 @@
 #pragma once
 
 #include <QByteArray>
-#include <QDir>
 #include <QFile>
-#include <QMap>
 #include <QString>
 #include <QVector>
 
@@ -36,20 +34,4 @@ inline bool write(const QString &fileName, const QByteArray &bytes = {})
 {
     QFile file(fileName);
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
-}
-
-/// The contents of all files in a directory, by their names.
-inline QMap<QString, QByteArray> filesIn(const QString &directory)
-{
-    QMap<QString, QByteArray> files;
-    for (const QString &name : QDir(directory).entryList(QDir::AllEntries | QDir::NoDotAndDotDot)) {
-        files[name] = contents(directory + '/' + name);
-    }
-    return files;
-}
-
-/// How many files and the like this process has open.
-inline int openDescriptors()
-{
-    return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System).size();
 }

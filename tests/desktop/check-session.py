@@ -29,12 +29,9 @@ for name, low, high in ("Source2RF", 36, 54), ("Source2HD", 0, 0), ("Source2Snk"
     expect(abs(mean - sum(values) / 5) <= 1e-5 * mean, f"the mean of {name}")  # of six digits each
 
 # Traces: every set holds the last record, of 12000 doubles.
-prefix = str(results).removesuffix("Results.txt")
-sets = [[pathlib.Path(f"{prefix}{number:03}_{kind}.bin").read_bytes() for kind in ("src", "rf", "snk")]
-        for number in range(1, 6)]
-expect(len(list(data.glob("*.bin"))) == 15, "not 15 traces")
-expect(all(traces == sets[0] for traces in sets), "the sets differ")
-expect(len(set(sets[0])) == 3 and all(len(trace) == 8 * 12000 for trace in sets[0]), "the traces")
+traces = [path.read_bytes() for path in sorted(data.glob("*_0*.bin"))]
+expect(len(traces) == 15 and len(set(traces)) == 3 and traces[:3] * 5 == traces, "the sets of traces")
+expect(all(len(trace) == 8 * 12000 for trace in traces), "the length of traces")
 expect(not list((folder / ".desktop-session/tmp").iterdir()), "temporary files are left")
 
 settings = (data / "OrvantaDemo/OrvantaDemo.cfg").read_text()

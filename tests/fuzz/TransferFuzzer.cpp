@@ -1,15 +1,12 @@
-// Traces from an instrument that sends what it likes, as it likes: their transfer, their delays and
-// their files. Input: the bytes that it sends; from its end, what it does at each call.
+// Traces from an instrument that sends what it likes, as it likes: their transfer and their delays.
+// Input: the bytes that it sends; from its end, what it does at each call.
 
 #include "instrument/VisaBinding.h"
 #include "measurement/DelayComputation.h"
 #include "measurement/RfEnvelope.h"
 #include "measurement/TimeAxis.h"
-#include "measurement/TraceFile.h"
 #include "measurement/WaveformTransfer.h"
 #include "Require.h"
-
-#include <QTemporaryDir>
 
 #include <cmath>
 #include <fuzzer/FuzzedDataProvider.h>
@@ -71,14 +68,5 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     appendTimeAxis(traces[0].size(), type, &axis);
     const Delays delays = computeDelays(n, traces[0], traces[1], traces[2], axis, type);
     require(n == 1 || std::isfinite(delays.instants.rf), "an RF instant is on the axis");
-
-    static const QTemporaryDir directory;
-    const QString name = directory.filePath("trace.bin");
-    QVector<double> loaded;
-    int count = -1;
-    require(saveTrace(name, traces[0], n) == 0 && loadTrace(name, &loaded, &count) == 0 &&
-                count == std::clamp(n, 0, traces[0].size()) &&
-                bytesOf(loaded) == bytesOf(traces[0].mid(0, count)),
-            "a file has the first samples, no more than there are");
     return 0;
 }
