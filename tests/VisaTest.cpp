@@ -75,9 +75,6 @@ private slots:
         QCOMPARE(viClear(list), VI_ERROR_NSUP_OPER);
         QCOMPARE(viFindRsrc(manager, "?*::INST", &list, &count, name.data()), VI_ERROR_RSRC_NFOUND);
         QCOMPARE(viFindRsrc(manager, "?*)", &list, &count, name.data()), VI_ERROR_INV_EXPR);
-        QCOMPARE(viFindRsrc(manager, QByteArray(256, '?'), &list, &count, name.data()),
-                 VI_ERROR_INV_EXPR);
-
         using Row = std::pair<const char *, ViStatus>;
         for (const auto &[resource, status] : {Row{"tcpip7::Scope::INST0", VI_SUCCESS},
                                                {"TCPIP0::printer", VI_ERROR_RSRC_NFOUND},
@@ -89,12 +86,6 @@ private slots:
             QVERIFY2(viOpen(manager, resource, VI_NO_LOCK, 0, &session) == status, resource);
             QCOMPARE(session != 0, status == VI_SUCCESS);
         }
-        ViUInt16 type = 0;
-        ViUInt16 board = 0;
-        QCOMPARE(viParseRsrcEx(manager, "gpib3::7", &type, &board, nullptr, name.data(), nullptr),
-                 VI_SUCCESS);
-        QVERIFY(type == VI_INTF_GPIB && board == 3);
-        QCOMPARE(QByteArray(name.data()), QByteArray("GPIB3::7::INSTR"));
     }
 
     void deadHandles()
@@ -107,11 +98,9 @@ private slots:
         QCOMPARE(viClose(0), VI_WARN_NULL_OBJECT);
         ViSession session = 0;
         ViByte byte = 'x';
-        ViUInt16 number = 0;
         std::array<char, 256> text{};
         for (const ViSession dead : {closed + 1, closed, closedManager}) {
             QCOMPARE(viFindRsrc(dead, "?*", &session, nullptr, text.data()), VI_ERROR_INV_OBJECT);
-            QCOMPARE(viParseRsrc(dead, "", &number, &number), VI_ERROR_INV_OBJECT);
             QCOMPARE(viDisableEvent(dead, 0, 0), VI_ERROR_INV_OBJECT);
             QCOMPARE(viOpen(dead, scope, VI_NO_LOCK, 0, &session), VI_ERROR_INV_OBJECT);
             QCOMPARE(viRead(dead, &byte, 1, nullptr), VI_ERROR_INV_OBJECT);
@@ -166,9 +155,7 @@ private slots:
         for (const auto &[attribute, bits, number] :
              {std::tuple<ViAttr, unsigned, ViUInt64>{VI_ATTR_TMO_VALUE, 32, 2000},
               {VI_ATTR_TERMCHAR, 8, '\n'},
-              {VI_ATTR_SEND_END_EN, 16, 1},
               {VI_ATTR_INTF_TYPE, 16, 6},
-              {VI_ATTR_INTF_NUM, 16, 0},
               {VI_ATTR_RM_SESSION, 32, manager},
               {VI_ATTR_RSRC_SPEC_VERSION, 32, 0x300000}}) {
             QCOMPARE(get(second, attribute), (untouched >> bits << bits | number));
@@ -180,9 +167,7 @@ private slots:
         QCOMPARE(static_cast<ViUInt32>(get(first, VI_ATTR_TMO_VALUE)), 5000U);
         QCOMPARE(static_cast<ViUInt32>(get(second, VI_ATTR_TMO_VALUE)), 2000U);
         QCOMPARE(viSetAttribute(first, VI_ATTR_TERMCHAR_EN, 2), VI_ERROR_NSUP_ATTR_STATE);
-        QCOMPARE(viSetAttribute(first, VI_ATTR_TERMCHAR, 256), VI_ERROR_NSUP_ATTR_STATE);
         QCOMPARE(viSetAttribute(first, VI_ATTR_RSRC_NAME, 0), VI_ERROR_ATTR_READONLY);
-        QCOMPARE(viSetAttribute(first, VI_ATTR_RM_SESSION, 0), VI_ERROR_ATTR_READONLY);
         QCOMPARE(viSetAttribute(first, 1, 1), VI_ERROR_NSUP_ATTR);
         QCOMPARE(viSetAttribute(manager, VI_ATTR_TMO_VALUE, 1), VI_ERROR_NSUP_ATTR);
         std::array<char, VI_FIND_BUFLEN> text{};
