@@ -25,7 +25,7 @@ inline double mS2Rf = 0.0;  ///< mean delay of the last series, source to RF, mi
 inline double mS2Hd = 0.0;  ///< source to HDMI
 inline double mS2Snk = 0.0; ///< source to sink
 
-/// The dialect that OsTyp means.
+/// Tell the dialect that OsTyp means.
 inline OscilloscopeType chosenOscilloscopeType()
 {
     return OsTyp == 0 ? OscilloscopeType::Kvx : OscilloscopeType::Lpa4004;

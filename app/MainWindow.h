@@ -29,9 +29,9 @@ public slots:
     int LoadCfgFile(const QString &fnam);
     /// Write the widgets' state to a settings file. Returns 0.
     int SaveCfgFile(const QString &fnam);
-    /// saveTrace().
+    /// Call saveTrace().
     int SaveBinFile(const QString &fnam, const QVector<double> &d, ViInt32 cnt);
-    /// loadTrace(), with a message box when the file cannot be opened.
+    /// Call loadTrace(), with a message box when the file cannot be opened.
     int LoadBinFile(const QString &fnam, QVector<double> *d, ViInt32 *cnt);
 
 private slots:
@@ -40,7 +40,7 @@ private slots:
 
     /// Run the series of measurements that the window describes: runSeries().
     int Meas(QVector<double> *d1, QVector<double> *d2, QVector<double> *d3, QVector<double> *t);
-    /// computeDelays(), into the program-wide instants and the two delays (milliseconds).
+    /// Call computeDelays(), into the program-wide instants and the two delays (milliseconds).
     void CalcDeltaT2(int pts, QVector<double> *d1, QVector<double> *d2, QVector<double> *d3,
                      QVector<double> *t, double *Src2Rf, double *Src2Snk);
     void on_VaHdmi_clicked(bool checked);
@@ -51,9 +51,9 @@ private slots:
     void on_VaInit_clicked();
     void on_Start_clicked();
     void on_OsTyp_currentIndexChanged(int index);
-    /// queryTrace().
+    /// Call queryTrace().
     bool ReadArray(ViSession hdl, const QString &cmd, QVector<double> *arr);
-    /// readTrace().
+    /// Call readTrace().
     bool IntReadArray(ViSession hdl, QVector<double> *arr);
 
 private:

@@ -2,5 +2,5 @@
 
 #include "simulator/Bench.h"
 
-/// The bench of this process, which its VISA sessions talk to; for tests, between their calls.
+/// Give access to the bench of this process's VISA sessions; for tests, between their calls.
 simulator::Bench &bench();

@@ -73,5 +73,5 @@ ViStatus iaScanf_s(ViSession session, QString *reply);
 /// Read a number of at most 100 bytes; the value is set whatever the read returned.
 ViStatus iaScanf_f(ViSession session, double *value);
 
-/// The text up to and including its first "\n"; empty when it has none.
+/// Cut a text off after its first "\n"; nothing is left when it has none.
 QString rstrip(const QString &text);

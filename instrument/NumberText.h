@@ -4,8 +4,8 @@
 
 // Numbers as instruments, results and fields write them, whatever the operator's locale.
 
-/// A number as text: at most six significant digits without trailing zeros, "." as the decimal
-/// point, the shorter of fixed and exponent notation.
+/// Write a number as text: at most six significant digits without trailing zeros, "." as the
+/// decimal point, the shorter of fixed and exponent notation.
 inline QString numberText(double value)
 {
     return QString::number(value, 'g', 6);

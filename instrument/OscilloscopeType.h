@@ -8,7 +8,7 @@ enum class OscilloscopeType
     Lpa4004,
 };
 
-/// How long the dialect's record lasts, in seconds; the trigger is at its middle.
+/// Tell how long the dialect's record lasts, in seconds; the trigger is at its middle.
 constexpr double recordSpan(OscilloscopeType type)
 {
     double span = 0.0;

@@ -69,7 +69,7 @@ using Lock = ViStatus(ViSession session, ViAccessMode lockType, ViUInt32 timeout
 using Unlock = ViStatus(ViSession session);
 } // namespace visa
 
-/// A status code from the 32-bit pattern that VPP-4.3 lists (errors have the top bit set).
+/// Make a status code from the 32-bit pattern that VPP-4.3 lists (errors have the top bit set).
 constexpr ViStatus visaStatus(ViUInt32 pattern)
 {
     return static_cast<ViStatus>(pattern);

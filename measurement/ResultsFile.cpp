@@ -144,8 +144,8 @@ bool writeResults(const QString &fileName, const SeriesResults &results)
     const QString text = paragraph("Source2RF", results.sourceToRf) + '\n' +
                          paragraph("Source2HD", results.sourceToHdmi) + '\n' +
                          paragraph("Source2Snk", results.sourceToSink);
-    file.write(text.toUtf8());
-    if (!file.flush()) { // which commit() does not notice
+    const QByteArray bytes = text.toUtf8();
+    if (file.write(bytes) != bytes.size() || !file.flush()) { // neither is noticed by commit()
         file.cancelWriting();
     }
     return file.commit();

@@ -14,7 +14,7 @@ class TransferFile
 public:
     TransferFile();
 
-    /// Empty when there is no such file to be had.
+    /// Tell its name, empty when there is no such file to be had.
     [[nodiscard]] QString name() const;
 
     /// Read what VISA has written; nothing when that cannot be read.

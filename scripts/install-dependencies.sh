@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what the given kinds of work need and the machine lacks: Debian 12, Ubuntu 24.04 and
-# later. Where it cannot install, it goes on if the commands are there all the same.
+# Installs what the given kinds of work need and the machine lacks, by the names that Debian 12 has.
+# Where it cannot install, it goes on if the commands are there all the same.
 # Usage: install-dependencies.sh GROUP...
 set -euo pipefail
 

@@ -86,7 +86,7 @@ public:
                                            const Receiver &receiver = {}) const;
 
     [[nodiscard]] const Instants &instants() const { return truth; }
-    /// Whether the source record starts implausibly high.
+    /// Tell whether the source record starts implausibly high.
     [[nodiscard]] bool isOverloaded() const { return overloaded; }
 
 private:

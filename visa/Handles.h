@@ -54,8 +54,8 @@ private:
     ViObject last = 0;
 };
 
-/// The handles of this process. At its end all are closed: a device is told, and has its
-/// connections for others.
+/// Give access to the handles of this process. At its end all are closed: a device is told, and has
+/// its connections for others.
 Handles &handles();
 
 } // namespace visa

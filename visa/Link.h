@@ -78,11 +78,11 @@ public:
     /// VI_ERROR_RSRC_NFOUND when there is none, VI_ERROR_TMO, VI_ERROR_ALLOC.
     virtual ViStatus open(const ResourceName &name, Deadline deadline,
                           std::unique_ptr<Link> *link) = 0;
-    /// Full resource strings of the devices that can be found, in the order of the listing.
+    /// List full resource strings of the devices that can be found, in the order of the listing.
     virtual std::vector<std::string> list() = 0;
 };
 
-/// The backend of the library that is linked; every VISA library defines it, once.
+/// Give access to the backend of the library that is linked; every VISA library defines it, once.
 Backend &backend();
 
 } // namespace visa

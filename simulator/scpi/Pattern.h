@@ -43,7 +43,7 @@ public:
     /// match only.
     Match match(std::string_view header, Suffixes *suffixes) const;
 
-    /// The greatest value of each suffix, 1 where there is none.
+    /// Tell the greatest value of each suffix, 1 where there is none.
     [[nodiscard]] const Suffixes &largestSuffixes() const { return largest; }
 
 private:
