@@ -143,6 +143,7 @@ private slots:
         QFETCH(const QString, folder);
         Instruments bench(OscilloscopeType::Lpa4004, true, "analyzer");
         const QTemporaryDir results;
+        const QTemporaryDir other;
         bench.series.count = 3;
         bench.series.save = true;
         bench.series.filePrefix = results.path() + folder;
@@ -150,8 +151,13 @@ private slots:
         const rlimit limit{rlim_t(room), RLIM_INFINITY};
         QCOMPARE(setrlimit(RLIMIT_FSIZE, &limit), 0);
         const int returned = bench.run();
+        SeriesResults many; // more than is written at once
+        many.sourceToRf.values.fill(1.5, 20000);
+        const bool isWhole = writeResults(other.filePath("many"), many);
         const rlimit usual{RLIM_INFINITY, RLIM_INFINITY};
         QCOMPARE(setrlimit(RLIMIT_FSIZE, &usual), 0);
+        QCOMPARE(isWhole, room == INT_MAX);
+        QCOMPARE(QDir(other.path()).isEmpty(), room != INT_MAX);
         QTEST(returned, "result");
         QTEST(QDir(results.path()).entryList(QDir::Files).size(), "files");
     }
