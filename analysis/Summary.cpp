@@ -106,8 +106,7 @@ QString oscilloscopeLine(const Series &series)
 QString summarise(const Series &series)
 {
     QString text = QString("%1\nSeries of %2, %3 measurements\n")
-                       .arg(series.fileName, seriesName(series))
-                       .arg(series.count()) +
+                       .arg(series.fileName, seriesName(series), QString::number(series.count())) +
                    oscilloscopeLine(series) + headingLine();
     QString flags;
     for (const DelayKind kind : delayKinds) {

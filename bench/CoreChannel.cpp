@@ -18,9 +18,21 @@ constexpr quint32 receiveSize = 65536;
 constexpr int linksPerDevice = 16; // as hardware has them
 constexpr int retryInterval = 1;   // ms
 
-QByteArray error(Error code)
+/// The results of a procedure that failed, whose other words are there, too (VXI-11 1.0, C.1).
+QByteArray error(Error code, quint32 procedure)
 {
-    return xdrWords({code});
+    switch (procedure) {
+    case CreateLink:
+        return xdrWords({code, 0, 0, 0});
+    case DeviceRead:
+        return xdrWords({code, 0, 0});
+    case DeviceWrite:
+    case DeviceReadStb:
+    case DeviceDoCmd:
+        return xdrWords({code, 0});
+    default:
+        return xdrWords({code});
+    }
 }
 
 bool isOver(Clock::time_point until)
@@ -142,14 +154,12 @@ CoreChannel::Results CoreChannel::results(const CoreCall &call, Clock::time_poin
     case DeviceLock:
     case DeviceUnlock:
         break;
-    case DeviceDoCmd:
-        return xdrWords({NotSupported, 0});
     default:
-        return error(NotSupported);
+        return error(NotSupported, call.procedure);
     }
     const auto found = links.find(call.link);
     if (found == links.end()) {
-        return error(InvalidLink);
+        return error(InvalidLink, call.procedure);
     }
     Link &link = *found->second;
     if (std::exchange(link.device.faults.connectionLost, false)) {
@@ -157,8 +167,9 @@ CoreChannel::Results CoreChannel::results(const CoreCall &call, Clock::time_poin
         return std::nullopt;
     }
     if (call.procedure != DeviceUnlock && isLockedOut(link.device, &link)) {
-        return isOver(lockTimeOut(call, link.device, began)) ? Results(error(LockedByAnother))
-                                                             : std::nullopt;
+        return isOver(lockTimeOut(call, link.device, began))
+                   ? Results(error(LockedByAnother, call.procedure))
+                   : std::nullopt;
     }
     return linkResults(call, link, began);
 }
@@ -167,16 +178,16 @@ CoreChannel::Results CoreChannel::createLink(const CoreCall &call, Clock::time_p
 {
     const bool isOwn = call.data.toLower() == "inst0";
     Device *device = isOwn ? ownDevice : laboratory.find(call.data.toStdString());
-    const auto refusal = [](Error code) { return xdrWords({code, 0, 0, 0}); };
     if (device == nullptr) {
-        return refusal(NotAccessible);
+        return error(NotAccessible, CreateLink);
     }
     if (device->links == linksPerDevice) {
-        return refusal(OutOfResources);
+        return error(OutOfResources, CreateLink);
     }
     if (call.lockDevice && isLockedOut(*device, nullptr)) {
-        return isOver(lockTimeOut(call, *device, began)) ? Results(refusal(LockedByAnother))
-                                                         : std::nullopt;
+        return isOver(lockTimeOut(call, *device, began))
+                   ? Results(error(LockedByAnother, CreateLink))
+                   : std::nullopt;
     }
     const quint32 id = laboratory.nextLink++;
     links[id] = std::make_unique<Link>(*device);
@@ -192,7 +203,7 @@ QByteArray CoreChannel::destroyLink(quint32 id)
 {
     const auto link = links.find(id);
     if (link == links.end()) {
-        return error(InvalidLink);
+        return error(InvalidLink, DestroyLink);
     }
     Device &device = link->second->device;
     --device.links;
@@ -200,7 +211,7 @@ QByteArray CoreChannel::destroyLink(quint32 id)
         device.lockHolder = nullptr;
     }
     links.erase(link);
-    return error(None);
+    return error(None, DestroyLink);
 }
 
 CoreChannel::Results CoreChannel::linkResults(const CoreCall &call, Link &link,
@@ -234,11 +245,11 @@ CoreChannel::Results CoreChannel::linkResults(const CoreCall &call, Link &link,
         break;
     default: // DeviceUnlock
         if (device.lockHolder != &link) {
-            return error(NoLockHeld);
+            return error(NoLockHeld, DeviceUnlock);
         }
         device.lockHolder = nullptr;
     }
-    return error(None);
+    return error(None, call.procedure);
 }
 
 CoreChannel::Results CoreChannel::read(const CoreCall &call, Link &link, Clock::time_point until)
@@ -251,7 +262,7 @@ CoreChannel::Results CoreChannel::read(const CoreCall &call, Link &link, Clock::
         if (!hasAnswer) {
             link.device.read(link.client, call.requestSize, {}); // which is the client's error
         }
-        return xdrWords({IoTimeout, 0, 0});
+        return error(IoTimeout, DeviceRead);
     }
     std::optional<char> termination;
     if ((call.flags & TermCharSet) != 0) {

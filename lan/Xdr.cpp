@@ -2,6 +2,8 @@
 
 #include <QIODevice>
 
+#include <algorithm>
+
 namespace lan {
 
 namespace {
@@ -40,7 +42,8 @@ QByteArray readOpaque(QDataStream &from, const QByteArray &message)
         return {};
     }
     const int size = static_cast<int>(count);
-    from.skipRawData(size + padding(size)); // some senders end without the zeros
+    // Some senders end without the zeros.
+    from.skipRawData(std::min(size + padding(size), bytes.size()));
     return QByteArray::fromRawData(bytes.constData(), size);
 }
 

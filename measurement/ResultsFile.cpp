@@ -86,17 +86,16 @@ bool readResults(const QString &fileName, SeriesResults *results, QString *reaso
         *reason = "is not a results file: it does not begin with \"Source2RF Delay:\"";
         return false;
     }
-    QByteArrayList lines = QByteArray(text).replace("\r\n", "\n").split('\n');
-    if (lines.last().isEmpty()) {
-        lines.removeLast(); // an editor ends the last line, too
-    }
-    if (lines.size() != 6) {
+    // Editors end the last line, too.
+    const int lineCount = text.count('\n') + (text.endsWith('\n') ? 0 : 1);
+    if (lineCount != 6) {
         *reason =
-            QString(lines.size() < 6 ? "is cut off: it has %1 of 6 lines"
-                                     : "is not one results file: it has %1 lines instead of 6")
-                .arg(lines.size());
+            QString(lineCount < 6 ? "is cut off: it has %1 of 6 lines"
+                                  : "is not one results file: it has %1 lines instead of 6")
+                .arg(lineCount);
         return false;
     }
+    const QByteArrayList lines = QByteArray(text).replace("\r\n", "\n").split('\n');
     const auto fail = [reason](int line, const QString &what) {
         *reason = QString("has a wrong line %1: %2").arg(line + 1).arg(what);
         return false;

@@ -206,7 +206,6 @@ private slots:
             << changed("46.5", "4x6.5") << "has a wrong line 1: \"4x6.5\" is not a number";
         QTest::newRow("two blanks")
             << changed(" 46.5", "  46.5") << "has a wrong line 1: \"\" is not a number";
-        QTest::newRow("out of range") << changed("46.5", "1e999") << "\"1e999\" is not a number";
         QTest::newRow("lines swapped") << changed("Source2HD Delay", "Source2Snk Delay")
                                        << "has a wrong line 3: it does not begin with \"Source2HD";
     }
@@ -231,8 +230,8 @@ private slots:
     void texts()
     {
         const QTemporaryDir folder;
-        QVERIFY(QDir(folder.path()).mkdir("a, \"b\""));
-        const QString path = folder.filePath("a, \"b\"");
+        QVERIFY(QDir(folder.path()).mkdir("a, \"b\" %1"));
+        const QString path = folder.filePath("a, \"b\" %1");
         const QString file = save(path, {44, 501, 45}, {0, 0, 0}, {119, 121, 120});
         const Series series = open(file);
         const QString quoted = '"' + QString(file).replace('"', "\"\"") + '"';
@@ -243,6 +242,7 @@ private slots:
                 quoted + ",3,45,0,120,\n");
         const QStringList lines = summarise(series).split('\n');
         QCOMPARE(lines.size(), 11);
+        QCOMPARE(lines[0], file);
         QCOMPARE(lines[1], QString("Series of 2026-03-05 14:07:09, 3 measurements"));
         QCOMPARE(lines[2], QString("Oscilloscope KVx, records of 1001 samples, 1 ms apart"));
         QCOMPARE(lines[5].simplified(),

@@ -26,7 +26,6 @@ expect() {
 }
 expect 0 '^Source to sink +5 +1[01][0-9](\.[0-9]+)? +1' --summary "${series[0]}"
 expect 0 '^Source to RF +0 +0 to 0, no diff|^Source to RF .* to ' --summary "${series[@]}"
-expect 0 'unknown.*alone_001_src.bin cannot be read' --summary "$scratch/alone_Results.txt"
 expect 1 'changed_Results.txt has a wrong line 2: the mean' --summary "$scratch" "${series[0]}"
 expect 1 '^Source to sink +5 ' --summary "$scratch/none" "${series[0]}"
 expect 1 'none does not exist\.$' --csv "$scratch/none" "${series[0]}"
@@ -43,6 +42,12 @@ sed '/Mean/d; 1s/: \([^ ]*\) [^ ]*/: \1 \1/; 5s/: \([^ ]*\) [^ ]*/: \1 \1/' \
 expect 2 '^Flag: Source to RF, 1 of 5: nothing new arrived.*\(measurement 2\)' \
     --summary "$scratch/changed_Results.txt"
 
+mkfifo "$scratch/pipe"
+expect 1 'it is no ordinary file' --csv --output "$scratch/pipe" "${series[0]}"
+if (trap '' XFSZ; ulimit -f 0; "$executable" --csv --output "$scratch/full.csv" "${series[0]}" 2>/dev/null); then
+    echo "A full disk was not noticed" >&2
+    exit 1
+fi
 expect 0 '' --csv --output "$scratch/values.csv" "${series[@]}"
 (($(wc -l <"$scratch/values.csv") == 11)) || { echo "The CSV is not 11 lines" >&2; exit 1; }
 for kind in pdf png svg; do

@@ -176,9 +176,13 @@ bool exportPages(int count, const std::function<Page(int)> &makePage, const QStr
 bool writeWhole(const QString &fileName, const QByteArray &bytes, QString *problem)
 {
     QSaveFile file(fileName);
-    if (file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.commit()) {
+    const bool isDevice = QFileInfo::exists(fileName) && !QFileInfo(fileName).isFile();
+    // What cannot be flushed commit() does not notice, and a device it would replace by a file.
+    if (!isDevice && file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
+        file.flush() && file.commit()) {
         return true;
     }
-    *problem = QString("%1 cannot be written: %2.").arg(fileName, file.errorString());
+    *problem = QString("%1 cannot be written: %2.")
+                   .arg(fileName, isDevice ? "it is no ordinary file" : file.errorString());
     return false;
 }

@@ -114,6 +114,10 @@ class NetworkTest(unittest.TestCase):
                 self.assert_fails(StatusCode.error_timeout, one.read)
                 one.timeout = 10000
                 self.assertEqual(one.read(), "1\n")
+                two.write("BENCH:FAUL BUSY,300ms")
+                for refused in one.read, one.read_stb, lambda: one.write("*IDN?"):
+                    self.assertRaises(pyvisa.VisaIOError, refused)
+                time.sleep(0.4)
 
     def test_faults(self):
         for library in OUR_LIBRARIES:
