@@ -24,10 +24,9 @@ const QStringList kvx = {
     "local CHAN3:SCAL 200e-3|CHAN:DIGF:CUT 100e3|CHAN1:BAND B20|TRIG1:LEV1 0.125|TRIG1:MODE NORM|"
     "TRIG1:ANED:NREJ ON|TRIG1:HOLD:MODE TIME|TRIG1:HOLD:TIME 1.3|TRIG1:OUT:STAT ON|FORM ASC|"
     "EXP:WAV:INCX OFF|RUN"};
-const QStringList kvxWithReset = {"ignore SYST:ERR?|*RST", kvx[1],
-                                  "fallback CHAN3 ON;CHAN3:RANG 0.5|CHAN3:POS -3.0;CHAN3:COUP DC|"
-                                  "CHAN3:TYPE RMS",
-                                  kvx[2], kvx[3]};
+const char *const ifChannel =
+    "fallback CHAN3 ON;CHAN3:RANG 0.5|CHAN3:POS -3.0;CHAN3:COUP DC|CHAN3:TYPE RMS";
+const QStringList kvxWithReset = {"ignore SYST:ERR?|*RST", kvx[1], ifChannel, kvx[2], kvx[3]};
 const QStringList lpa4004 = {
     "ignore SYST:ERR?|*RST",
     "stop TRIG:B:ENAB OFF|TRIG:A:TYPE EDGE|TRIG:A:SOUR CH1|TRIG:A:ENAB ON|TRIG:A:MODE NORM|"

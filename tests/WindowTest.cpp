@@ -53,7 +53,7 @@ struct Window : MainWindow
         return find<QWidget>("Start")->isEnabled();
     }
     /// All that the window keeps in its settings, as it shows it: texts, check boxes, type.
-    QString shown() const
+    [[nodiscard]] QString shown() const
     {
         QStringList values;
         for (const char *name : {"OsIp", "SaIp", "VaIp", "OsTrgLvl", "SaFrq", "VaThres"}) {
