@@ -89,10 +89,9 @@ bool readResults(const QString &fileName, SeriesResults *results, QString *reaso
     // Editors end the last line, too.
     const int lineCount = text.count('\n') + (text.endsWith('\n') ? 0 : 1);
     if (lineCount != 6) {
-        *reason =
-            QString(lineCount < 6 ? "is cut off: it has %1 of 6 lines"
-                                  : "is not one results file: it has %1 lines instead of 6")
-                .arg(lineCount);
+        *reason = QString(lineCount < 6 ? "is cut off: it has %1 of 6 lines"
+                                        : "is not one results file: it has %1 lines instead of 6")
+                      .arg(lineCount);
         return false;
     }
     const QByteArrayList lines = QByteArray(text).replace("\r\n", "\n").split('\n');
