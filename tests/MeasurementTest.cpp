@@ -3,7 +3,6 @@
 #include "measurement/MeasurementRun.h"
 #include "measurement/RfEnvelope.h"
 #include "measurement/TimeAxis.h"
-#include "measurement/VectorCapacity.h"
 #include "measurement/WaveformTransfer.h"
 
 #include <QtTest>
@@ -124,20 +123,11 @@ private slots:
         QCOMPARE(computeDelays(-5, late, late, late, {}, kvx).instants.sink, -0.5);
     }
 
-    /// At its ceiling the axis is full, and another changes nothing.
-    void envelopeAndTimeAxis()
+    void envelope()
     {
         Trace rf = {-80, -20, -50, qQNaN()};
         normaliseEnvelope(&rf);
         QCOMPARE(rf.mid(0, 3), Trace({0.0, 0.2, 0.1}));
-
-        Trace axes;
-        axes.reserve(maxVectorSize);
-        axes.resize(maxVectorSize - 1);
-        for (int i = 0; i < 2; ++i) {
-            appendTimeAxis(1001, kvx, &axes);
-            QVERIFY(axes.size() == maxVectorSize && axes.last() == -0.5);
-        }
     }
 
     void blocks_data()

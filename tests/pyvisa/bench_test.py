@@ -117,19 +117,6 @@ class BenchTest(unittest.TestCase):
                 raised.exception.error_code, StatusCode.error_nonsupported_operation
             )
 
-    def test_exits(self):
-        """At the end of the process, while a thread is still talking."""
-        script = (
-            "import pyvisa, sys, threading; manager = pyvisa.ResourceManager(sys.argv[1] + '@ivi'); "
-            "scope = manager.open_resource('TCPIP0::scope::INSTR'); "
-            "query = lambda: [scope.query('*IDN?') for _ in iter(int, 1)]; "
-            "threading.Thread(target=query, daemon=True).start(); "
-            "import ctypes; ctypes.CDLL(None).exit(0)"
-        )
-        for _ in range(5):
-            command = [sys.executable, "-X", "dev", "-c", script, LIBRARY]
-            subprocess.run(command, check=True, stderr=subprocess.DEVNULL, timeout=60)
-
 
 if __name__ == "__main__":
     unittest.main()
