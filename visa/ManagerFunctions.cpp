@@ -32,7 +32,7 @@ void copyText(ViChar *buffer, std::string_view text)
 
 ViStatus findNames(const char *expression, std::deque<std::string> *names)
 {
-    const std::string_view text(expression, strnlen(expression, VI_FIND_BUFLEN));
+    const std::string text(expression, strnlen(expression, VI_FIND_BUFLEN));
     if (text.size() == VI_FIND_BUFLEN || !visa::matchesExpression(text, "")) {
         return VI_ERROR_INV_EXPR;
     }

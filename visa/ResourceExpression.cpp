@@ -2,14 +2,12 @@
 
 #include <re2/re2.h>
 
-#include <string>
-
 namespace visa {
 
 namespace {
 
 /// Write an expression of viFindRsrc as RE2 has it.
-std::string re2Expression(std::string_view expression)
+std::string re2Expression(const std::string &expression)
 {
     std::string result;
     bool inList = false;
@@ -33,14 +31,14 @@ std::string re2Expression(std::string_view expression)
 
 } // namespace
 
-std::optional<bool> matchesExpression(std::string_view expression, std::string_view text)
+std::optional<bool> matchesExpression(const std::string &expression, const std::string &text)
 {
     RE2::Options options(RE2::Latin1);
     options.set_case_sensitive(false);
     options.set_dot_nl(true);
     options.set_log_errors(false);
     const RE2 compiled(re2Expression(expression), options);
-    const bool hasConditions = expression.find_first_of("{}") != std::string_view::npos;
+    const bool hasConditions = expression.find_first_of("{}") != std::string::npos;
     if (!compiled.ok() || hasConditions) {
         return std::nullopt;
     }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <optional>
-#include <string_view>
+#include <string>
 
 namespace visa {
 
@@ -9,6 +9,6 @@ namespace visa {
 /// brackets, * and + for repetitions, |, parentheses, a backslash before an ordinary character)
 /// matches all of the text, in any letter case. Nothing when it is malformed, or has conditions on
 /// attributes.
-std::optional<bool> matchesExpression(std::string_view expression, std::string_view text);
+std::optional<bool> matchesExpression(const std::string &expression, const std::string &text);
 
 } // namespace visa
