@@ -13,6 +13,7 @@ namespace server {
 namespace {
 
 constexpr qint64 mapperCallLimit = 1024; // bytes
+constexpr std::size_t lastPort = 65535;
 
 /// Give every connection to a server to `serve`.
 template <typename Serve>
@@ -68,21 +69,28 @@ Server::Server(const ServerOptions &options) : options(options), laboratory(opti
 
 QString Server::start()
 {
-    const bool isAlone =
-        options.address.isLoopback() && options.address.protocol() == QAbstractSocket::IPv4Protocol;
+    const bool isAlone = options.address.isLoopback();
+    const bool isRange = !isAlone && options.scpiPort != 0; // 0: any port, for each
+    if (isRange && options.scpiPort + laboratory.devices.size() - 1 > lastPort) {
+        return QString("The instruments need %1 ports from %2 on, but the last port is %3.")
+            .arg(laboratory.devices.size())
+            .arg(options.scpiPort)
+            .arg(lastPort);
+    }
     QString error = isAlone ? QString() : startHost(options.address, nullptr);
     quint32 offset = 0;
     for (const auto &device : laboratory.devices) {
         ++offset;
         const QHostAddress address =
             isAlone ? QHostAddress(options.address.toIPv4Address() + offset) : options.address;
-        const auto port = static_cast<quint16>(options.scpiPort + (isAlone ? 0 : offset - 1));
+        const auto port = static_cast<quint16>(options.scpiPort + (isRange ? offset - 1 : 0));
         error = error.isEmpty() && isAlone ? startHost(address, device.get()) : error;
-        error = error.isEmpty() ? startScpi(address, port, *device) : error;
+        quint16 scpiPort = 0;
+        error = error.isEmpty() ? startScpi(address, port, *device, &scpiPort) : error;
         const QString name = QString::fromStdString(device->name);
         const QString vxi11 = resource(address, isAlone ? "inst0::INSTR" : name + "::INSTR");
         listening << name + ": " + (options.hasPortmapper ? vxi11 + ", " : "") +
-                         resource(address, QString::number(port) + "::SOCKET");
+                         resource(address, QString::number(scpiPort) + "::SOCKET");
     }
     return error;
 }
@@ -114,13 +122,17 @@ QString Server::startHost(const QHostAddress &address, Device *device)
     return {};
 }
 
-QString Server::startScpi(const QHostAddress &address, quint16 port, Device &device)
+/// Serve an instrument's raw socket; sets the port that it got, which differs for port 0.
+QString Server::startScpi(const QHostAddress &address, quint16 port, Device &device,
+                          quint16 *listeningPort)
 {
     auto *const server = new QTcpServer(this);
     onConnection(server, [&device](QTcpSocket *socket) {
         new ScpiSocket(socket, device); // the socket's
     });
-    return listen(server, address, port);
+    QString error = listen(server, address, port);
+    *listeningPort = server->serverPort();
+    return error;
 }
 
 QString Server::listen(QTcpServer *server, const QHostAddress &address, quint16 port)

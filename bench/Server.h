@@ -13,8 +13,8 @@ namespace server {
 /// How the bench is put on the network.
 struct ServerOptions
 {
-    QHostAddress address{QHostAddress::LocalHost};
-    quint16 scpiPort = 5025; ///< of the first raw socket
+    QHostAddress address{QHostAddress::LocalHost}; ///< IPv4, as resource strings have no other
+    quint16 scpiPort = 5025;                       ///< of the first raw socket; 0: any
     bool hasPortmapper = true;
     quint16 mapperPort = 111;
     double timeScale = 1.0;
@@ -41,7 +41,8 @@ public:
 
 private:
     QString startHost(const QHostAddress &address, Device *device);
-    QString startScpi(const QHostAddress &address, quint16 port, Device &device);
+    QString startScpi(const QHostAddress &address, quint16 port, Device &device,
+                      quint16 *listeningPort);
     QString listen(QTcpServer *server, const QHostAddress &address, quint16 port);
     QString failure(const QHostAddress &address, quint16 port, const QString &reason,
                     bool isRefused);

@@ -15,7 +15,7 @@ std::optional<server::ServerOptions> optionsOf(const QCoreApplication &applicati
         "Listen there. On loopback every instrument has an address of its own, counted from this "
         "one on; elsewhere they share it, and are VXI-11 devices by their names.",
         "address", usual.address.toString());
-    const QCommandLineOption port("port", "First port of the raw SCPI sockets.", "port",
+    const QCommandLineOption port("port", "First port of the raw SCPI sockets; 0: any.", "port",
                                   QString::number(usual.scpiPort));
     const QCommandLineOption noPortmapper("no-portmapper",
                                           "Do without port 111, and so without VXI-11 clients.");
@@ -36,7 +36,8 @@ std::optional<server::ServerOptions> optionsOf(const QCoreApplication &applicati
     options.scpiPort = parser.value(port).toUShort(&isPort);
     options.hasPortmapper = !parser.isSet(noPortmapper);
     options.timeScale = parser.value(timeScale).toDouble(&isScale);
-    const bool isValid = !options.address.isNull() && isPort && isScale && options.timeScale >= 0 &&
+    const bool isIPv4 = options.address.protocol() == QAbstractSocket::IPv4Protocol;
+    const bool isValid = isIPv4 && isPort && isScale && options.timeScale >= 0 &&
                          parser.positionalArguments().isEmpty();
     return isValid ? std::optional(options) : std::nullopt;
 }
@@ -53,7 +54,7 @@ int main(int argc, char *argv[])
 
     const auto options = optionsOf(application);
     if (!options) {
-        err << "That is no address, no port or no time scale; --help tells more.\n";
+        err << "That is no IPv4 address, no port or no time scale; --help tells more.\n";
         return 2;
     }
     server::Server server(*options);

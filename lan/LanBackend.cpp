@@ -13,6 +13,8 @@ namespace {
 /// What connecting may take when the caller gives it no time, as some do with every instrument.
 constexpr std::chrono::seconds usualConnectTime(5);
 
+/// Look a host up. For a name that takes as long as the system's resolver does: no deadline ends
+/// it.
 QList<QHostAddress> addressesOf(const std::string &host)
 {
     const QString name = QString::fromStdString(host);

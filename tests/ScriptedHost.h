@@ -4,20 +4,20 @@
 #include "lan/Vxi11.h"
 #include "lan/Xdr.h"
 
+#include <QMap>
+#include <QSemaphore>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QThread>
 
-#include <array>
 #include <atomic>
 #include <functional>
 #include <memory>
-#include <mutex>
 
 /// A host with its portmapper and its instrument at one port, which answers as the test tells it
 /// to. It keeps a transcript of the numbers of the procedures and of their parameters, in which "t"
-/// is any time-out but 0: "10 t 0 0 inst0" (create_link), "11 0 t 0 8 *IDN?", "12 0 100 t 0 128
-/// 10".
+/// is any time-out but 0, and the client's own number: "10 t 0 0 inst0" (create_link), "11 0 t 0 8
+/// *IDN?", "12 0 100 t 0 128 10".
 class ScriptedHost
 {
 public:
@@ -29,13 +29,12 @@ public:
     explicit ScriptedHost(Script script, quint32 receiveSize = 1024, quint16 port = 0)
         : port(port), script(std::move(script)), receiveSize(receiveSize)
     {
-        std::mutex starting;
-        starting.lock();
-        thread.reset(QThread::create([this, &starting] {
+        QSemaphore listening;
+        thread.reset(QThread::create([this, &listening] {
             QTcpServer server;
             server.listen(QHostAddress::LocalHost, this->port);
             this->port = server.serverPort();
-            starting.unlock();
+            listening.release();
             while (!isEnding) {
                 server.waitForNewConnection(1);
                 const std::unique_ptr<QTcpSocket> socket(server.nextPendingConnection());
@@ -45,12 +44,9 @@ public:
             }
         }));
         thread->start();
-        starting.lock();
-        starting.unlock();
+        listening.acquire();
     }
     ~ScriptedHost() { finish(); }
-    ScriptedHost(const ScriptedHost &) = delete;
-    ScriptedHost &operator=(const ScriptedHost &) = delete;
 
     /// Serve the connections to their end, and what came over them.
     QStringList finish()
@@ -95,59 +91,48 @@ private:
                 if (!socket.waitForBytesWritten(1000)) {
                     return;
                 }
-                if (pieces.size() > 1) {
-                    QThread::msleep(5);
-                }
+                QThread::msleep(pieces.size() > 1 ? 5 : 0);
             }
         }
     }
 
+    /// To create_link, link 0; to a write, that all was taken. Others look at the first word only.
     [[nodiscard]] QList<QByteArray> usual(const lan::RpcCall &call) const
     {
+        if (call.procedure.program == lan::portmapperProgram) {
+            return reply(call, lan::xdrWords({port}));
+        }
+        const bool isWrite = call.procedure.procedure == lan::vxi11::DeviceWrite;
         QDataStream from(call.arguments);
         from.skipRawData(16);
-        switch (call.procedure.procedure) {
-        case lan::getPortProcedure:
-            return reply(call, lan::xdrWords({port}));
-        case lan::vxi11::CreateLink:
-            return reply(call, lan::xdrWords({0, 0, 0, receiveSize}));
-        case lan::vxi11::DeviceWrite:
-            return reply(call,
-                         lan::xdrWords({0, quint32(lan::readOpaque(from, call.arguments).size())}));
-        default:
-            return reply(call, lan::xdrWords({0}));
-        }
+        const int taken = isWrite ? lan::readOpaque(from, call.arguments).size() : 0;
+        return reply(call, lan::xdrWords({0, quint32(taken), 0, receiveSize}));
     }
 
     void note(const lan::RpcCall &call)
     {
-        struct Form // of the parameters, before text
-        {
-            int words;
-            int timeout; // which word it is
-            bool hasText;
-        };
-        static const QMap<quint32, Form> forms = {
-            {lan::vxi11::CreateLink, {3, -1, true}},    {lan::vxi11::DeviceWrite, {4, 1, true}},
-            {lan::vxi11::DeviceRead, {6, 2, false}},    {lan::vxi11::DeviceLock, {2, -1, false}},
-            {lan::vxi11::DeviceUnlock, {1, -1, false}}, {lan::vxi11::DestroyLink, {1, -1, false}}};
+        if (call.procedure.program == lan::portmapperProgram) {
+            return;
+        }
         const quint32 procedure = call.procedure.procedure;
-        const Form form = forms.value(procedure, {4, 3, false});
+        static const QMap<quint32, int> wordsBeforeText = {{lan::vxi11::CreateLink, 3},
+                                                           {lan::vxi11::DeviceWrite, 4}};
+        static const QMap<quint32, int> timeouts = {{lan::vxi11::CreateLink, 0}, // the client's id
+                                                    {lan::vxi11::DeviceWrite, 1},
+                                                    {lan::vxi11::DeviceRead, 2},
+                                                    {lan::vxi11::DeviceLock, 2}};
+        const int words = wordsBeforeText.value(procedure, call.arguments.size() / 4);
         QDataStream from(call.arguments);
         QStringList entry = {QString::number(procedure)};
-        for (int i = 0; i < form.words; ++i) {
+        for (int i = 0; i < words; ++i) {
             quint32 word = 0;
             from >> word;
-            const bool isSomething =
-                i == form.timeout || (procedure == lan::vxi11::CreateLink && i == 0);
-            entry << (isSomething && word > 0 ? "t" : QString::number(word));
+            entry << (i == timeouts.value(procedure, 3) && word > 0 ? "t" : QString::number(word));
         }
-        if (form.hasText) {
+        if (wordsBeforeText.contains(procedure)) {
             entry << lan::readOpaque(from, call.arguments);
         }
-        if (call.procedure.program != lan::portmapperProgram) {
-            transcript << entry.join(' ');
-        }
+        transcript << entry.join(' ');
     }
 
     Script script;

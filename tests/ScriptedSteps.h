@@ -25,14 +25,12 @@ inline QString text(ViStatus status)
                                                   {VI_ERROR_IO, "IO"},
                                                   {VI_ERROR_NSUP_OPER, "NSUP_OPER"},
                                                   {VI_ERROR_RSRC_LOCKED, "RSRC_LOCKED"},
-                                                  {VI_ERROR_RSRC_NFOUND, "RSRC_NFOUND"},
-                                                  {VI_ERROR_ALLOC, "ALLOC"},
-                                                  {VI_ERROR_SESN_NLOCKED, "SESN_NLOCKED"}};
+                                                  {VI_ERROR_RSRC_NFOUND, "RSRC_NFOUND"}};
     return names.value(status, QString::number(status));
 }
 
 /// Carry a step out: "r9" reads at most 9 bytes, "n9" up to a new line, "w" writes with END, "v"
-/// without, "c" clears, "t" triggers, "s" reads the status byte, "g6" is viGpibControlREN, "l" and
+/// without, "c" clears, "t" triggers, "g6" is viGpibControlREN, "l" and
 /// "u" lock and unlock. Returns what came of it: "END abc", "CHR abc\n", "CNT abc", "TMO abc"; "ok
 /// 3".
 inline QString carryOut(lan::Vxi11Link &link, const QString &step, int milliseconds)
@@ -42,7 +40,6 @@ inline QString carryOut(lan::Vxi11Link &link, const QString &step, int milliseco
     QByteArray bytes = rest.toLatin1();
     ViStatus status = VI_SUCCESS;
     std::size_t written = 0;
-    ViUInt8 statusByte = 0;
     visa::ReadOutcome outcome;
     constexpr std::array ends = {"CNT", "CHR", "END"};
     switch (step[0].toLatin1()) {
@@ -58,9 +55,6 @@ inline QString carryOut(lan::Vxi11Link &link, const QString &step, int milliseco
         status = link.write(reinterpret_cast<const ViByte *>(bytes.data()),
                             std::size_t(bytes.size()), step[0] == 'w', deadline, &written);
         return text(status) + " " + QString::number(written);
-    case 's':
-        status = link.readStatusByte(deadline, &statusByte);
-        return text(status) + QString::number(statusByte);
     case 'c':
         return text(link.clear(deadline));
     case 't':

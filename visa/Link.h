@@ -75,7 +75,8 @@ public:
     virtual ~Backend() = default;
 
     /// Connect to the device that a TCPIP INSTR resource names. Returns 0, or a negative status:
-    /// VI_ERROR_RSRC_NFOUND when there is none, VI_ERROR_TMO, VI_ERROR_ALLOC.
+    /// VI_ERROR_RSRC_NFOUND when there is none, VI_ERROR_TMO, VI_ERROR_ALLOC. Looking up a host
+    /// name, unlike an address, may outlast the deadline.
     virtual ViStatus open(const ResourceName &name, Deadline deadline,
                           std::unique_ptr<Link> *link) = 0;
     /// List full resource strings of the devices that can be found, in the order of the listing.

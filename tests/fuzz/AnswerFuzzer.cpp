@@ -1,8 +1,8 @@
 // An instrument on the network that answers what it likes.
 
-#include "lan/Vxi11Link.h"
 #include "Require.h"
 #include "tests/ScriptedHost.h"
+#include "tests/ScriptedSteps.h"
 
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -29,19 +29,16 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
         return {whole.left(input.ConsumeIntegralInRange(1, whole.size())), bytes(50), ""};
     };
     ScriptedHost host(script, input.ConsumeIntegral<quint32>());
-    const auto soon = [] {
-        return std::chrono::steady_clock::now() + std::chrono::milliseconds(50);
-    };
     lan::Vxi11Link link;
-    if (link.open(QHostAddress(QHostAddress::LocalHost), host.port, "inst0", soon()) != 0) {
+    if (open(link, host.port, 50) != VI_SUCCESS) {
         return 0;
     }
     const std::unique_ptr<ViByte[]> buffer(new ViByte[10]); // of just the size that is allowed
     std::size_t written = 0;
-    link.write(reinterpret_cast<const ViByte *>("*IDN?"), 5, true, soon(), &written);
+    link.write(reinterpret_cast<const ViByte *>("*IDN?"), 5, true, in(50), &written);
     require(written <= 5, "no more is written than there was");
     for (int i = 0; i < 3; ++i) {
-        require(link.read(buffer.get(), 10, '\n', soon()).count <= 10, "what is read has room");
+        require(link.read(buffer.get(), 10, '\n', in(50)).count <= 10, "what is read has room");
     }
     return 0;
 }

@@ -7,8 +7,6 @@
 #include "lan/Xdr.h"
 #include "Require.h"
 
-#include <QBuffer>
-
 #include <fuzzer/FuzzedDataProvider.h>
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
@@ -26,18 +24,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
         while (input.remaining_bytes() > 0) {
             const std::string text = input.ConsumeRandomLengthString(300);
             const QByteArray bytes(text.data(), static_cast<int>(text.size()));
-            if (input.ConsumeIntegralInRange(0, 9) == 0) { // as they come
-                QBuffer buffer;
-                buffer.setData(bytes);
-                buffer.open(QIODevice::ReadOnly);
-                lan::RecordReader reader(1024);
-                if (reader.read(buffer) == lan::RecordReader::State::Complete) {
-                    const QByteArray record = reader.take();
-                    require(record.size() <= 1024, "records have a limit");
-                    lan::decodedCall(record);
-                }
-                continue;
-            }
+            lan::decodedCall(bytes);
             lan::RpcCall call;
             call.procedure = {lan::vxi11::coreProgram, lan::vxi11::coreVersion,
                               input.ConsumeIntegralInRange(9U, 27U)};

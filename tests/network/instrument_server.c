@@ -115,6 +115,8 @@ int main(int argc, char *argv[])
     if (!svc_register(transport, MAPPER, MAPPER_2, mapper_2, 0) ||
         !svc_register(transport, CORE, CORE_1, core_1, 0))
         return 1;
+    puts("Listening");
+    fflush(stdout);
     svc_run();
     return 1;
 }
