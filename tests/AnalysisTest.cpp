@@ -1,23 +1,13 @@
 #include "analysis/Csv.h"
-#include "analysis/SeriesFiles.h"
 #include "analysis/Summary.h"
-#include "instrument/InstrumentIo.h"
-#include "instrument/VisaBinding.h"
 #include "SavedSeries.h"
-#include "setup/OscilloscopeSetup.h"
-#include "setup/SpectrumAnalyzerSetup.h"
 #include "TestFiles.h"
 
 #include <QtTest>
 
-#include <cmath>
-
 Q_DECLARE_METATYPE(Record)
 
 namespace {
-
-constexpr OscilloscopeType kvx = OscilloscopeType::Kvx;
-constexpr OscilloscopeType lpa4004 = OscilloscopeType::Lpa4004;
 
 Series open(const QString &file)
 {
@@ -35,60 +25,6 @@ class AnalysisTest : public QObject
     const QTemporaryDir directory;
 
 private slots:
-    void initTestCase() { qputenv("XDG_RUNTIME_DIR", directory.path().toLocal8Bit()); }
-
-    void benchSeries_data()
-    {
-        QTest::addColumn<int>("type");
-        QTest::addColumn<QString>("oscilloscope");
-        QTest::newRow("KVx") << int(kvx) << "TCPIP0::scope-kvx::INSTR";
-        QTest::newRow("LPA4004") << int(lpa4004) << "TCPIP0::scope::INSTR";
-    }
-    /// A series taken on the bench is recognised, and comes back as it was.
-    void benchSeries()
-    {
-        QFETCH(const QString, oscilloscope);
-        QFETCH(const int, type);
-        const QTemporaryDir folder;
-        SeriesSettings settings;
-        settings.oscilloscopeType = OscilloscopeType(type);
-        settings.count = 3;
-        settings.save = true;
-        settings.filePrefix = folder.filePath("data");
-        setVisaLibraryPaths({BENCH_LIBRARY});
-        QVERIFY(iaVisaDll_Init());
-        ViSession manager = 0;
-        QCOMPARE(iaOpenDefaultRM(&manager), VI_SUCCESS);
-        QCOMPARE(setUpOscilloscope(manager,
-                                   {oscilloscope, true, settings.oscilloscopeType, 0.027, false},
-                                   &settings.oscilloscope),
-                 VI_SUCCESS);
-        QCOMPARE(setUpSpectrumAnalyzer(
-                     manager, {"TCPIP0::analyzer::INSTR", 5.192e9, settings.oscilloscopeType},
-                     &settings.spectrumAnalyzer),
-                 VI_SUCCESS);
-        Record record;
-        SeriesResults results;
-        QCOMPARE(runSeries(settings, &record, &results), 0);
-        iaClose(manager);
-
-        const QStringList files = seriesIn(folder.path());
-        QCOMPARE(files.size(), 1);
-        const Series series = open(files[0]);
-        QVERIFY(series.oscilloscope.type == settings.oscilloscopeType);
-        QCOMPARE(series.oscilloscope.instants.sink, record.instants.sink);
-        QCOMPARE(series.samples, record.samples);
-        QCOMPARE(flaggedCount(series), 0);
-        QVERIFY(!isHdmiUsed(series.results));
-        QVERIFY(series.time.secsTo(QDateTime::currentDateTime()) < 60);
-        for (const DelayKind kind : delayKinds) {
-            for (int i = 0; i < 3; ++i) {
-                const double value = valuesOf(results, kind)[i];
-                QVERIFY(std::abs(valuesOf(series.results, kind)[i] - value) <= 5e-6 * value);
-            }
-        }
-    }
-
     void flags_data()
     {
         QTest::addColumn<Values>("rf");
@@ -130,7 +66,7 @@ private slots:
         const Series series =
             open(save(folder.path(), rf, hdmi, sink, recordOf(edges[0], edges[1], edges[2])));
         QCOMPARE(series.oscilloscope.remark, QString());
-        QVERIFY(series.oscilloscope.type == kvx);
+        QVERIFY(series.oscilloscope.type == OscilloscopeType::Kvx);
         QStringList found;
         for (int i = 0; i < series.count(); ++i) {
             found += QString("%1,%2,%3")
@@ -185,27 +121,16 @@ private slots:
         QTest::newRow("as it is") << good << "";
         QTest::newRow("as an editor leaves it") << changed("\n", "\r\n") + "\r\n"
                                                 << "";
-        QTest::newRow("no measurements") << QByteArray("Source2RF Delay:\nSource2RF Mean: nan\n"
-                                                       "Source2HD Delay:\nSource2HD Mean: nan\n"
-                                                       "Source2Snk Delay:\nSource2Snk Mean: -0")
-                                         << "";
         QTest::newRow("empty") << QByteArray() << "is empty";
-        QTest::newRow("something else") << QByteArray("\x7f"
-                                                      "ELF")
-                                        << "is not a results file";
+        QTest::newRow("something else") << QByteArray("RIFF") << "is not a results file";
         QTest::newRow("cut off in a line") << good.left(60) << "is cut off: it has 3 of 6 lines";
         QTest::newRow("cut off in the last number")
             << changed("120.2 nan", "120.2 130.2").replace("Mean: nan", "Mean: 125.").left(500)
             << "has a wrong line 6: the mean is not that of the delays: cut off or changed";
-        QTest::newRow("cut off before the last number")
-            << good.left(good.size() - 4) << "has a wrong line 6: it does not have one mean";
-        QTest::newRow("twice") << good + '\n' + good << "is not one results file: it has 12 lines";
         QTest::newRow("counts") << changed(" 0 0", " 0")
                                 << "has lines of different counts: 2, 1 and 2 delays";
         QTest::newRow("no number")
             << changed("46.5", "4x6.5") << "has a wrong line 1: \"4x6.5\" is not a number";
-        QTest::newRow("two blanks")
-            << changed(" 46.5", "  46.5") << "has a wrong line 1: \"\" is not a number";
         QTest::newRow("lines swapped") << changed("Source2HD Delay", "Source2Snk Delay")
                                        << "has a wrong line 3: it does not begin with \"Source2HD";
     }
@@ -219,11 +144,8 @@ private slots:
         QString said;
         QCOMPARE(openSeries(file, &series, &said), reason.isEmpty());
         QVERIFY2(said.contains(reason), qPrintable(said));
-        for (const auto &[name, why] :
-             {std::pair("", "is a folder"), {"/none", "does not exist"}}) {
-            QVERIFY(!openSeries(directory.path() + name, &series, &said));
-            QCOMPARE(said, QString(why));
-        }
+        QVERIFY(!openSeries(directory.path(), &series, &said));
+        QCOMPARE(said, QString("is a folder"));
     }
 
     /// What a person reads and what a spreadsheet reads.
@@ -241,17 +163,9 @@ private slots:
                 ",2,501,0,121,Source to RF: no edge: the delay lies at the end of the time axis\n" +
                 quoted + ",3,45,0,120,\n");
         const QStringList lines = summarise(series).split('\n');
-        QCOMPARE(lines.size(), 11);
-        QCOMPARE(lines[0], file);
-        QCOMPARE(lines[1], QString("Series of 2026-03-05 14:07:09, 3 measurements"));
         QCOMPARE(lines[2], QString("Oscilloscope KVx, records of 1001 samples, 1 ms apart"));
         QCOMPARE(lines[5].simplified(),
                  QString("without flagged 2 44 44 44.5 45 0.707107 1 - - - -"));
-        QVERIFY(lines[6].endsWith("not used: every value is 0"));
-        QCOMPARE(lines[9],
-                 QString("Flag: Source to RF, 1 of 3: no edge: the delay lies at the end of "
-                         "the time axis (measurement 2)"));
-        QVERIFY(compareSeries(series, series).contains("0   -1 to 1, no difference shown"));
     }
 };
 

@@ -1,3 +1,5 @@
+#include "analysis/Series.h"
+#include "analysis/SeriesFiles.h"
 #include "bench/InProcessBackend.h"
 #include "instrument/InstrumentIo.h"
 #include "Line.h"
@@ -122,6 +124,38 @@ private slots:
         bench.takeErrors(); // that the faults left
         QVERIFY(bench.run() == 0 && bench.takeErrors().isEmpty());
         QCOMPARE(openFiles(), before);
+    }
+
+    void savedSeries_data()
+    {
+        QTest::addColumn<int>("type");
+        QTest::newRow("KVx") << int(OscilloscopeType::Kvx);
+        QTest::newRow("LPA4004") << int(OscilloscopeType::Lpa4004);
+    }
+
+    /// A saved series tells of which oscilloscope it is, and comes back as it was measured.
+    void savedSeries()
+    {
+        QFETCH(const int, type);
+        const QTemporaryDir folder;
+        Instruments bench(OscilloscopeType(type), false, "analyzer");
+        bench.series.count = 3;
+        bench.series.save = true;
+        bench.series.filePrefix = folder.filePath("data");
+        QCOMPARE(bench.run(), 0);
+        Series series;
+        QString reason;
+        QVERIFY(openSeries(seriesIn(folder.path()).value(0), &series, &reason));
+        QVERIFY(series.oscilloscope.type == OscilloscopeType(type));
+        QCOMPARE(series.oscilloscope.instants.sink, bench.record.instants.sink);
+        QCOMPARE(series.samples, bench.record.samples);
+        QCOMPARE(flaggedCount(series), 0);
+        for (const DelayKind kind : delayKinds) {
+            for (int i = 0; i < 3; ++i) {
+                const double value = valuesOf(bench.results, kind)[i];
+                QVERIFY(qAbs(valuesOf(series.results, kind)[i] - value) <= 5e-6 * value);
+            }
+        }
     }
 
     void places_data()

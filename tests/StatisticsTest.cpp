@@ -42,8 +42,6 @@ private slots:
                                       49.6, none};
         QTest::newRow("100") << Values{40,   44.9, 45.01299999999999, 50, 3.070802711495692, 40.4,
                                        49.6, 50};
-        QTest::newRow("137") << Values{40,   44.9, 45.01897810218978, 50, 3.0557451398654107, 40.4,
-                                       49.6, 50};
     }
     void statistics()
     {
@@ -70,8 +68,6 @@ private slots:
         QVERIFY2(std::abs(found.high - 3.4) < 0.15, qPrintable(QString::number(found.high)));
         const MedianDifference again = compareMedians(first, second);
         QVERIFY(again.low == found.low && again.high == found.high);
-        const MedianDifference one = compareMedians({5}, {7});
-        QVERIFY(one.low == 2.0 && one.high == 2.0);
     }
 
     /// Values at every sampling instant alike fill all bins alike, whatever their number.
