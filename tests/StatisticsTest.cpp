@@ -34,7 +34,6 @@ private slots:
         const double none = Statistics::none;
         QTest::newRow("0") << Values{none, none, none, none, none, none, none, none};
         QTest::newRow("1") << Values{40, 40, 40, 40, none, none, none, none};
-        QTest::newRow("2") << Values{40, 40, 41.85, 43.7, 2.616295090390228, none, none, none};
         QTest::newRow("19") << Values{40,   46.4, 45.636842105263156, 49.6, 2.8750286039767, none,
                                       none, none};
         QTest::newRow("20") << Values{40, 44.7, 45.48, 49.6, 2.8849153960047538, 40, 49.2, none};
@@ -89,7 +88,6 @@ private slots:
             }
         }
         QCOMPARE(countValues({5, 5}, chooseBins({5, 5}, 0.0)), QVector<int>{2});
-        QCOMPARE(chooseBins({-1.7e308, 1.7e308}, 0.1).count, 0);
         QCOMPARE(chooseBins({}, 0.1).count, 0);
     }
 };

@@ -101,13 +101,11 @@ private slots:
         std::array<char, 256> text{};
         for (const ViSession dead : {closed + 1, closed, closedManager}) {
             QCOMPARE(viFindRsrc(dead, "?*", &session, nullptr, text.data()), VI_ERROR_INV_OBJECT);
-            QCOMPARE(viDisableEvent(dead, 0, 0), VI_ERROR_INV_OBJECT);
             QCOMPARE(viOpen(dead, scope, VI_NO_LOCK, 0, &session), VI_ERROR_INV_OBJECT);
             QCOMPARE(viRead(dead, &byte, 1, nullptr), VI_ERROR_INV_OBJECT);
             QCOMPARE(viClose(dead), VI_ERROR_INV_OBJECT);
             QCOMPARE(viStatusDesc(dead, VI_SUCCESS, text.data()), VI_ERROR_INV_OBJECT);
         }
-        QCOMPARE(viClear(manager), VI_ERROR_NSUP_OPER);
     }
 
     void readsInPieces()
@@ -169,7 +167,6 @@ private slots:
         QCOMPARE(viSetAttribute(first, VI_ATTR_TERMCHAR_EN, 2), VI_ERROR_NSUP_ATTR_STATE);
         QCOMPARE(viSetAttribute(first, VI_ATTR_RSRC_NAME, 0), VI_ERROR_ATTR_READONLY);
         QCOMPARE(viSetAttribute(first, 1, 1), VI_ERROR_NSUP_ATTR);
-        QCOMPARE(viSetAttribute(manager, VI_ATTR_TMO_VALUE, 1), VI_ERROR_NSUP_ATTR);
         std::array<char, VI_FIND_BUFLEN> text{};
         QCOMPARE(viGetAttribute(first, VI_ATTR_TCPIP_ADDR, text.data()), VI_SUCCESS);
         QCOMPARE(QByteArray(text.data()), QByteArray("127.0.0.1"));
@@ -236,7 +233,6 @@ private slots:
         QCOMPARE(read(second, 99), nothing);
         const auto events = bench().link().eventCount();
         QCOMPARE(viAssertTrigger(second, 0), VI_SUCCESS);
-        QCOMPARE(viAssertTrigger(second, 1), VI_ERROR_INV_PROT);
         QCOMPARE(bench().link().eventCount(), events + 1);
     }
 
@@ -245,7 +241,6 @@ private slots:
         const auto lock = [](ViSession session, ViUInt32 timeout) {
             return viLock(session, VI_EXCLUSIVE_LOCK, timeout, nullptr, nullptr);
         };
-        QCOMPARE(viLock(first, 2, 0, nullptr, nullptr), VI_ERROR_INV_LOCK_TYPE);
         QCOMPARE(viUnlock(first), VI_ERROR_SESN_NLOCKED);
         QCOMPARE(lock(first, 0), VI_SUCCESS);
         QCOMPARE(lock(first, 0), VI_SUCCESS_NESTED_EXCLUSIVE);

@@ -34,9 +34,6 @@ expect(len(traces) == 15 and len(set(traces)) == 3 and traces[:3] * 5 == traces,
 expect(all(len(trace) == 8 * 12000 for trace in traces), "the length of traces")
 expect(not list((folder / ".desktop-session/tmp").iterdir()), "temporary files are left")
 
-settings = (data / "OrvantaDemo/OrvantaDemo.cfg").read_text()
-expect("\nSave%20Data=2\n" in settings, "the settings do not say Save")
-
 
 def pixels(picture, colour, *crop):
     """Count the pixels of a colour, about."""

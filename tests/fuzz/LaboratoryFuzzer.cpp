@@ -41,7 +41,7 @@ ViStatus call(FuzzedDataProvider &input, ViObject handle, const char *fileName, 
     auto value = place((number >> 31U) != 0 ? VI_FIND_BUFLEN : sizeof(ViAttrState));
     std::unique_ptr<ViUInt16> half(isNull ? nullptr : new ViUInt16);
     std::unique_ptr<ViUInt32> count(isNull ? nullptr : new ViUInt32);
-    const std::array<std::function<ViStatus()>, 20> calls = {
+    const std::array<std::function<ViStatus()>, 18> calls = {
         // Nobody else is here to unlock what would be waited for.
         [&] { return viOpen(handle, name, word & ~VI_EXCLUSIVE_LOCK, number, opened); },
         [&] { return viFindRsrc(handle, name, opened, count.get(), at(big)); },
@@ -63,10 +63,7 @@ ViStatus call(FuzzedDataProvider &input, ViObject handle, const char *fileName, 
         [&] { return viAssertTrigger(handle, word); },
         [&] { return viLock(handle, number % 3, 0, name, at(big)); },
         [&] { return viUnlock(handle); },
-        [&] { return viDisableEvent(handle, number, 1); },
-        [&] {
-            return viWrite(handle, reinterpret_cast<const ViByte *>(text.data()), size, nullptr);
-        }};
+    };
     return calls.at(input.ConsumeIntegralInRange<std::size_t>(0, calls.size() - 1))();
 }
 
