@@ -3,42 +3,11 @@
 # and closes the window, by keyboard only.
 # Usage: operate-results.sh EXECUTABLE FOLDER FILE...
 set -euo pipefail
-# shellcheck source-path=SCRIPTDIR source=await.sh
-source "$(dirname "$0")/await.sh"
+# shellcheck source-path=SCRIPTDIR source=operator.sh
+source "$(dirname "$0")/operator.sh" "$1" "$2" 96 # the form's places are not used
 
-executable=$1
-folder=$2
 shift 2
 log=$folder/results.log
-
-leave() {
-    local status=$?
-    if ((status != 0)); then
-        import -silent -window root "$folder/failure.png" || true
-        echo "The screen is in $folder/failure.png; the program wrote:" >&2
-        cat "$log" >&2
-    fi
-    if [[ -n $(jobs -pr) ]]; then
-        kill "$program"
-        wait "$program" || true
-    fi
-}
-trap leave EXIT
-trap 'exit 143' TERM
-
-is_active() {
-    [[ -n $(jobs -pr) ]] || exit 1
-    window=$(xdotool getactivewindow 2>/dev/null) &&
-        [[ $(xdotool getwindowname "$window") == "$1" ]]
-}
-
-# Whether the picture, taken again, is still the same, and that of a painted window.
-is_steady() {
-    local before
-    before=$(identify -format %# "$1" 2>/dev/null)
-    import -silent -frame -window "$window" "$1"
-    [[ $(identify -format %# "$1") == "$before" ]] && (($(identify -format %k "$1") > 16))
-}
 
 has_page() {
     pdfinfo "$1" &>/dev/null
@@ -46,8 +15,8 @@ has_page() {
 
 "$executable" "$@" >"$log" 2>&1 &
 program=$!
-await "active results window" is_active 'Orvanta Results'
-await "painted window" is_steady "$folder/results.png"
+await_window 'Orvanta Results'
+await "steady picture" is_steady "$folder/results.png"
 
 find "$@" -name '*_Results.txt' >"$folder/results.count"
 if (($(wc -l <"$folder/results.count") > 1)); then
