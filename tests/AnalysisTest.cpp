@@ -49,8 +49,6 @@ private slots:
             << "4,0,4 8,0,0 0,0,0";
         QTest::newRow("nothing new") << Values{45, 45, 45} << Values{95, 95, 95}
                                      << Values{120, 120, 120} << good << "0,0,0 16,0,16 16,0,16";
-        QTest::newRow("one repeats by itself")
-            << Values{45, 45} << Values{0, 0} << Values{119, 120} << good << "0,0,0 0,0,0";
         QTest::newRow("HDMI") << Values{44, 43, 45} << Values{95, 0, -230} << Values{118, 119, 120}
                               << good << "0,0,0 0,32,0 0,64,0";
         QTest::newRow("not finite") << Values{qQNaN(), 45} << Values{95, qInf()} << Values{119, 120}

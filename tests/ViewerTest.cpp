@@ -3,6 +3,7 @@
 #include "SavedSeries.h"
 #include "TestFiles.h"
 #include "viewer/DriftPlot.h"
+#include "viewer/HistogramPlot.h"
 #include "viewer/Navigation.h"
 #include "viewer/ResultsWindow.h"
 
@@ -15,6 +16,7 @@
 
 #include <qwt_plot.h>
 #include <qwt_plot_curve.h>
+#include <qwt_plot_histogram.h>
 #include <qwt_scale_div.h>
 
 namespace {
@@ -88,6 +90,19 @@ private slots:
         QCOMPARE(flagged->title().text(), QString("Flagged"));
         QCOMPARE(flagged->dataSize(), std::size_t(1));
         QCOMPARE(flagged->sample(0), QPointF(2, greatest));
+    }
+
+    /// Two series are compared by their own shares, also where all of one is flagged.
+    void histogram()
+    {
+        const QTemporaryDir folder;
+        save(folder.path(), {44, 45, 45, 45}, {0, 0, 0, 0}, {119, 120, 121, 122});
+        save(folder.path(), {501}, {0}, {120}, recordOf(500, 1001, 620), "2026-03-06_08-00-00");
+        const LoadedSeries loaded = loadSeries({folder.path()});
+        const std::unique_ptr<QwtPlot> plot(histogramPlot(loaded.series, DelayKind::Rf));
+        const QwtPlotItemList items = plot->itemList(QwtPlotItem::Rtti_PlotHistogram);
+        QCOMPARE(items[0]->boundingRect().bottom(), 75.0);
+        QCOMPARE(static_cast<QwtPlotHistogram *>(items[1])->sample(0).value, 0.0);
     }
 
     /// A double click goes back to the whole.

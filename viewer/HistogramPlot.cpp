@@ -14,13 +14,13 @@
 
 namespace {
 
-void addHistogram(QwtPlot *plot, const QString &title, const QVector<int> &counts, const Bins &bins,
-                  const SeriesStyle &style)
+void addHistogram(QwtPlot *plot, const QString &title, const QVector<double> &heights,
+                  const Bins &bins, const SeriesStyle &style)
 {
     QVector<QwtIntervalSample> columns;
-    for (int i = 0; i < counts.size(); ++i) {
+    for (int i = 0; i < heights.size(); ++i) {
         const double from = bins.start + i * bins.width;
-        columns += QwtIntervalSample(counts[i], from, from + bins.width);
+        columns += QwtIntervalSample(heights[i], from, from + bins.width);
     }
     auto *histogram = new QwtPlotHistogram(QwtText(title, QwtText::PlainText));
     QColor light = style.colour;
@@ -40,6 +40,17 @@ void addMedian(QwtPlot *plot, double median, const SeriesStyle &style)
     line->setLinePen(style.pen(2 * dataWidth));
     line->setXValue(median);
     line->attach(plot);
+}
+
+/// How high each bin stands: its count, or its share of the values in per cent.
+QVector<double> binHeights(const QVector<double> &values, const Bins &bins, bool isShare)
+{
+    const QVector<int> counts = countValues(values, bins);
+    const double one = isShare ? 100.0 / std::max(1, values.size()) : 1.0; // all may be flagged
+    QVector<double> heights(counts.size());
+    std::transform(counts.begin(), counts.end(), heights.begin(),
+                   [one](int count) { return count * one; });
+    return heights;
 }
 
 QString legendText(const Series &series, const QVector<double> &values, DelayKind kind)
@@ -64,20 +75,21 @@ QwtPlot *histogramPlot(const QVector<Series> &selection, DelayKind kind)
         interval = std::max(interval, kind == DelayKind::Hdmi ? 0.0 : samplingInterval(series));
     }
     const Bins bins = chooseBins(all, interval);
+    const bool isShare = selection.size() > 1; // series of different counts are to be compared
     QwtPlot *plot = makePlot(
         delayName(kind) + (bins.count == 0 ? QString(" / ms")
                                            : " / ms, in bins of " + numberText(bins.width) + " ms"),
-        "Count");
-    int most = 1;
+        isShare ? "Share / %" : "Count");
+    double most = 0.0;
     for (int i = 0; i < selection.size(); ++i) {
         if (!isMeasured(selection[i].results, kind)) {
             continue;
         }
         const QVector<double> values = selectValues(selection[i], kind, false);
-        const QVector<int> counts = countValues(values, bins);
-        most = std::accumulate(counts.begin(), counts.end(), most,
-                               [](int a, int b) { return std::max(a, b); });
-        addHistogram(plot, legendText(selection[i], values, kind), counts, bins, seriesStyle(i));
+        const QVector<double> heights = binHeights(values, bins, isShare);
+        most = std::accumulate(heights.begin(), heights.end(), most,
+                               [](double a, double b) { return std::max(a, b); });
+        addHistogram(plot, legendText(selection[i], values, kind), heights, bins, seriesStyle(i));
         if (!values.isEmpty()) {
             addMedian(plot, computeStatistics(values).median, seriesStyle(i));
         }
@@ -85,6 +97,6 @@ QwtPlot *histogramPlot(const QVector<Series> &selection, DelayKind kind)
     const double air = std::max(1.0, bins.count * 0.03) * bins.width;
     plot->setAxisScale(QwtPlot::xBottom, bins.start - air,
                        bins.count == 0 ? 1.0 : bins.start + bins.count * bins.width + air);
-    plot->setAxisScale(QwtPlot::yLeft, 0.0, most * 1.08);
+    plot->setAxisScale(QwtPlot::yLeft, 0.0, most > 0.0 ? most * 1.08 : 1.0);
     return plot;
 }

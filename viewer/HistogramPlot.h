@@ -4,6 +4,6 @@
 
 class QwtPlot;
 
-/// Draw how often each delay came, for one series or two over each other, with lines at the
-/// medians. Flagged values are left out, and their number is told.
+/// Draw how often each delay came, with lines at the medians: counts for one series, and for two
+/// over each other shares in per cent. Flagged values are left out, and their number is told.
 QwtPlot *histogramPlot(const QVector<Series> &selection, DelayKind kind);

@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QIcon>
 #include <QLocale>
+#include <QSysInfo>
 
 #include <algorithm>
 #include <clocale>
@@ -73,6 +74,14 @@ int runInTerminal(const CommandLine &commandLine)
     return !isWhole ? exitFailure : isFlagged ? exitFlagged : 0;
 }
 
+/// Whether there is somewhere to open a window. Qt itself aborts where there is not.
+bool hasDisplay()
+{
+    return QSysInfo::kernelType() != "linux" || !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+}
+
 int runWindow(const CommandLine &commandLine, int &argc, char **argv)
 {
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
@@ -126,6 +135,10 @@ int main(int argc, char *argv[])
     }
     case CommandLine::Mode::Window:
         break;
+    }
+    if (!hasDisplay()) {
+        complain("There is no display for a window; --summary, --csv and --report need none.");
+        return exitFailure;
     }
     return runWindow(commandLine, argc, argv);
 }
