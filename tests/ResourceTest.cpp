@@ -37,11 +37,6 @@ private slots:
         QFETCH(const QByteArray, full);
         const auto name = visa::parseResourceName(QTest::currentDataTag());
         QCOMPARE(name ? QByteArray::fromStdString(name->full) : QByteArray(), full);
-        const auto again = visa::parseResourceName(full.toStdString());
-        if (again) {
-            QCOMPARE(again->full, name->full);
-            QVERIFY(full.contains((name->host + "::" + name->device).c_str()));
-        }
     }
 
     void expressions_data()

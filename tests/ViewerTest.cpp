@@ -69,9 +69,7 @@ private slots:
         QCOMPARE(shown(trace), (Values{1.0, 1.0, 5.0, -5.0, 1.0, 1.0}));
         QCOMPARE(trace.sample(2).x(), 0.654321);
         trace.setRectOfInterest({QPointF(9e-6, 0.0), QPointF(12e-6, 1.0)});
-        QCOMPARE(trace.size(), std::size_t(3)); // without what is not finite
-        trace.setRectOfInterest({QPointF(2.0, 0.0), QPointF(3.0, 1.0)});
-        QCOMPARE(trace.size(), std::size_t(0));
+        QCOMPARE(trace.size(), std::size_t(3));       // without what is not finite
         QCOMPARE(trace.boundingRect().bottom(), 5.0); // the whole trace's, whatever is shown
     }
 

@@ -18,7 +18,6 @@ for widget in Start OsInit Start Cancel MeasCnt; do
     click "$widget"
 done
 xdotool key Escape alt+F4 type 77
-import -silent -window root "$folder/busy.png"
 await_window Dialog
 xdotool key Return
 

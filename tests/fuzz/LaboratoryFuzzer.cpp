@@ -16,11 +16,6 @@
 
 namespace {
 
-constexpr std::array<ViAttr, 12> attributes = {
-    VI_ATTR_TERMCHAR,        VI_ATTR_TMO_VALUE,      VI_ATTR_RM_SESSION,  VI_ATTR_RSRC_IMPL_VERSION,
-    VI_ATTR_RSRC_LOCK_STATE, VI_ATTR_USER_DATA,      VI_ATTR_TERMCHAR_EN, VI_ATTR_SEND_END_EN,
-    VI_ATTR_INTF_TYPE,       VI_ATTR_FILE_APPEND_EN, VI_ATTR_RSRC_NAME,   VI_ATTR_TCPIP_ADDR};
-
 ViStatus call(FuzzedDataProvider &input, ViObject handle, const char *fileName, ViObject *opened)
 {
     const std::string text = input.ConsumeRandomLengthString();
@@ -28,8 +23,9 @@ ViStatus call(FuzzedDataProvider &input, ViObject handle, const char *fileName, 
     const bool isNull = input.ConsumeIntegralInRange(0, 9) == 0;
     const char *name = isNull ? nullptr : text.c_str();
     const auto *bytes = reinterpret_cast<const ViByte *>(name);
-    const auto number = input.ConsumeBool() ? input.PickValueInArray(attributes)
-                                            : input.ConsumeIntegral<std::uint32_t>();
+    const auto number = input.ConsumeBool() // most attributes lie here
+                            ? input.ConsumeIntegralInRange<std::uint32_t>(0x3FFF0000, 0x3FFF01FF)
+                            : input.ConsumeIntegral<std::uint32_t>();
     const auto word = static_cast<ViUInt16>(number);
     // On the heap, of just the size that is allowed: an overrun is noticed. Texts have the room
     // that VISA gives them, numbers eight bytes at most.

@@ -9,13 +9,9 @@ shift 3
 
 rm -rf "$scratch"
 mkdir -p "$scratch/corpus"
-# The target's own files are in memory where there is room for them, and go however it ends.
-if [[ -w /dev/shm ]]; then
-    TMPDIR=$(mktemp -d /dev/shm/orvanta-fuzz-XXXXXX)
-else
-    TMPDIR=$(mktemp -d)
-fi
-export TMPDIR XDG_RUNTIME_DIR=$TMPDIR
+# The target's own files go however it ends.
+TMPDIR=$(mktemp -d)
+export TMPDIR
 suppressions=$(dirname "$(realpath "$0")")/../leaks.supp
 export LSAN_OPTIONS=suppressions=$suppressions:print_suppressions=0
 export UBSAN_OPTIONS=print_stacktrace=1
