@@ -34,6 +34,7 @@ if ! read -r -t "$patience" -u "${server[0]}" display; then
     exit 1
 fi
 export DISPLAY=:$display
+export QT_USE_PHYSICAL_DPI=1 # Qt 5.15.15 asks for another number otherwise
 
 has_window_manager() {
     xdotool get_num_desktops >/dev/null 2>&1
