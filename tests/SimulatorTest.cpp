@@ -59,7 +59,6 @@ private slots:
                  {lpa, "FOO;*OPC?", "1 / -113"},
                  {lpa, "CHAN5:SCAL 1", " / -114"},
                  {lpa, "CHAN1:SCAL nan;SCAL?", "0.2 / -104"},
-                 {lpa, "CHAN1:SCAL", " / -109"},
                  {lpa, "CHAN1:SCAL:;:CHAN1:STAT 2;STAT?", "1 / -113"},
                  {lpa, "FORM REAL,32;FORM?;*RST;FORM?", "REAL,32;ASC,0 / 0"},
                  {lpa, "STOP;*TRG", " / -211"},

@@ -243,6 +243,7 @@ private slots:
         QCOMPARE(window.SaveBinFile(file, source, 100), 0);
         QCOMPARE(window.LoadBinFile(file, &rf, &count), 0);
         QVERIFY(count == 100 && rf == QVector<double>{1.0} + source.mid(0, 100));
+        QVERIFY(dialogs.seen.isEmpty());
         QCOMPARE(window.LoadBinFile(file + ".none", &rf, &count), -1);
         QCOMPARE(dialogs.seen, QStringList{"File Error: File not found."});
     }
