@@ -29,7 +29,7 @@ struct DialogWatcher : QTimer
     QStringList seen;
 };
 
-/// The program's window on the bench.
+/// The window on the bench.
 struct Window : MainWindow
 {
     Window() { show(); }
@@ -241,9 +241,8 @@ private slots:
         const QString file = home.filePath("trace.bin");
         ViInt32 count = 0;
         QCOMPARE(window.SaveBinFile(file, source, 100), 0);
-        QCOMPARE(window.LoadBinFile(file, &rf, &count), 0);
-        QVERIFY(count == 100 && rf == QVector<double>{1.0} + source.mid(0, 100));
-        QVERIFY(dialogs.seen.isEmpty());
+        QVERIFY(window.LoadBinFile(file, &rf, &count) == 0 && count == 100);
+        QVERIFY(dialogs.seen.isEmpty() && rf == QVector<double>{1.0} + source.mid(0, count));
         QCOMPARE(window.LoadBinFile(file + ".none", &rf, &count), -1);
         QCOMPARE(dialogs.seen, QStringList{"File Error: File not found."});
     }
