@@ -2,8 +2,8 @@
 // clients; rows of the table of benchmark.sh. It needs port 111 of a network of its own.
 // Usage: network-benchmarks LIBORVANTA-VISA
 
-#include "instrument/VisaTypes.h"
 #include "tests/ScriptedHost.h"
+#include "visa/VisaTypes.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

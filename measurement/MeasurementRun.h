@@ -1,9 +1,9 @@
 #pragma once
 
 #include "instrument/OscilloscopeType.h"
-#include "instrument/VisaTypes.h"
 #include "measurement/DelayComputation.h"
 #include "measurement/ResultsFile.h"
+#include "visa/VisaTypes.h"
 
 #include <QString>
 #include <QVector>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "instrument/OscilloscopeType.h"
-#include "instrument/VisaTypes.h"
+#include "visa/VisaTypes.h"
 
 #include <QString>
 

@@ -1,12 +1,12 @@
 #include "analysis/Series.h"
 #include "analysis/SeriesFiles.h"
-#include "bench/InProcessBackend.h"
 #include "instrument/InstrumentIo.h"
 #include "Line.h"
 #include "measurement/MeasurementRun.h"
 #include "setup/OscilloscopeSetup.h"
 #include "setup/SpectrumAnalyzerSetup.h"
 #include "setup/VideoAnalyzerSetup.h"
+#include "simulator/server/InProcessBackend.h"
 #include "visa/VisaFunctions.h"
 
 #include <QtTest>

@@ -1,8 +1,9 @@
 #pragma once
 
-#include "lan/Portmapper.h"
-#include "lan/Vxi11.h"
-#include "lan/Xdr.h"
+#include "visa/wire/Portmapper.h"
+#include "visa/wire/RpcMessage.h"
+#include "visa/wire/Vxi11.h"
+#include "visa/wire/Xdr.h"
 
 #include <QMap>
 #include <QSemaphore>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "lan/Vxi11Link.h"
+#include "visa/lan/Vxi11Link.h"
 
 #include <QMap>
 #include <QString>

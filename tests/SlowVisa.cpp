@@ -2,7 +2,7 @@
 // the first answer of an oscilloscope. All but viWrite is the bench's own, which this library is
 // linked with.
 
-#include "instrument/VisaTypes.h"
+#include "visa/VisaTypes.h"
 
 #include <chrono>
 #include <dlfcn.h>

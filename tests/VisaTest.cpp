@@ -1,4 +1,4 @@
-#include "bench/InProcessBackend.h"
+#include "simulator/server/InProcessBackend.h"
 #include "TestFiles.h"
 #include "visa/VisaFunctions.h"
 

@@ -21,16 +21,17 @@ may_include() {
     fi
 }
 
-may_include instrument 'no others'
-may_include setup 'instrument/.*'
-may_include measurement 'instrument/.*'
+types='visa/VisaTypes\.h' # the standard's, for whoever uses a VISA library
+may_include instrument "$types"
+may_include setup "(instrument/.*|$types)"
+may_include measurement "(instrument/.*|$types)"
 may_include plot 'no others'
 may_include analysis '(instrument|measurement)/.*'
 may_include viewer '(analysis|instrument|measurement|plot)/.*'
-may_include app '(instrument|setup|measurement|plot)/.*'
-may_include visa 'instrument/VisaTypes\.h'
-may_include simulator 'no others'
-may_include bench '((simulator|visa)/.*|lan/(Portmapper|RpcMessage|Vxi11|Xdr)\.h)'
-may_include lan '(visa/.*|instrument/VisaTypes\.h)'
+may_include app "((instrument|setup|measurement|plot)/.*|$types)"
+may_include visa 'no others'
+may_include visa/wire 'no others'
+may_include simulator 'visa/(wire/)?[^/]*\.h'
+may_include simulator/scpi 'no others'
 
 exit "$failed"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "instrument/VisaTypes.h"
+#include "visa/VisaTypes.h"
 
 #include <optional>
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "instrument/VisaTypes.h"
+#include "visa/VisaTypes.h"
 
 // The functions of a VISA library over visa::backend(), as clients find them in it. All of them
 // may be called from any thread; calls on one session take turns. Those that are not done are in

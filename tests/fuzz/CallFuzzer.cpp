@@ -1,11 +1,11 @@
 // Clients on the network that call what they like.
 
-#include "bench/CoreChannel.h"
-#include "bench/PortmapService.h"
-#include "lan/Portmapper.h"
-#include "lan/Vxi11.h"
-#include "lan/Xdr.h"
 #include "Require.h"
+#include "simulator/server/CoreChannel.h"
+#include "simulator/server/PortmapService.h"
+#include "visa/wire/Portmapper.h"
+#include "visa/wire/Vxi11.h"
+#include "visa/wire/Xdr.h"
 
 #include <fuzzer/FuzzedDataProvider.h>
 

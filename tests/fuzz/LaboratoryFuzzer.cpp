@@ -1,8 +1,8 @@
 // Any calls of the VISA functions on the bench in any order, with any handles, texts and
 // attributes.
 
-#include "bench/InProcessBackend.h"
 #include "Require.h"
+#include "simulator/server/InProcessBackend.h"
 #include "visa/VisaFunctions.h"
 
 #include <QTemporaryDir>

@@ -1,5 +1,6 @@
 /* An instrument on the network by somebody else's RPC and XDR: it answers what was written to it, a
- * few bytes at a time. It is the whole host's, portmapper included. Usage: instrument_server ADDRESS */
+ * few bytes at a time. It is the whole host's, portmapper included. Usage: instrument_server
+ * ADDRESS */
 
 #include "instrument.h"
 
@@ -7,7 +8,12 @@
 #include <stdio.h>
 #include <string.h>
 
-enum { end_flag = 8, end_reason = 4, port = 111 };
+enum
+{
+    end_flag = 8,
+    end_reason = 4,
+    port = 111
+};
 
 void mapper_2(struct svc_req *request, SVCXPRT *transport);
 void core_1(struct svc_req *request, SVCXPRT *transport);
@@ -34,7 +40,8 @@ WriteResp *write_1_svc(WriteParms *parms, struct svc_req *request)
 {
     static WriteResp resp;
     resp.size = parms->data.data_len;
-    resp.error = parms->io_timeout == 0 || resp.size > 100 || length + resp.size > sizeof text ? 5 : 0;
+    resp.error =
+        parms->io_timeout == 0 || resp.size > 100 || length + resp.size > sizeof text ? 5 : 0;
     if (resp.error == 0) {
         memcpy(text + length, parms->data.data_val, resp.size);
         length += resp.size;
@@ -107,7 +114,8 @@ int main(int argc, char *argv[])
     struct sockaddr_in address = {.sin_family = AF_INET, .sin_port = htons(port)};
     int listener = socket(AF_INET, SOCK_STREAM, 0);
     if (argc != 2 || inet_pton(AF_INET, argv[1], &address.sin_addr) != 1 ||
-        bind(listener, (struct sockaddr *)&address, sizeof address) != 0 || listen(listener, 5) != 0) {
+        bind(listener, (struct sockaddr *)&address, sizeof address) != 0 ||
+        listen(listener, 5) != 0) {
         perror(argv[0]);
         return 1;
     }

@@ -1,0 +1,52 @@
+#include "simulator/server/CoreCall.h"
+
+#include "visa/wire/Vxi11.h"
+#include "visa/wire/Xdr.h"
+
+namespace server {
+
+using namespace lan::vxi11;
+
+std::optional<CoreCall> decodedCoreCall(const lan::RpcCall &call)
+{
+    CoreCall core;
+    core.procedure = call.procedure.procedure;
+    QDataStream from(call.arguments);
+    quint32 ignored = 0;
+    quint32 lockDevice = 0;
+    switch (core.procedure) { // the same parameters come in other orders
+    case CreateLink:
+        from >> ignored >> lockDevice >> core.lockTimeout;
+        core.flags = WaitLock;
+        core.lockDevice = lockDevice != 0;
+        core.data = lan::readOpaque(from, call.arguments);
+        break;
+    case DeviceWrite:
+        from >> core.link >> core.ioTimeout >> core.lockTimeout >> core.flags;
+        core.data = lan::readOpaque(from, call.arguments);
+        break;
+    case DeviceRead:
+        from >> core.link >> core.requestSize >> core.ioTimeout >> core.lockTimeout >> core.flags >>
+            core.terminator;
+        break;
+    case DeviceReadStb:
+    case DeviceTrigger:
+    case DeviceClear:
+    case DeviceRemote:
+    case DeviceLocal:
+        from >> core.link >> core.flags >> core.lockTimeout >> core.ioTimeout;
+        break;
+    case DeviceLock:
+        from >> core.link >> core.flags >> core.lockTimeout;
+        break;
+    case DeviceUnlock:
+    case DestroyLink:
+        from >> core.link;
+        break;
+    default: // nobody looks at those of others
+        break;
+    }
+    return from.status() == QDataStream::Ok ? std::optional(core) : std::nullopt;
+}
+
+} // namespace server

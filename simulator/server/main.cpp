@@ -1,0 +1,82 @@
+#include "simulator/server/Server.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QTextStream>
+
+namespace {
+
+/// The options of the command line; nothing when one makes no sense.
+std::optional<server::ServerOptions> optionsOf(const QCoreApplication &application)
+{
+    const server::ServerOptions usual;
+    const QCommandLineOption address(
+        "address",
+        "Listen there. On loopback every instrument has an address of its own, counted from this "
+        "one on; elsewhere they share it, and are VXI-11 devices by their names.",
+        "address", usual.address.toString());
+    const QCommandLineOption port("port", "First port of the raw SCPI sockets; 0: any.", "port",
+                                  QString::number(usual.scpiPort));
+    const QCommandLineOption noPortmapper("no-portmapper",
+                                          "Do without port 111, and so without VXI-11 clients.");
+    const QCommandLineOption timeScale(
+        "time-scale", "How long a second of the instruments lasts; 0: nothing takes time.",
+        "seconds", "1");
+    QCommandLineParser parser;
+    parser.setApplicationDescription("A laboratory of simulated instruments on the network.");
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addOptions({address, port, noPortmapper, timeScale});
+    parser.process(application);
+
+    server::ServerOptions options;
+    bool isPort = false;
+    bool isScale = false;
+    options.address = QHostAddress(parser.value(address));
+    options.scpiPort = parser.value(port).toUShort(&isPort);
+    options.hasPortmapper = !parser.isSet(noPortmapper);
+    options.timeScale = parser.value(timeScale).toDouble(&isScale);
+    const bool isIPv4 = options.address.protocol() == QAbstractSocket::IPv4Protocol;
+    const bool isValid = isIPv4 && isPort && isScale && options.timeScale >= 0 &&
+                         parser.positionalArguments().isEmpty();
+    return isValid ? std::optional(options) : std::nullopt;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationName("OrvantaBench");
+    QCoreApplication::setApplicationVersion(ORVANTA_VERSION);
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+
+    const auto options = optionsOf(application);
+    if (!options) {
+        err << "That is no IPv4 address, no port or no time scale; --help tells more.\n";
+        return 2;
+    }
+    server::Server server(*options);
+    const QString error = server.start();
+    if (!error.isEmpty()) {
+        err << error << "\n";
+        if (server.isUnprivileged()) {
+            err << "VXI-11 clients ask at port 111, which needs a privilege: type 'sudo setcap "
+                   "cap_net_bind_service=+ep "
+                << QCoreApplication::applicationFilePath()
+                << "' once, or have a network of your own by 'unshare --user --map-root-user --net "
+                   "sh -c \"ip link set lo up; exec $SHELL\"' and start this and its clients "
+                   "there.\n";
+        }
+        return 1;
+    }
+    out << server.resources().join("\n") << "\n"
+        << "Any of them answers BENCH:EVENT? with the truth of the last event.\n";
+    if (!options->address.isLoopback()) {
+        out << "Whoever reaches " << options->address.toString()
+            << " can use the bench: VXI-11 has neither passwords nor encryption.\n";
+    }
+    out.flush();
+    return QCoreApplication::exec();
+}

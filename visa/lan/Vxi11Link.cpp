@@ -1,0 +1,324 @@
+#include "visa/lan/Vxi11Link.h"
+
+#include "visa/lan/OpenLinks.h"
+#include "visa/lan/PortLookup.h"
+#include "visa/wire/Xdr.h"
+
+#include <QThread>
+
+#include <algorithm>
+#include <cstring>
+
+namespace lan {
+
+using visa::Deadline;
+
+namespace {
+
+using std::chrono::milliseconds;
+
+/// The time for an answer to arrive once the device's own time-out has elapsed.
+constexpr milliseconds answerMargin(500);
+constexpr milliseconds closingTime(1000);
+/// The longest time-out that is sent; devices take the largest number for a negative one.
+constexpr int longestTimeout = 3600 * 1000; // ms
+/// Bytes asked for, or sent, in one call.
+constexpr std::size_t largestTransfer = 16 << 20;
+/// What a device must take (VXI-11, B.6.3), for those that say 0.
+constexpr quint32 leastReceiveSize = 1024;
+
+Deadline answerBy(Deadline deadline)
+{
+    return deadline > Deadline::max() - answerMargin ? deadline : deadline + answerMargin;
+}
+
+/// The time-out for a device. To some, 0 is for ever; to others, at once.
+quint32 ioTimeout(Deadline deadline)
+{
+    return static_cast<quint32>(std::max(1, millisecondsUntil(deadline, longestTimeout)));
+}
+
+bool isOver(Deadline deadline)
+{
+    return millisecondsUntil(deadline, 1) == 0;
+}
+
+/// Returns VISA's status for a device's error code.
+ViStatus statusOf(quint32 error)
+{
+    switch (error) {
+    case vxi11::None:
+        return VI_SUCCESS;
+    case vxi11::SyntaxError:
+    case vxi11::NotAccessible:
+    case vxi11::InvalidAddress:
+        return VI_ERROR_RSRC_NFOUND;
+    case vxi11::InvalidLink: // the device has started anew
+        return VI_ERROR_CONN_LOST;
+    case vxi11::NotSupported:
+        return VI_ERROR_NSUP_OPER;
+    case vxi11::OutOfResources:
+        return VI_ERROR_ALLOC;
+    case vxi11::LockedByAnother:
+        return VI_ERROR_RSRC_LOCKED;
+    case vxi11::NoLockHeld:
+        return VI_ERROR_SESN_NLOCKED;
+    case vxi11::IoTimeout:
+        return VI_ERROR_TMO;
+    default:
+        return VI_ERROR_IO;
+    }
+}
+
+} // namespace
+
+Vxi11Link::Vxi11Link()
+{
+    OpenLinks::instance().add(this);
+}
+
+Vxi11Link::~Vxi11Link()
+{
+    OpenLinks::instance().remove(this);
+    leave(std::chrono::steady_clock::now() + closingTime);
+}
+
+ViStatus Vxi11Link::open(const QHostAddress &address, quint16 mapperPort, const std::string &device,
+                         Deadline deadline)
+{
+    host = address;
+    quint16 port = 0;
+    ViStatus status =
+        findPort(address, mapperPort, {vxi11::coreProgram, vxi11::coreVersion, 0}, deadline, &port);
+    if (status == VI_SUCCESS) {
+        status = rpc.connectTo(address, port, deadline);
+    }
+    QByteArray results;
+    if (status == VI_SUCCESS) {
+        // No lock, and no wait for one: its time-out is 0.
+        status = call(vxi11::CreateLink,
+                      xdrWords({static_cast<quint32>(process), 0, 0}) +
+                          xdrOpaque(device.data(), static_cast<int>(device.size())),
+                      deadline, &results);
+    }
+    if (status != VI_SUCCESS) {
+        const bool isOther = status == VI_ERROR_CONN_LOST || status == VI_ERROR_NSUP_OPER;
+        return isOther ? VI_ERROR_RSRC_NFOUND : status; // something that is no instrument
+    }
+    quint32 abortPort = 0;
+    QDataStream from(results);
+    from >> id >> abortPort >> receiveSize;
+    isOpen = from.status() == QDataStream::Ok;
+    receiveSize = receiveSize != 0 ? receiveSize : leastReceiveSize;
+    return isOpen ? VI_SUCCESS : VI_ERROR_IO;
+}
+
+void Vxi11Link::leave(Deadline deadline)
+{
+    const std::unique_lock<std::mutex> guard(calling, std::try_to_lock);
+    if (isOpen && guard.owns_lock() && process == getpid()) {
+        isOpen = false;
+        QByteArray results;
+        rpc.call({vxi11::coreProgram, vxi11::coreVersion, vxi11::DestroyLink}, xdrWords({id}),
+                 deadline, &results);
+    }
+}
+
+/// Call a procedure; the results are those behind the error code, also with an error. They are
+/// there until the next call.
+ViStatus Vxi11Link::call(vxi11::Procedure procedure, const QByteArray &arguments, Deadline answer,
+                         QByteArray *results)
+{
+    const std::lock_guard<std::mutex> guard(calling);
+    const ViStatus status =
+        rpc.call({vxi11::coreProgram, vxi11::coreVersion, procedure}, arguments, answer, results);
+    if (status != VI_SUCCESS) {
+        return status;
+    }
+    quint32 error = 0;
+    QDataStream from(*results);
+    from >> error;
+    *results = rest(from, *results);
+    return from.status() == QDataStream::Ok ? statusOf(error) : VI_ERROR_IO;
+}
+
+ViStatus Vxi11Link::callGeneric(vxi11::Procedure procedure, Deadline deadline, QByteArray *results)
+{
+    QByteArray ignored;
+    const quint32 flags = 0;
+    const quint32 lockTimeout = 0;
+    return call(procedure, xdrWords({id, flags, lockTimeout, ioTimeout(deadline)}),
+                answerBy(deadline), results != nullptr ? results : &ignored);
+}
+
+ViStatus Vxi11Link::write(const ViByte *bytes, std::size_t count, bool end, Deadline deadline,
+                          std::size_t *written)
+{
+    forget(); // what is left of an answer belongs to what was asked before
+    *written = 0;
+    while (*written < count) {
+        const std::size_t size =
+            std::min({count - *written, std::size_t(receiveSize), largestTransfer});
+        const bool isLast = *written + size == count;
+        QByteArray results;
+        const ViStatus status = call(
+            vxi11::DeviceWrite,
+            xdrWords({id, ioTimeout(deadline), 0, isLast && end ? vxi11::End : 0U}) +
+                xdrOpaque(reinterpret_cast<const char *>(bytes) + *written, static_cast<int>(size)),
+            answerBy(deadline), &results);
+        quint32 taken = 0;
+        QDataStream(results) >> taken;
+        *written += std::min<std::size_t>(taken, size);
+        if (status != VI_SUCCESS || taken == 0) {
+            return status != VI_SUCCESS ? status : VI_ERROR_IO;
+        }
+    }
+    return VI_SUCCESS;
+}
+
+visa::ReadOutcome Vxi11Link::read(ViByte *buffer, std::size_t count,
+                                  std::optional<ViByte> termination, Deadline deadline)
+{
+    visa::ReadOutcome outcome;
+    for (bool isFirst = true; !handOut(buffer, count, termination, &outcome); isFirst = false) {
+        if (!isFirst) {
+            if (outcome.status != VI_SUCCESS || isOver(deadline)) {
+                outcome.status = outcome.status != VI_SUCCESS ? outcome.status : VI_ERROR_TMO;
+                break;
+            }
+            if (fetched.isEmpty()) {
+                QThread::msleep(1); // it may have nothing for long yet
+            }
+        }
+        outcome.status = fetch(count - outcome.count, termination, deadline);
+        // The longest time-out that can be sent is not the caller's.
+        if (outcome.status == VI_ERROR_TMO && ioTimeout(deadline) == longestTimeout) {
+            outcome.status = VI_SUCCESS;
+        }
+    }
+    keepRest();
+    return outcome;
+}
+
+/// Ask the device for bytes, when all before have been handed out.
+ViStatus Vxi11Link::fetch(std::size_t count, std::optional<ViByte> termination, Deadline deadline)
+{
+    forget();
+    QByteArray results;
+    const ViStatus status = call(
+        vxi11::DeviceRead,
+        xdrWords({id, static_cast<quint32>(std::min(count, largestTransfer)), ioTimeout(deadline),
+                  0, termination ? vxi11::TermCharSet : 0U, termination.value_or(0)}),
+        answerBy(deadline), &results);
+    quint32 reason = 0;
+    QDataStream from(results);
+    from >> reason;
+    fetched = readOpaque(from, results);
+    if (from.status() != QDataStream::Ok) {
+        return status != VI_SUCCESS ? status : VI_ERROR_IO;
+    }
+    fetchedEnd = (reason & vxi11::EndIndicator) != 0;
+    return status;
+}
+
+/// Hand out what was fetched; true when that ends the read. The device's word for why its answer
+/// ended is taken for END only: it may have sent more than fits, or have no eye for the character.
+bool Vxi11Link::handOut(ViByte *buffer, std::size_t count, std::optional<ViByte> termination,
+                        visa::ReadOutcome *outcome)
+{
+    const char *bytes = fetched.constData() + handedOut;
+    std::size_t size =
+        std::min(count - outcome->count, static_cast<std::size_t>(fetched.size() - handedOut));
+    const void *terminator = termination ? std::memchr(bytes, *termination, size) : nullptr;
+    if (terminator != nullptr) {
+        size = static_cast<std::size_t>(static_cast<const char *>(terminator) - bytes) + 1;
+    }
+    std::copy_n(bytes, size, buffer + outcome->count);
+    outcome->count += size;
+    handedOut += static_cast<int>(size);
+    if (fetchedEnd && handedOut == fetched.size()) {
+        forget();
+        outcome->end = visa::ReadEnd::End;
+        return true;
+    }
+    if (terminator != nullptr) {
+        outcome->end = visa::ReadEnd::TerminationCharacter;
+        return true;
+    }
+    return outcome->count == count;
+}
+
+/// Keep what was fetched and not handed out beyond the next call, in memory of its own.
+void Vxi11Link::keepRest()
+{
+    fetched = QByteArray(fetched.constData() + handedOut, fetched.size() - handedOut);
+    handedOut = 0;
+}
+
+void Vxi11Link::forget()
+{
+    fetched.clear();
+    handedOut = 0;
+    fetchedEnd = false;
+}
+
+ViStatus Vxi11Link::clear(Deadline deadline)
+{
+    forget();
+    return callGeneric(vxi11::DeviceClear, deadline);
+}
+
+ViStatus Vxi11Link::trigger(Deadline deadline)
+{
+    return callGeneric(vxi11::DeviceTrigger, deadline);
+}
+
+ViStatus Vxi11Link::readStatusByte(Deadline deadline, ViUInt8 *statusByte)
+{
+    QByteArray results;
+    const ViStatus status = callGeneric(vxi11::DeviceReadStb, deadline, &results);
+    quint32 byte = 0;
+    QDataStream from(results);
+    from >> byte;
+    *statusByte = static_cast<ViUInt8>(byte);
+    return status != VI_SUCCESS || from.status() == QDataStream::Ok ? status : VI_ERROR_IO;
+}
+
+ViStatus Vxi11Link::controlRemote(ViUInt16 mode, Deadline deadline)
+{
+    // VXI-11 knows the device as a whole, not the lines of its bus (VPP-4.3, table 6.5.1).
+    constexpr ViUInt16 assertAndAddress = 3;
+    constexpr ViUInt16 assertAddressAndLockOut = 5;
+    switch (mode) {
+    case assertAndAddress:
+    case assertAddressAndLockOut:
+        return callGeneric(vxi11::DeviceRemote, deadline);
+    case VI_GPIB_REN_ADDRESS_GTL:
+        return callGeneric(vxi11::DeviceLocal, deadline);
+    default:
+        return VI_ERROR_NSUP_OPER;
+    }
+}
+
+ViStatus Vxi11Link::lock(Deadline deadline)
+{
+    const auto timeout = static_cast<quint32>(millisecondsUntil(deadline, longestTimeout));
+    const quint32 flags = timeout > 0 ? vxi11::WaitLock : 0U;
+    QByteArray results;
+    const ViStatus status =
+        call(vxi11::DeviceLock, xdrWords({id, flags, timeout}), answerBy(deadline), &results);
+    return status == VI_ERROR_RSRC_LOCKED ? VI_ERROR_TMO : status; // as viLock has it
+}
+
+ViStatus Vxi11Link::unlock(Deadline deadline)
+{
+    QByteArray results;
+    return call(vxi11::DeviceUnlock, xdrWords({id}), answerBy(deadline), &results);
+}
+
+std::string Vxi11Link::address() const
+{
+    return host.toString().toStdString();
+}
+
+} // namespace lan

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QtGlobal>
+
+namespace lan::vxi11 {
+
+// Numbers of the TCP/IP Instrument Protocol (VXI-11 1.0, appendix C) and of its core channel.
+
+constexpr quint32 coreProgram = 0x0607AF;
+constexpr quint32 coreVersion = 1;
+
+enum Procedure : quint32
+{
+    Null = 0, ///< of every program: does nothing
+    CreateLink = 10,
+    DeviceWrite = 11,
+    DeviceRead = 12,
+    DeviceReadStb = 13,
+    DeviceTrigger = 14,
+    DeviceClear = 15,
+    DeviceRemote = 16,
+    DeviceLocal = 17,
+    DeviceLock = 18,
+    DeviceUnlock = 19,
+    DeviceEnableSrq = 20,
+    DeviceDoCmd = 22,
+    DestroyLink = 23,
+    CreateInterruptChannel = 25,
+    DestroyInterruptChannel = 26,
+};
+
+/// Flags of a call.
+enum Flag : quint32
+{
+    WaitLock = 0x01,
+    End = 0x08, ///< of a write: the last byte is sent with END
+    TermCharSet = 0x80,
+};
+
+/// Why a read ended; several may hold. 0: the device has no more room, and goes on if asked.
+enum Reason : quint32
+{
+    RequestCount = 1,
+    TermChar = 2,
+    EndIndicator = 4,
+};
+
+enum Error : quint32
+{
+    None = 0,
+    SyntaxError = 1,
+    NotAccessible = 3,
+    InvalidLink = 4,
+    ParameterError = 5,
+    NotSupported = 8,
+    OutOfResources = 9,
+    LockedByAnother = 11,
+    NoLockHeld = 12,
+    IoTimeout = 15,
+    IoError = 17,
+    InvalidAddress = 21,
+};
+
+} // namespace lan::vxi11
