@@ -116,7 +116,7 @@ QString warningLines(const Series &series)
         lines += QString("Warning: %1: ").arg(seriesName(series)) + oscilloscopeLine(series);
     }
     if (const int flagged = flaggedCount(series); flagged > 0) {
-        lines += QString("Warning: %1: %2 flagged values are left out\n")
+        lines += QString("Warning: %1 has flags; values left out: %2\n")
                      .arg(seriesName(series))
                      .arg(flagged);
     }
