@@ -21,7 +21,7 @@ struct AxisEnds
     double tolerance;
 };
 
-/// The ends of the axis, or of both types' axes while the type is not known.
+/// The ends of the axis, or of both types' axes while the type is not known, the longer one last.
 QVector<AxisEnds> axisEnds(int samples, const Recognition &recognition)
 {
     constexpr double milliseconds = 1000.0;
@@ -47,14 +47,6 @@ bool isAtEnd(double delay, const QVector<AxisEnds> &all)
     return std::any_of(all.begin(), all.end(), [delay](const AxisEnds &ends) {
         return std::abs(delay - ends.late) <= ends.tolerance ||
                std::abs(delay - ends.early) <= ends.tolerance;
-    });
-}
-
-/// Whether a delay is past all ends: only an RF edge counted from the start of the axis is.
-bool isPastEnd(double delay, const QVector<AxisEnds> &all)
-{
-    return std::all_of(all.begin(), all.end(), [delay](const AxisEnds &ends) {
-        return delay > ends.late + ends.tolerance;
     });
 }
 
@@ -120,6 +112,8 @@ SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognit
     const QVector<double> &toHdmi = results.sourceToHdmi.values;
     const QVector<double> &toSink = results.sourceToSink.values;
     const QVector<AxisEnds> ends = axisEnds(samples, recognition);
+    // Only an RF edge counted from the start of the axis is further than its end.
+    const double furthest = ends.last().late + ends.last().tolerance;
     const bool hdmiUsed = isHdmiUsed(results);
 
     SeriesFlags flags;
@@ -135,7 +129,7 @@ SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognit
         if (toRf[i] == 0.0 && toSink[i] == 0.0) {
             rf |= Flag::NothingArrived;
             sink |= Flag::NothingArrived;
-        } else if (isPastEnd(toRf[i], ends) || (toRf[i] == 0.0 && toSink[i] < 0.0)) {
+        } else if (toRf[i] > furthest || (toRf[i] == 0.0 && toSink[i] < 0.0)) {
             rf |= Flag::NoSource;
             sink |= Flag::NoSource;
         } else if (toRf[i] == 0.0) {
