@@ -126,9 +126,9 @@ private slots:
         Series series;
         QString reason;
         QVERIFY(openResults(file, &series, &reason));
-        QVERIFY(series.flags[0][0] && series.flags[2][0]);
+        QCOMPARE(int(series.flags[2][0]), int(Flag::EndOfAxis));
         addTraces(&series);
-        QVERIFY(series.flags[0][0] && series.flags[2][0]);
+        QCOMPARE(int(series.flags[0][0]), int(Flag::EndOfAxis));
         QVERIFY(!series.oscilloscope.type);
         QVERIFY2(series.oscilloscope.remark.contains(remark),
                  qPrintable(series.oscilloscope.remark));

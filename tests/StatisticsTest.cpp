@@ -79,6 +79,7 @@ private slots:
         QVERIFY2(std::abs(found.low + 1.0) < 0.15, qPrintable(QString::number(found.low)));
         QVERIFY2(std::abs(found.high - 3.4) < 0.15, qPrintable(QString::number(found.high)));
         QCOMPARE(compareMedians(first, second, 0.1).low, found.low);
+        QVERIFY(!compareMedians({5, 5, 5, 5, 5}, {6, 6, 6, 6, 6}, 1.0).isShown());
         QVERIFY(!compareMedians(first.mid(36), second, 0.1).hasInterval());
     }
 
