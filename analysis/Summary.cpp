@@ -122,20 +122,24 @@ QString warningLines(const Series &series)
     return lines;
 }
 
-/// What the order of the values tells against the interval, which takes them for independent.
+/// Returns a warning where the order of the values shows that the interval cannot be trusted: it
+/// takes the measurements for independent. Empty where the order shows nothing.
 QString dependenceLine(const Series &series, DelayKind kind)
 {
     constexpr double negligible = 0.2;
     const Statistics of = computeStatistics(selectValues(series, kind, false));
-    // Of independent values, chance brings more than this once in twenty series.
-    const double byChance = 2.0 / std::sqrt(of.n);
-    if (!(std::abs(of.correlation) > std::max(negligible, byChance))) {
+    if (!(std::abs(of.correlation) > negligible)) {
         return {};
     }
-    return QString("Warning: %1 of %2: the measurements seem to depend on each other (lag-1 "
-                   "correlation %3), so the interval is too %4\n")
-        .arg(delayName(kind), seriesName(series), delayText(of.correlation, 0.0),
-             of.correlation > 0.0 ? "narrow" : "wide");
+    // Of independent values, chance brings more than this once in twenty series.
+    const bool isChance = std::abs(of.correlation) <= 2.0 / std::sqrt(of.n);
+    return QString(
+               "Warning: %1 of %2: the measurements %3 on each other (lag-1 correlation %4), so "
+               "the interval is too %5%6\n")
+        .arg(delayName(kind), seriesName(series), isChance ? "may depend" : "depend",
+             delayText(of.correlation, 0.0), of.correlation > 0.0 ? "narrow" : "wide",
+             isChance ? QString("; of %1 values chance alone often brings as much").arg(of.n)
+                      : QString());
 }
 
 QString verdict(const MedianDifference &found, double step)

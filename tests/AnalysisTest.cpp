@@ -74,7 +74,7 @@ private slots:
         QTest::addColumn<Values>("toSink"); // of the second series
         QTest::addColumn<QString>("warning");
         QTest::addColumn<QString>("result");
-        const QString equal = "no difference shown; one of 2.0 ms would";
+        const QString equal = "no difference shown; one of 3.0 ms would";
         Values drift(30);
         std::iota(drift.begin(), drift.end(), 91);
         const QString dependent = "(lag-1 correlation 0.90), so the interval is too narrow";

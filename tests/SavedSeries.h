@@ -48,12 +48,13 @@ inline Series open(const QString &file)
     return series;
 }
 
-/// Values of which no two in a row are equal; the last one is as given.
+/// Values whose neighbours differ and are not correlated; the last one is as given.
 inline Values varied(int count, double last)
 {
     Values values(count);
     for (int i = 0; i < count; ++i) {
-        values[i] = last + (count - 1 - i) % 7;
+        const int back = count - 1 - i;
+        values[i] = last + 2 * back % 11;
     }
     return values;
 }
