@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/LinkModel.h"
+#include "simulator/RadioLink.h"
 #include "simulator/scpi/Instrument.h"
 
 #include <string>
@@ -11,15 +11,15 @@ namespace simulator {
 class BenchInstrument : public Instrument
 {
 public:
-    BenchInstrument(const std::string &identity, LinkModel &link);
+    BenchInstrument(const std::string &identity, RadioLink &link);
 
 protected:
-    LinkModel &link() { return model; }
+    RadioLink &radioLink() { return link; }
 
 private:
     Error answerEvent(std::string *answer) const;
 
-    LinkModel &model;
+    RadioLink &link;
 };
 
 } // namespace simulator

@@ -14,7 +14,7 @@ constexpr double verticalDivisions = 10.0;
 
 // Both families: RANGe is the whole screen of ten vertical divisions, SCALe one of them; the time
 // base likewise with the family's number of horizontal divisions.
-Oscilloscope::Oscilloscope(const OscilloscopeDialect &dialect, LinkModel &link)
+Oscilloscope::Oscilloscope(const OscilloscopeDialect &dialect, RadioLink &link)
     : BenchInstrument(dialect.identity, link),
       divisions(dialect.divisions),
       channelState(add(dialect.channelState)),
@@ -78,8 +78,8 @@ Error Oscilloscope::trigger()
     if (acquisition == Acquisition::Stopped) {
         return scpi::triggerIgnored;
     }
-    link().trigger(level());
-    record = link().lastRecord();
+    radioLink().trigger(level());
+    record = radioLink().lastRecord();
     begin(timeGrid().span);
     if (acquisition == Acquisition::Armed) {
         acquisition = Acquisition::Stopped;
@@ -104,7 +104,7 @@ TimeGrid Oscilloscope::timeGrid() const
 
 std::vector<float> Oscilloscope::samples(std::size_t channel)
 {
-    const AnalyzerOutput &output = link().analyzerOutput();
+    const AnalyzerOutput &output = radioLink().analyzerOutput();
     const Signal signal = channel == 1   ? Signal::Source
                           : channel == 2 ? Signal::Sink
                           : channel == 3 ? output.signal

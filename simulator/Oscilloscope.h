@@ -32,7 +32,7 @@ OscilloscopeDialect lpa4004Dialect();
 class Oscilloscope : public BenchInstrument
 {
 public:
-    Oscilloscope(const OscilloscopeDialect &dialect, LinkModel &link);
+    Oscilloscope(const OscilloscopeDialect &dialect, RadioLink &link);
 
 protected:
     void reset() override;
@@ -65,7 +65,7 @@ private:
     Setting &triggerLevel;
     std::vector<std::pair<const Setting *, int>> triggerConditions;
     Acquisition acquisition = Acquisition::Running;
-    LinkEvent record{0, 0.0};
+    RadioLinkEvent record{0, 0.0};
 };
 
 } // namespace simulator

@@ -33,7 +33,7 @@ const char *identityOf(AnalyzerFamily family)
 
 } // namespace
 
-SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, LinkModel &link)
+SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link)
     : BenchInstrument(identityOf(family), link),
       frequency(add(number("FREQuency:CENTer", 0.0, 40e9, 2.437e9, "HZ"))),
       triggerSource(add(choice<TriggerSource>(
@@ -71,7 +71,7 @@ SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, LinkModel &link)
 
 void SpectrumAnalyzer::startSweep()
 {
-    sweep = link().freeSweep();
+    sweep = radioLink().freeSweep();
     begin(sweepTime.value());
 }
 
@@ -84,7 +84,8 @@ Receiver SpectrumAnalyzer::receiver() const
 void SpectrumAnalyzer::executed()
 {
     if (output != nullptr) {
-        link().connect({output->is(Output::Video) ? Signal::Video : Signal::Carrier, receiver()});
+        radioLink().connect(
+            {output->is(Output::Video) ? Signal::Video : Signal::Carrier, receiver()});
     }
 }
 
@@ -107,7 +108,7 @@ Error SpectrumAnalyzer::answerTrace(const Call &call, std::string *answer)
     if (!isTriggered && continuous.isOn()) {
         startSweep();
     }
-    const LinkEvent &shown = isTriggered ? link().lastRecord() : sweep;
+    const RadioLinkEvent &shown = isTriggered ? radioLink().lastRecord() : sweep;
     std::vector<float> samples =
         shown.trace(Signal::RfPower,
                     {isTriggered ? holdOff.value() : 0.0, sweepTime.value(),

@@ -18,7 +18,7 @@ enum class AnalyzerFamily
 class SpectrumAnalyzer : public BenchInstrument
 {
 public:
-    SpectrumAnalyzer(AnalyzerFamily family, LinkModel &link);
+    SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link);
 
 protected:
     void executed() override;
@@ -37,7 +37,7 @@ private:
     Setting &continuous;
     Setting *output = nullptr; // null where there is none
     Setting *outputFrequency = nullptr;
-    LinkEvent sweep{0, 0.0}; // the last one that nothing triggered
+    RadioLinkEvent sweep{0, 0.0}; // the last one that nothing triggered
 };
 
 } // namespace simulator

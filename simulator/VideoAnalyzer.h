@@ -11,7 +11,7 @@ namespace simulator {
 class VideoAnalyzer : public BenchInstrument
 {
 public:
-    explicit VideoAnalyzer(LinkModel &link);
+    explicit VideoAnalyzer(RadioLink &link);
 
 protected:
     void reset() override;

@@ -132,7 +132,7 @@ private slots:
     {
         Bench bench;
         ask(bench, "video", "INIT:AVDA");
-        const auto instants = [&] { return bench.link().lastEvent().instants(); };
+        const auto instants = [&] { return bench.radioLink().lastEvent().instants(); };
         for (const auto &[settings, events] :
              std::initializer_list<std::pair<const char *, const char *>>{
                  {"", "1"},

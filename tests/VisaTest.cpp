@@ -218,9 +218,9 @@ private slots:
         write(second, "*OPC?");
         QCOMPARE(viClear(second), VI_SUCCESS);
         QCOMPARE(read(second, 99), nothing);
-        const auto events = bench().link().eventCount();
+        const auto events = bench().radioLink().eventCount();
         QCOMPARE(viAssertTrigger(second, 0), VI_SUCCESS);
-        QCOMPARE(bench().link().eventCount(), events + 1);
+        QCOMPARE(bench().radioLink().eventCount(), events + 1);
     }
 
     void locks()

@@ -20,7 +20,7 @@ struct TimeGrid
 /// The true instants of one event, in seconds after the trigger: where the noiseless source stands
 /// 35 mV above dark, where the first RF burst starts, where the noiseless sink passes 60 mV. The
 /// HDMI delay counts from the source instant. All are not-a-number when nothing happened.
-struct Instants
+struct TrueInstants
 {
     double source;
     double rf;
@@ -58,7 +58,7 @@ struct Latency
 };
 
 /// How the link's events are distributed.
-struct LinkStatistics
+struct RadioLinkStatistics
 {
     Latency rf{45e-3, 8e-3}; ///< from the source to the first burst
     Latency hdmi{95e-3, 4e-3};
@@ -69,23 +69,23 @@ struct LinkStatistics
 };
 
 /// One change at the source and what follows it along the link.
-class LinkEvent
+class RadioLinkEvent
 {
 public:
     /// Make a record of nothing but dark, floor and beacons; the number seeds the noise.
-    LinkEvent(std::uint32_t number, double beaconPhase);
+    RadioLinkEvent(std::uint32_t number, double beaconPhase);
 
     /// Make an event whose latencies come from the generator, always with the same number of draws.
     /// The trigger level in volts is what the source passes at time zero; it lies between dark and
     /// bright.
-    LinkEvent(std::uint32_t number, double triggerLevel, const LinkStatistics &statistics,
-              std::mt19937 *generator);
+    RadioLinkEvent(std::uint32_t number, double triggerLevel, const RadioLinkStatistics &statistics,
+                   std::mt19937 *generator);
 
     /// Sample a signal. The same arguments always give the same samples.
     [[nodiscard]] std::vector<float> trace(Signal signal, const TimeGrid &grid,
                                            const Receiver &receiver = {}) const;
 
-    [[nodiscard]] const Instants &instants() const { return truth; }
+    [[nodiscard]] const TrueInstants &instants() const { return truth; }
     /// Tell whether the source record starts implausibly high.
     [[nodiscard]] bool isOverloaded() const { return overloaded; }
 
@@ -95,7 +95,7 @@ private:
     [[nodiscard]] double rfDbm(double time, const Receiver &receiver) const;
 
     std::uint32_t number;
-    Instants truth;
+    TrueInstants truth;
     double sourceStart; // where the rises begin, seconds; infinite when there is none
     double sinkStart;
     double beaconPhase;
@@ -111,7 +111,7 @@ struct AnalyzerOutput
 
 /// The wireless link that every instrument of the bench looks at: the same sequence of events at
 /// every start.
-class LinkModel
+class RadioLink
 {
 public:
     /// Let an oscilloscope's trigger catch the next change at the source. Without a level that the
@@ -119,17 +119,17 @@ public:
     void trigger(std::optional<double> level);
 
     /// Tell what the last trigger caught, forced records included; at first an empty one.
-    [[nodiscard]] const LinkEvent &lastRecord() const { return record; }
+    [[nodiscard]] const RadioLinkEvent &lastRecord() const { return record; }
     /// Tell the last event; without instants when there was none.
-    [[nodiscard]] const LinkEvent &lastEvent() const { return event; }
+    [[nodiscard]] const RadioLinkEvent &lastEvent() const { return event; }
     /// Count the events, forced records not.
     [[nodiscard]] std::uint32_t eventCount() const { return events; }
     /// Make a sweep that nothing triggers; no two are alike.
-    LinkEvent freeSweep();
+    RadioLinkEvent freeSweep();
 
     /// Begin another sequence of events.
     void seed(std::uint32_t number) { generator.seed(number); }
-    LinkStatistics statistics; ///< of the events to come
+    RadioLinkStatistics statistics; ///< of the events to come
 
     [[nodiscard]] const AnalyzerOutput &analyzerOutput() const { return output; }
     void connect(const AnalyzerOutput &analyzer) { output = analyzer; }
@@ -137,8 +137,8 @@ public:
 private:
     // The generator's standard seed, so that every bench tells the same story.
     std::mt19937 generator{std::mt19937::default_seed}; // NOLINT(bugprone-random-generator-seed)
-    LinkEvent record{0, 0.0};
-    LinkEvent event{0, 0.0};
+    RadioLinkEvent record{0, 0.0};
+    RadioLinkEvent event{0, 0.0};
     std::uint32_t records = 0;
     std::uint32_t events = 0;
     std::uint32_t sweeps = 0;

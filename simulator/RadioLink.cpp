@@ -1,4 +1,4 @@
-#include "simulator/LinkModel.h"
+#include "simulator/RadioLink.h"
 
 #include <cmath>
 #include <limits>
@@ -119,7 +119,7 @@ std::vector<float> sampled(const TimeGrid &grid, std::uint32_t key, double noise
 
 } // namespace
 
-LinkEvent::LinkEvent(std::uint32_t number, double beaconPhase)
+RadioLinkEvent::RadioLinkEvent(std::uint32_t number, double beaconPhase)
     : number(number),
       truth{unknown, unknown, unknown, unknown},
       sourceStart(never),
@@ -128,9 +128,9 @@ LinkEvent::LinkEvent(std::uint32_t number, double beaconPhase)
 {
 }
 
-LinkEvent::LinkEvent(std::uint32_t number, double triggerLevel, const LinkStatistics &statistics,
-                     std::mt19937 *generator)
-    : LinkEvent(number, 0.0)
+RadioLinkEvent::RadioLinkEvent(std::uint32_t number, double triggerLevel,
+                               const RadioLinkStatistics &statistics, std::mt19937 *generator)
+    : RadioLinkEvent(number, 0.0)
 {
     sourceStart = -riseTime(triggerLevel, sourceDark, sourceBright, sourceRise);
     truth.source = sourceStart + riseTime(sourceVisible, sourceDark, sourceBright, sourceRise);
@@ -147,7 +147,7 @@ LinkEvent::LinkEvent(std::uint32_t number, double triggerLevel, const LinkStatis
     overloaded = uniform(generator) < statistics.overloads;
 }
 
-double LinkEvent::sourceVolts(double time) const
+double RadioLinkEvent::sourceVolts(double time) const
 {
     double volts =
         sourceDark + (sourceBright - sourceDark) * riseShape((time - sourceStart) / sourceRise);
@@ -158,12 +158,12 @@ double LinkEvent::sourceVolts(double time) const
     return volts;
 }
 
-double LinkEvent::sinkVolts(double time) const
+double RadioLinkEvent::sinkVolts(double time) const
 {
     return sinkDark + (sinkBright - sinkDark) * riseShape((time - sinkStart) / sinkRise);
 }
 
-double LinkEvent::rfDbm(double time, const Receiver &receiver) const
+double RadioLinkEvent::rfDbm(double time, const Receiver &receiver) const
 {
     if (!receiver.isOnChannel) {
         return floorDbm;
@@ -177,8 +177,8 @@ double LinkEvent::rfDbm(double time, const Receiver &receiver) const
     return phaseIn(time - beaconPhase, beaconPeriod) < beaconLength ? beaconDbm : floorDbm;
 }
 
-std::vector<float> LinkEvent::trace(Signal signal, const TimeGrid &grid,
-                                    const Receiver &receiver) const
+std::vector<float> RadioLinkEvent::trace(Signal signal, const TimeGrid &grid,
+                                         const Receiver &receiver) const
 {
     const std::uint32_t key = hash(hash(number) + static_cast<std::uint32_t>(signal));
     switch (signal) {
@@ -209,19 +209,19 @@ bool hearsChannel(double frequency, double bandwidth)
     return std::abs(frequency - channelFrequency) <= (channelWidth + bandwidth) / 2.0;
 }
 
-void LinkModel::trigger(std::optional<double> level)
+void RadioLink::trigger(std::optional<double> level)
 {
     ++records;
     if (level && *level > sourceDark && *level < sourceBright) {
-        event = LinkEvent(records, *level, statistics, &generator);
+        event = RadioLinkEvent(records, *level, statistics, &generator);
         record = event;
         ++events;
     } else {
-        record = LinkEvent(records, 0.0);
+        record = RadioLinkEvent(records, 0.0);
     }
 }
 
-LinkEvent LinkModel::freeSweep()
+RadioLinkEvent RadioLink::freeSweep()
 {
     constexpr std::uint32_t apart = 0x80000000U; // from the numbers of the records
     const std::uint32_t number = apart + ++sweeps;
