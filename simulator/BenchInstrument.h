@@ -7,7 +7,8 @@
 
 namespace simulator {
 
-/// An instrument that looks at the link. All of them tell the truth when they are asked for it.
+/// An instrument that observes the radio link. Each can be asked for the true delays of the last
+/// event, so that a client can check what it measured.
 class BenchInstrument : public Instrument
 {
 public:

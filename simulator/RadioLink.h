@@ -8,8 +8,8 @@
 
 namespace simulator {
 
-/// Equally spaced instants: sample k of `points` lies at start + span * k / (points - 1), in
-/// seconds after the trigger.
+/// Equally spaced instants in seconds after the trigger. The first is `start`, the last is
+/// `start + span`.
 struct TimeGrid
 {
     double start;
@@ -17,15 +17,14 @@ struct TimeGrid
     std::size_t points;
 };
 
-/// The true instants of one event, in seconds after the trigger: where the noiseless source stands
-/// 35 mV above dark, where the first RF burst starts, where the noiseless sink passes 60 mV. The
-/// HDMI delay counts from the source instant. All are not-a-number when nothing happened.
+/// The true instants of one event, in seconds after the trigger, and its HDMI delay. All are
+/// not-a-number when there was no event.
 struct TrueInstants
 {
-    double source;
-    double rf;
-    double sink;
-    double hdmiDelayMs;
+    double source;      ///< the source without noise is 35 mV above dark
+    double rf;          ///< the first RF burst starts
+    double sink;        ///< the sink without noise passes 60 mV
+    double hdmiDelayMs; ///< counted from the source's instant
 };
 
 /// What an instrument's input can be wired to.
@@ -39,15 +38,15 @@ enum class Signal : std::uint32_t
     Carrier,     ///< the analyzer's IF output, volts
 };
 
-/// How an analyzer looks at the radio.
+/// How an analyzer receives the radio channel.
 struct Receiver
 {
-    bool isOnChannel = false;      ///< otherwise there is nothing but the floor
+    bool isOnChannel = false;      ///< a receiver beside the channel shows only the noise floor
     double carrierFrequency = 0.0; ///< of its IF output, hertz
 };
 
-/// Tell whether a receiver of so much bandwidth around a frequency hears the link's channel; both
-/// in hertz.
+/// Returns whether a receiver with this centre frequency and bandwidth, both in hertz, receives
+/// the radio link's channel.
 bool hearsChannel(double frequency, double bandwidth);
 
 /// The distribution of a delay in seconds: triangular, mean plus or minus spread.
@@ -57,26 +56,27 @@ struct Latency
     double spread;
 };
 
-/// How the link's events are distributed.
+/// How the events of a radio link are distributed.
 struct RadioLinkStatistics
 {
-    Latency rf{45e-3, 8e-3}; ///< from the source to the first burst
-    Latency hdmi{95e-3, 4e-3};
-    /// To the sink, which then waits for its next display frame and rises to its visible level.
-    /// That adds 10.7 ms on average: 120 ms in all.
+    Latency rf{45e-3, 8e-3};   ///< from the source to the first burst
+    Latency hdmi{95e-3, 4e-3}; ///< from the source to the sink's HDMI output
+    /// From the source until the picture has reached the sink. The sink then waits for its next
+    /// display frame and becomes bright, which takes 10.7 ms on average: 120 ms in all.
     Latency sink{109.3e-3, 8e-3};
     double overloads = 1.0 / 16.0; ///< share of the records
 };
 
-/// One change at the source and what follows it along the link.
+/// One change at the source and what follows from it on the radio link.
 class RadioLinkEvent
 {
 public:
-    /// Make a record of nothing but dark, floor and beacons; the number seeds the noise.
+    /// Make a record without an event: dark screens, the noise floor and beacons. The number seeds
+    /// the noise.
     RadioLinkEvent(std::uint32_t number, double beaconPhase);
 
-    /// Make an event whose latencies come from the generator, always with the same number of draws.
-    /// The trigger level in volts is what the source passes at time zero; it lies between dark and
+    /// Make an event with random latencies. Every event draws the same number of random values. The
+    /// source passes the trigger level at time zero; the level in volts lies between dark and
     /// bright.
     RadioLinkEvent(std::uint32_t number, double triggerLevel, const RadioLinkStatistics &statistics,
                    std::mt19937 *generator);
@@ -86,7 +86,7 @@ public:
                                            const Receiver &receiver = {}) const;
 
     [[nodiscard]] const TrueInstants &instants() const { return truth; }
-    /// Tell whether the source record starts implausibly high.
+    /// Returns whether the source's record starts implausibly high.
     [[nodiscard]] bool isOverloaded() const { return overloaded; }
 
 private:
@@ -96,35 +96,35 @@ private:
 
     std::uint32_t number;
     TrueInstants truth;
-    double sourceStart; // where the rises begin, seconds; infinite when there is none
-    double sinkStart;
+    double sourceStart; // when the source begins to rise, seconds; infinite without an event
+    double sinkStart;   // the same of the sink
     double beaconPhase;
     bool overloaded = false;
 };
 
-/// What the line to the oscilloscopes' channel 3 carries.
+/// What the cable from the analyzers to the oscilloscopes' channel 3 carries.
 struct AnalyzerOutput
 {
     Signal signal = Signal::Carrier;
     Receiver receiver{};
 };
 
-/// The wireless link that every instrument of the bench looks at: the same sequence of events at
-/// every start.
+/// The radio link that all instruments of the bench observe. Its events are the same at every
+/// start.
 class RadioLink
 {
 public:
-    /// Let an oscilloscope's trigger catch the next change at the source. Without a level that the
-    /// source passes (volts) the record is forced and shows no event.
+    /// Record the next change at the source, as an oscilloscope's trigger does. Without a trigger
+    /// level in volts, or with one that the source never passes, the record shows no event.
     void trigger(std::optional<double> level);
 
-    /// Tell what the last trigger caught, forced records included; at first an empty one.
+    /// Returns what the last trigger recorded, with or without an event.
     [[nodiscard]] const RadioLinkEvent &lastRecord() const { return record; }
-    /// Tell the last event; without instants when there was none.
+    /// Returns the last event. Its instants are not-a-number when there was none.
     [[nodiscard]] const RadioLinkEvent &lastEvent() const { return event; }
-    /// Count the events, forced records not.
+    /// Returns the number of events. Records without an event do not count.
     [[nodiscard]] std::uint32_t eventCount() const { return events; }
-    /// Make a sweep that nothing triggers; no two are alike.
+    /// Make an analyzer's sweep that no trigger started. Each shows other noise and beacons.
     RadioLinkEvent freeSweep();
 
     /// Begin another sequence of events.
@@ -135,7 +135,7 @@ public:
     void connect(const AnalyzerOutput &analyzer) { output = analyzer; }
 
 private:
-    // The generator's standard seed, so that every bench tells the same story.
+    // The fixed seed makes the events the same at every start.
     std::mt19937 generator{std::mt19937::default_seed}; // NOLINT(bugprone-random-generator-seed)
     RadioLinkEvent record{0, 0.0};
     RadioLinkEvent event{0, 0.0};

@@ -47,10 +47,10 @@ SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link)
 {
     add(number("DISPlay[:WINDow]:TRACe<1>:Y[:SCALe]:RLEVel", -130.0, 30.0, 0.0, "DBM"));
     add(number("INPut<1>:ATTenuation", 0.0, 75.0, 10.0, "DB"));
-    add(number("FREQuency:SPAN", 0.0, 0.0, 0.0, "HZ")); // the bench knows zero span only
+    add(number("FREQuency:SPAN", 0.0, 0.0, 0.0, "HZ")); // zero span only
     add(choice("TRIGger<1>[:SEQuence]:SLOPe", {"POSitive", "NEGative"}));
     add(choice("SWEep:TYPE", {"AUTO", "SWEep", "FFT"}));
-    add(choice("SWEep:OPTimize", {"AUTO", "DYNamic", "SPEed"}).bare());
+    add(choice("SWEep:OPTimize", {"AUTO", "DYNamic", "SPEed"}).withOptionalParameter());
     add(choice("BWIDth:FFT", {"AUTO", "WIDE", "NARRow"}));
     add(number("BWIDth:VIDeo", 1.0, 80e6, 3e6, "HZ"));
     if (family == AnalyzerFamily::Qan) {
@@ -62,9 +62,9 @@ SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link)
         outputFrequency = &add(number("OUTPut<1>:IF:IFFRequency", 0.0, 1e9, 2.0, "HZ"));
     }
     addFormatCommands();
-    onEvent("INITiate<1>[:IMMediate]", [this] { startSweep(); });
-    onEvent("*TRG", [this] { startSweep(); });
-    onEvent("ABORt", [] {}); // a sweep is over as soon as it starts
+    onAction("INITiate<1>[:IMMediate]", [this] { startSweep(); });
+    onAction("*TRG", [this] { startSweep(); });
+    onAction("ABORt", [] {}); // a sweep is over as soon as it starts
     onQuery("TRACe<1>[:DATA]", {1, 2},
             [this](const Call &call, std::string *answer) { return answerTrace(call, answer); });
 }
@@ -72,7 +72,7 @@ SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link)
 void SpectrumAnalyzer::startSweep()
 {
     sweep = radioLink().freeSweep();
-    begin(sweepTime.value());
+    setDuration(sweepTime.value());
 }
 
 Receiver SpectrumAnalyzer::receiver() const
@@ -81,7 +81,7 @@ Receiver SpectrumAnalyzer::receiver() const
             outputFrequency != nullptr ? outputFrequency->value() : 0.0};
 }
 
-void SpectrumAnalyzer::executed()
+void SpectrumAnalyzer::messageExecuted()
 {
     if (output != nullptr) {
         radioLink().connect(

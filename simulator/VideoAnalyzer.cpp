@@ -9,7 +9,7 @@ VideoAnalyzer::VideoAnalyzer(RadioLink &link) : BenchInstrument("Varnholt,VMX100
     add(boolean("SYSTem:DISPlay:UPDate", true));
     add(number("CONFigure:AVDA:TTV:APL:THReshold", 0.0, 100.0, 50.0, "PCT"));
     add(number("CONFigure:AVDA:TTV:APL:HYSTeresis", 0.0, 100.0, 10.0, "PCT"));
-    onEvent("INITiate:AVDA", [this] { eventsBefore = this->radioLink().eventCount(); });
+    onAction("INITiate:AVDA", [this] { eventsBefore = this->radioLink().eventCount(); });
     onAnswer("READ:AVDA:TTV:STATus", [this] { return std::string(eventsBefore ? "1" : "0"); });
     onAnswer("READ:AVDA:TTV:COUNt", [this] { return std::to_string(count()); });
     onQuery("READ:AVDA:TTV:VALue", {},

@@ -17,10 +17,10 @@ protected:
     void reset() override;
 
 private:
-    [[nodiscard]] std::uint32_t count();
+    [[nodiscard]] std::uint32_t count(); // of the events since the measurement started
     Error answerDelay(std::string *answer);
 
-    std::optional<std::uint32_t> eventsBefore; // the measurement was started, if it was
+    std::optional<std::uint32_t> eventsBefore; // when the measurement started, if it did
 };
 
 } // namespace simulator
