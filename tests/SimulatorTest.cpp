@@ -58,6 +58,7 @@ private slots:
         row("two suffixes", "scope-kvx", "TRIG2:LEV3 1;LEV3?;LEV4?;:TRIG3:LEV3?", "1;0.027;0.027");
         row("continuous acquisition", "scope-kvx",
             "INIT:CONT?;CONT OFF;CONT?;*TRG;:INIT:CONT?;:RUNC;INIT:CONT?", "1;0;0;1");
+        row("frequency mode", "analyzer-qan", "FREQ:MODE SW;MODE?", "SW");
         row("unknown header", "scope", "FOO;*OPC?", "1", R"(-113,"Undefined header")");
         row("other family's header", "analyzer", "FREQ:MODE SW", "", R"(-113,"Undefined header")");
         row("colon at the end", "scope", "CHAN1:SCAL:", "", R"(-113,"Undefined header")");
@@ -146,6 +147,8 @@ private slots:
         QCOMPARE(trace(bench, "scope", "CHAN1:DATA?"), record);
         ask(bench, "scope", "SING;*TRG");
         QVERIFY(trace(bench, "scope", "CHAN1:DATA?") != record);
+        QCOMPARE(bench.find("scope")->takeDuration(), 1.2);
+        QCOMPARE(bench.find("scope")->takeDuration(), 0.0);
     }
 
     void analyzersHearTheirFrequency_data()
