@@ -58,6 +58,7 @@ private slots:
         row("two suffixes", "scope-kvx", "TRIG2:LEV3 1;LEV3?;LEV4?;:TRIG3:LEV3?", "1;0.027;0.027");
         row("continuous acquisition", "scope-kvx",
             "INIT:CONT?;CONT OFF;CONT?;*TRG;:INIT:CONT?;:RUNC;INIT:CONT?", "1;0;0;1");
+        row("reset format", "scope", "FORM REAL,32;*RST;FORM?", "ASC,0");
         row("frequency mode", "analyzer-qan", "FREQ:MODE SW;MODE?", "SW");
         row("unknown header", "scope", "FOO;*OPC?", "1", R"(-113,"Undefined header")");
         row("other family's header", "analyzer", "FREQ:MODE SW", "", R"(-113,"Undefined header")");
