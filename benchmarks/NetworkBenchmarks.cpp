@@ -111,15 +111,15 @@ int main(int argc, char *argv[])
     const QCoreApplication application(argc, argv);
     QByteArray answer;
     const ScriptedHost host(
-        [&](const lan::RpcCall &call) -> QList<QByteArray> {
-            if (call.procedure.procedure == lan::vxi11::DeviceWrite) {
-                answer = call.arguments.contains("DATA?") ? block : name;
+        [&](const wire::RpcCall &call) -> std::vector<std::string> {
+            if (call.procedure.procedure == wire::vxi11::DeviceWrite) {
+                answer = call.arguments.find("DATA?") != std::string_view::npos ? block : name;
             }
-            return call.procedure.procedure == lan::vxi11::DeviceRead
-                       ? ScriptedHost::data(call, answer, lan::vxi11::EndIndicator)
-                       : QList<QByteArray>();
+            return call.procedure.procedure == wire::vxi11::DeviceRead
+                       ? ScriptedHost::data(call, answer.toStdString(), wire::vxi11::EndIndicator)
+                       : std::vector<std::string>();
         },
-        65536, lan::portmapperPort);
+        65536, wire::portmapperPort);
 
     QLibrary library(argc == 2 ? argv[1] : "");
     const auto openManager =

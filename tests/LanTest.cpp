@@ -3,14 +3,14 @@
 
 #include <QtTest>
 
-using lan::RpcCall;
-using lan::RpcOutcome;
 using lan::Vxi11Link;
-using lan::vxi11::CreateLink;
-using lan::vxi11::DeviceClear;
-using lan::vxi11::DeviceRead;
-using lan::vxi11::DeviceWrite;
-using Pieces = QList<QByteArray>;
+using wire::RpcCall;
+using wire::RpcOutcome;
+using wire::vxi11::CreateLink;
+using wire::vxi11::DeviceClear;
+using wire::vxi11::DeviceRead;
+using wire::vxi11::DeviceWrite;
+using Pieces = std::vector<std::string>;
 
 Q_DECLARE_METATYPE(ScriptedHost::Script)
 
@@ -19,7 +19,7 @@ namespace {
 /// A script that sends one answer after the other to the calls of one procedure, the last one ever
 /// after, and the usual ones to all others.
 template <typename... Answers>
-ScriptedHost::Script answers(lan::vxi11::Procedure procedure, Answers... answer)
+ScriptedHost::Script answers(wire::vxi11::Procedure procedure, Answers... answer)
 {
     return [procedure, left = QList<ScriptedHost::Script>{answer...}](const RpcCall &call) mutable {
         const bool isOther = call.procedure.procedure != procedure;
@@ -28,15 +28,15 @@ ScriptedHost::Script answers(lan::vxi11::Procedure procedure, Answers... answer)
 }
 
 /// Answers to a read, and to other calls.
-ScriptedHost::Script data(const QByteArray &bytes, quint32 reason, quint32 error = 0)
+ScriptedHost::Script data(const std::string &bytes, std::uint32_t reason, std::uint32_t error = 0)
 {
     return [=](const RpcCall &call) { return ScriptedHost::data(call, bytes, reason, error); };
 }
 
-ScriptedHost::Script words(std::initializer_list<quint32> results,
+ScriptedHost::Script words(std::initializer_list<std::uint32_t> results,
                            RpcOutcome outcome = RpcOutcome::Success)
 {
-    return [encoded = lan::xdrWords(results), outcome](const RpcCall &call) {
+    return [encoded = wire::xdrWords(results), outcome](const RpcCall &call) {
         return ScriptedHost::reply(call, encoded, outcome);
     };
 }
@@ -103,39 +103,40 @@ private slots:
         row("not taken", answers(DeviceWrite, words({0, 0})), "w0", "IO 0");
 
         row("in fragments, byte by byte", reads(pieces([](const RpcCall &call) {
-                const QByteArray message = ScriptedHost::data(call, "123", 4).first().mid(4);
                 Pieces bytes;
-                for (const char byte : message) {
-                    bytes << lan::xdrWords({1}) << QByteArray(1, byte);
+                for (const char byte : ScriptedHost::data(call, "123", 4).front().substr(4)) {
+                    bytes.push_back(wire::xdrWords({1}));
+                    bytes.emplace_back(1, byte);
                 }
-                return bytes << lan::xdrWords({0x80000000});
+                bytes.push_back(wire::xdrWords({0x80000000}));
+                return bytes;
             })),
             "r9", "END 123");
         row("trickles for ever", reads(pieces([](auto &) {
-                Pieces bytes = {lan::xdrWords({0x80001000})};
+                Pieces bytes = {wire::xdrWords({0x80001000})};
                 std::fill_n(std::back_inserter(bytes), 300, "x");
                 return bytes;
             })),
             "r9-", "TMO ");
         row("a fragment without room",
-            reads(pieces([](auto &) { return Pieces{lan::xdrWords({0xFFFFFFFF})}; })), "r9|r9",
+            reads(pieces([](auto &) { return Pieces{wire::xdrWords({0xFFFFFFFF})}; })), "r9|r9",
             "IO |CONN_LOST ");
         row("closed meanwhile", reads(pieces([](const RpcCall &call) {
-                return ScriptedHost::data(call, "1", 4) + Pieces{""};
+                return Pieces{ScriptedHost::data(call, "1", 4).front(), ""};
             })),
             "r9|r9|t", "END 1|CONN_LOST |CONN_LOST");
         row("no answer at all",
-            reads(pieces([](auto &) { return Pieces{lan::asRecord("nonsense")}; }), data("1", 4)),
+            reads(pieces([](auto &) { return Pieces{wire::asRecord("nonsense")}; }), data("1", 4)),
             "r9|r9", "IO |END 1");
         row("without zeros at the end", reads(pieces([](const RpcCall &call) {
-                return ScriptedHost::reply(call, lan::xdrWords({0, 4, 1}) + "1");
+                return ScriptedHost::reply(call, wire::xdrWords({0, 4, 1}) + "1");
             })),
             "r9", "END 1");
         row("more data than there is", reads(words({0, 4, 0xFFFFFFFF, 0})), "r9", "IO ");
 
         row("remote and local", usual, "g0|g1|g2|g3|g4|g5|g6",
             "NSUP_OPER|NSUP_OPER|NSUP_OPER|ok|NSUP_OPER|ok|ok", "16 0 0 0 t|16 0 0 0 t|17 0 0 0 t");
-        row("lock", answers(lan::vxi11::DeviceLock, usual, words({11})), "l|l-|u", "ok|TMO|ok",
+        row("lock", answers(wire::vxi11::DeviceLock, usual, words({11})), "l|l-|u", "ok|TMO|ok",
             "18 0 1 t|18 0 0 0|19 0");
         row("mute", answers(DeviceClear, mute), "c-|t", "TMO|ok", "15 0 0 0 t|14 0 0 0 t");
         row("errors", answers(DeviceClear, words({4}), words({11}), words({99})), "c|c|c",
@@ -147,7 +148,7 @@ private slots:
 
         const auto mapper = [](const ScriptedHost::Script &answer) -> ScriptedHost::Script {
             return [=](const RpcCall &call) {
-                return call.procedure.program == lan::portmapperProgram ? answer(call) : Pieces();
+                return call.procedure.program == wire::portmapperProgram ? answer(call) : Pieces();
             };
         };
         row("no VXI-11", mapper(words({0})), "", "RSRC_NFOUND");

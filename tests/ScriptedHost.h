@@ -14,6 +14,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <vector>
 
 /// A host with its portmapper and its instrument at one port, which answers as the test tells it
 /// to. It keeps a transcript of the numbers of the procedures and of their parameters, in which "t"
@@ -24,10 +25,10 @@ class ScriptedHost
 public:
     /// The bytes that come instead of the usual answer to a call; pieces go one by one. After a
     /// piece without bytes the connection is closed.
-    using Script = std::function<QList<QByteArray>(const lan::RpcCall &call)>;
+    using Script = std::function<std::vector<std::string>(const wire::RpcCall &call)>;
 
     /// At any port, unless one is given.
-    explicit ScriptedHost(Script script, quint32 receiveSize = 1024, quint16 port = 0)
+    explicit ScriptedHost(Script script, std::uint32_t receiveSize = 1024, std::uint16_t port = 0)
         : port(port), script(std::move(script)), receiveSize(receiveSize)
     {
         QSemaphore listening;
@@ -57,38 +58,40 @@ public:
         return transcript;
     }
 
-    static QList<QByteArray> reply(const lan::RpcCall &call, const QByteArray &results,
-                                   lan::RpcOutcome outcome = lan::RpcOutcome::Success)
+    static std::vector<std::string> reply(const wire::RpcCall &call, std::string_view results,
+                                          wire::RpcOutcome outcome = wire::RpcOutcome::Success)
     {
-        return {lan::asRecord(lan::encoded(lan::RpcReply{call.xid, outcome, results}))};
+        return {wire::asRecord(wire::encodedReply(call.xid, outcome, results))};
     }
-    static QList<QByteArray> data(const lan::RpcCall &call, const QByteArray &bytes, quint32 reason,
-                                  quint32 error = 0)
+    static std::vector<std::string> data(const wire::RpcCall &call, std::string_view bytes,
+                                         std::uint32_t reason, std::uint32_t error = 0)
     {
-        return reply(call, lan::xdrWords({error, reason}) +
-                               lan::xdrOpaque(bytes.constData(), bytes.size()));
+        return reply(call, wire::xdrWords({error, reason}) + wire::xdrOpaque(bytes));
     }
 
-    quint16 port;
+    std::uint16_t port;
 
 private:
     void serve(QTcpSocket &socket)
     {
-        lan::RecordReader reader(1 << 25);
+        wire::RecordReader reader(1 << 25);
+        const auto source = [&socket](char *to, std::size_t size) {
+            return socket.read(to, static_cast<qint64>(size));
+        };
         while (socket.state() == QAbstractSocket::ConnectedState) {
-            if (reader.read(socket) != lan::RecordReader::State::Complete) {
+            if (reader.read(source) != wire::RecordReader::State::Complete) {
                 socket.waitForReadyRead(1);
                 continue;
             }
-            const QByteArray record = reader.take();
-            const lan::RpcCall call = lan::decodedCall(record).value();
+            const std::string record = reader.take();
+            const wire::RpcCall call = wire::decodedCall(record).value();
             note(call);
-            QList<QByteArray> pieces = script(call);
-            for (const QByteArray &piece : pieces.isEmpty() ? usual(call) : pieces) {
-                if (piece.isEmpty()) {
+            std::vector<std::string> pieces = script(call);
+            for (const std::string &piece : pieces.empty() ? usual(call) : pieces) {
+                if (piece.empty()) {
                     return;
                 }
-                socket.write(piece);
+                socket.write(piece.data(), static_cast<qint64>(piece.size()));
                 if (!socket.waitForBytesWritten(1000)) {
                     return;
                 }
@@ -98,46 +101,50 @@ private:
     }
 
     /// To create_link, link 0; to a write, that all was taken. Others look at the first word only.
-    [[nodiscard]] QList<QByteArray> usual(const lan::RpcCall &call) const
+    [[nodiscard]] std::vector<std::string> usual(const wire::RpcCall &call) const
     {
-        if (call.procedure.program == lan::portmapperProgram) {
-            return reply(call, lan::xdrWords({port}));
+        if (call.procedure.program == wire::portmapperProgram) {
+            return reply(call, wire::xdrWords({port}));
         }
-        const bool isWrite = call.procedure.procedure == lan::vxi11::DeviceWrite;
-        QDataStream from(call.arguments);
-        from.skipRawData(16);
-        const int taken = isWrite ? lan::readOpaque(from, call.arguments).size() : 0;
-        return reply(call, lan::xdrWords({0, quint32(taken), 0, receiveSize}));
+        const bool isWrite = call.procedure.procedure == wire::vxi11::DeviceWrite;
+        std::string_view written;
+        if (isWrite) {
+            wire::XdrReader(call.arguments.substr(16)) >> written;
+        }
+        return reply(call, wire::xdrWords({0, std::uint32_t(written.size()), 0, receiveSize}));
     }
 
-    void note(const lan::RpcCall &call)
+    void note(const wire::RpcCall &call)
     {
-        if (call.procedure.program == lan::portmapperProgram) {
+        if (call.procedure.program == wire::portmapperProgram) {
             return;
         }
-        const quint32 procedure = call.procedure.procedure;
-        static const QMap<quint32, int> wordsBeforeText = {{lan::vxi11::CreateLink, 3},
-                                                           {lan::vxi11::DeviceWrite, 4}};
-        static const QMap<quint32, int> timeouts = {{lan::vxi11::CreateLink, 0}, // the client's id
-                                                    {lan::vxi11::DeviceWrite, 1},
-                                                    {lan::vxi11::DeviceRead, 2},
-                                                    {lan::vxi11::DeviceLock, 2}};
-        const int words = wordsBeforeText.value(procedure, call.arguments.size() / 4);
-        QDataStream from(call.arguments);
+        const std::uint32_t procedure = call.procedure.procedure;
+        static const QMap<std::uint32_t, int> wordsBeforeText = {{wire::vxi11::CreateLink, 3},
+                                                                 {wire::vxi11::DeviceWrite, 4}};
+        static const QMap<std::uint32_t, int> timeouts = {
+            {wire::vxi11::CreateLink, 0}, // the client's id
+            {wire::vxi11::DeviceWrite, 1},
+            {wire::vxi11::DeviceRead, 2},
+            {wire::vxi11::DeviceLock, 2}};
+        const int words = wordsBeforeText.value(procedure, int(call.arguments.size() / 4));
+        wire::XdrReader from(call.arguments);
         QStringList entry = {QString::number(procedure)};
         for (int i = 0; i < words; ++i) {
-            quint32 word = 0;
+            std::uint32_t word = 0;
             from >> word;
             entry << (i == timeouts.value(procedure, 3) && word > 0 ? "t" : QString::number(word));
         }
         if (wordsBeforeText.contains(procedure)) {
-            entry << lan::readOpaque(from, call.arguments);
+            std::string_view bytes;
+            from >> bytes;
+            entry << QString::fromLatin1(bytes.data(), int(bytes.size()));
         }
         transcript << entry.join(' ');
     }
 
     Script script;
-    quint32 receiveSize;
+    std::uint32_t receiveSize;
     QStringList transcript;
     std::atomic<bool> isEnding = false;
     std::unique_ptr<QThread> thread;

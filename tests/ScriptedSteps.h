@@ -12,7 +12,7 @@ inline visa::Deadline in(int milliseconds)
     return std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
 }
 
-inline ViStatus open(lan::Vxi11Link &link, quint16 port, int milliseconds = 5000)
+inline ViStatus open(lan::Vxi11Link &link, std::uint16_t port, int milliseconds = 5000)
 {
     return link.open(QHostAddress(QHostAddress::LocalHost), port, "inst0", in(milliseconds));
 }

@@ -11,24 +11,22 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     FuzzedDataProvider input(data, size);
     const auto before = input.ConsumeIntegralInRange<std::size_t>(0, 4); // sane answers
     std::size_t calls = 0;
-    const auto bytes = [&](std::size_t most) {
-        const std::string text = input.ConsumeRandomLengthString(most);
-        return QByteArray(text.data(), static_cast<int>(text.size()));
-    };
+    const auto bytes = [&](std::size_t most) { return input.ConsumeRandomLengthString(most); };
     // Whatever it is, the connection ends after it: nobody waits for more.
-    const auto script = [&](const lan::RpcCall &call) -> QList<QByteArray> {
+    const auto script = [&](const wire::RpcCall &call) -> std::vector<std::string> {
         if (calls++ < before) {
             return {};
         }
         if (input.ConsumeBool()) {
             return {bytes(200), bytes(200), ""};
         }
-        const QByteArray results = lan::xdrWords(
+        const std::string results = wire::xdrWords(
             {input.ConsumeIntegralInRange(0U, 20U), input.ConsumeIntegralInRange(0U, 9U)});
-        const QByteArray whole = ScriptedHost::reply(call, results + bytes(200)).first();
-        return {whole.left(input.ConsumeIntegralInRange(1, whole.size())), bytes(50), ""};
+        const std::string whole = ScriptedHost::reply(call, results + bytes(200)).front();
+        return {whole.substr(0, input.ConsumeIntegralInRange<std::size_t>(1, whole.size())),
+                bytes(50), ""};
     };
-    ScriptedHost host(script, input.ConsumeIntegral<quint32>());
+    ScriptedHost host(script, input.ConsumeIntegral<std::uint32_t>());
     lan::Vxi11Link link;
     if (open(link, host.port, 50) != VI_SUCCESS) {
         return 0;

@@ -34,7 +34,7 @@ public:
         ViStatus status = VI_ERROR_RSRC_NFOUND;
         for (const QHostAddress &address : addressesOf(name.host)) {
             auto opened = std::make_unique<Vxi11Link>();
-            status = opened->open(address, portmapperPort, name.device, until);
+            status = opened->open(address, wire::portmapperPort, name.device, until);
             if (status == VI_SUCCESS) {
                 *link = std::move(opened);
                 break;

@@ -10,7 +10,7 @@ namespace lan {
 
 /// Ask the portmapper at `mapperPort` for the TCP port of a program. VI_ERROR_TMO, or
 /// VI_ERROR_RSRC_NFOUND when there is no portmapper or no such program.
-ViStatus findPort(const QHostAddress &address, quint16 mapperPort, const RpcProcedure &program,
-                  visa::Deadline deadline, quint16 *port);
+ViStatus findPort(const QHostAddress &address, std::uint16_t mapperPort,
+                  const wire::RpcProcedure &program, visa::Deadline deadline, std::uint16_t *port);
 
 } // namespace lan

@@ -12,10 +12,13 @@
 
 namespace lan {
 
+using wire::RecordReader;
+using wire::RpcOutcome;
+
 namespace {
 
 /// More than a device sends in one answer; what it announces beyond is nonsense.
-constexpr qint64 recordLimit = 64 << 20;
+constexpr std::size_t recordLimit = 64 << 20;
 
 int wait(visa::Deadline deadline)
 {
@@ -61,7 +64,8 @@ RpcClient::RpcClient() : reader(recordLimit), xid(QRandomGenerator::global()->ge
     socket.setProxy(QNetworkProxy::NoProxy);
 }
 
-ViStatus RpcClient::connectTo(const QHostAddress &address, quint16 port, visa::Deadline deadline)
+ViStatus RpcClient::connectTo(const QHostAddress &address, std::uint16_t port,
+                              visa::Deadline deadline)
 {
     socket.connectToHost(address, port);
     if (!socket.waitForConnected(wait(deadline))) {
@@ -74,24 +78,21 @@ ViStatus RpcClient::connectTo(const QHostAddress &address, quint16 port, visa::D
     return VI_SUCCESS;
 }
 
-ViStatus RpcClient::call(const RpcProcedure &procedure, const QByteArray &arguments,
-                         visa::Deadline deadline, QByteArray *results)
+ViStatus RpcClient::call(const wire::RpcProcedure &procedure, std::string_view arguments,
+                         visa::Deadline deadline, std::string_view *results)
 {
-    RpcCall call;
-    call.xid = ++xid;
-    call.procedure = procedure;
-    call.arguments = arguments;
-    ViStatus status = send(asRecord(encoded(call)), deadline);
+    ++xid;
+    ViStatus status = send(wire::asRecord(wire::encodedCall(xid, procedure, arguments)), deadline);
     while (status == VI_SUCCESS) {
         status = receive(deadline);
         if (status != VI_SUCCESS) {
             break;
         }
         answer = reader.take();
-        const std::optional<RpcReply> reply = decodedReply(answer);
+        const std::optional<wire::RpcReply> reply = wire::decodedReply(answer);
         if (!reply) {
             status = VI_ERROR_IO;
-        } else if (reply->xid == call.xid) { // others answer calls that were given up
+        } else if (reply->xid == xid) { // others answer calls that were given up
             *results = reply->results;
             switch (reply->outcome) {
             case RpcOutcome::Success:
@@ -109,12 +110,12 @@ ViStatus RpcClient::call(const RpcProcedure &procedure, const QByteArray &argume
     return status;
 }
 
-ViStatus RpcClient::send(const QByteArray &record, visa::Deadline deadline)
+ViStatus RpcClient::send(const std::string &record, visa::Deadline deadline)
 {
     if (socket.state() != QAbstractSocket::ConnectedState) {
         return VI_ERROR_CONN_LOST;
     }
-    socket.write(record);
+    socket.write(record.data(), static_cast<qint64>(record.size()));
     socket.flush();
     while (socket.bytesToWrite() > 0) {
         const int left = wait(deadline);
@@ -130,7 +131,9 @@ ViStatus RpcClient::send(const QByteArray &record, visa::Deadline deadline)
 ViStatus RpcClient::receive(visa::Deadline deadline)
 {
     for (;;) {
-        const RecordReader::State state = reader.read(socket);
+        const RecordReader::State state = reader.read([this](char *to, std::size_t size) {
+            return socket.read(to, static_cast<qint64>(size));
+        });
         if (state == RecordReader::State::TooLong) {
             socket.abort();
             return VI_ERROR_IO;

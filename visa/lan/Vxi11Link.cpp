@@ -12,6 +12,10 @@
 namespace lan {
 
 using visa::Deadline;
+using wire::xdrOpaque;
+using wire::XdrReader;
+using wire::xdrWords;
+namespace vxi11 = wire::vxi11;
 
 namespace {
 
@@ -25,7 +29,7 @@ constexpr int longestTimeout = 3600 * 1000; // ms
 /// Bytes asked for, or sent, in one call.
 constexpr std::size_t largestTransfer = 16 << 20;
 /// What a device must take (VXI-11, B.6.3), for those that say 0.
-constexpr quint32 leastReceiveSize = 1024;
+constexpr std::uint32_t leastReceiveSize = 1024;
 
 Deadline answerBy(Deadline deadline)
 {
@@ -33,9 +37,9 @@ Deadline answerBy(Deadline deadline)
 }
 
 /// The time-out for a device. To some, 0 is for ever; to others, at once.
-quint32 ioTimeout(Deadline deadline)
+std::uint32_t ioTimeout(Deadline deadline)
 {
-    return static_cast<quint32>(std::max(1, millisecondsUntil(deadline, longestTimeout)));
+    return static_cast<std::uint32_t>(std::max(1, millisecondsUntil(deadline, longestTimeout)));
 }
 
 bool isOver(Deadline deadline)
@@ -44,7 +48,7 @@ bool isOver(Deadline deadline)
 }
 
 /// Returns VISA's status for a device's error code.
-ViStatus statusOf(quint32 error)
+ViStatus statusOf(std::uint32_t error)
 {
     switch (error) {
     case vxi11::None:
@@ -83,32 +87,31 @@ Vxi11Link::~Vxi11Link()
     leave(std::chrono::steady_clock::now() + closingTime);
 }
 
-ViStatus Vxi11Link::open(const QHostAddress &address, quint16 mapperPort, const std::string &device,
-                         Deadline deadline)
+ViStatus Vxi11Link::open(const QHostAddress &address, std::uint16_t mapperPort,
+                         const std::string &device, Deadline deadline)
 {
     host = address;
-    quint16 port = 0;
+    std::uint16_t port = 0;
     ViStatus status =
         findPort(address, mapperPort, {vxi11::coreProgram, vxi11::coreVersion, 0}, deadline, &port);
     if (status == VI_SUCCESS) {
         status = rpc.connectTo(address, port, deadline);
     }
-    QByteArray results;
+    std::string_view results;
     if (status == VI_SUCCESS) {
         // No lock, and no wait for one: its time-out is 0.
         status = call(vxi11::CreateLink,
-                      xdrWords({static_cast<quint32>(process), 0, 0}) +
-                          xdrOpaque(device.data(), static_cast<int>(device.size())),
+                      xdrWords({static_cast<std::uint32_t>(process), 0, 0}) + xdrOpaque(device),
                       deadline, &results);
     }
     if (status != VI_SUCCESS) {
         const bool isOther = status == VI_ERROR_CONN_LOST || status == VI_ERROR_NSUP_OPER;
         return isOther ? VI_ERROR_RSRC_NFOUND : status; // something that is no instrument
     }
-    quint32 abortPort = 0;
-    QDataStream from(results);
+    std::uint32_t abortPort = 0;
+    XdrReader from(results);
     from >> id >> abortPort >> receiveSize;
-    isOpen = from.status() == QDataStream::Ok;
+    isOpen = from.isOk();
     receiveSize = receiveSize != 0 ? receiveSize : leastReceiveSize;
     return isOpen ? VI_SUCCESS : VI_ERROR_IO;
 }
@@ -118,7 +121,7 @@ void Vxi11Link::leave(Deadline deadline)
     const std::unique_lock<std::mutex> guard(calling, std::try_to_lock);
     if (isOpen && guard.owns_lock() && process == getpid()) {
         isOpen = false;
-        QByteArray results;
+        std::string_view results;
         rpc.call({vxi11::coreProgram, vxi11::coreVersion, vxi11::DestroyLink}, xdrWords({id}),
                  deadline, &results);
     }
@@ -126,8 +129,8 @@ void Vxi11Link::leave(Deadline deadline)
 
 /// Call a procedure; the results are those behind the error code, also with an error. They are
 /// there until the next call.
-ViStatus Vxi11Link::call(vxi11::Procedure procedure, const QByteArray &arguments, Deadline answer,
-                         QByteArray *results)
+ViStatus Vxi11Link::call(vxi11::Procedure procedure, std::string_view arguments, Deadline answer,
+                         std::string_view *results)
 {
     const std::lock_guard<std::mutex> guard(calling);
     const ViStatus status =
@@ -135,18 +138,19 @@ ViStatus Vxi11Link::call(vxi11::Procedure procedure, const QByteArray &arguments
     if (status != VI_SUCCESS) {
         return status;
     }
-    quint32 error = 0;
-    QDataStream from(*results);
+    std::uint32_t error = 0;
+    XdrReader from(*results);
     from >> error;
-    *results = rest(from, *results);
-    return from.status() == QDataStream::Ok ? statusOf(error) : VI_ERROR_IO;
+    *results = from.rest();
+    return from.isOk() ? statusOf(error) : VI_ERROR_IO;
 }
 
-ViStatus Vxi11Link::callGeneric(vxi11::Procedure procedure, Deadline deadline, QByteArray *results)
+ViStatus Vxi11Link::callGeneric(vxi11::Procedure procedure, Deadline deadline,
+                                std::string_view *results)
 {
-    QByteArray ignored;
-    const quint32 flags = 0;
-    const quint32 lockTimeout = 0;
+    std::string_view ignored;
+    const std::uint32_t flags = 0;
+    const std::uint32_t lockTimeout = 0;
     return call(procedure, xdrWords({id, flags, lockTimeout, ioTimeout(deadline)}),
                 answerBy(deadline), results != nullptr ? results : &ignored);
 }
@@ -160,14 +164,14 @@ ViStatus Vxi11Link::write(const ViByte *bytes, std::size_t count, bool end, Dead
         const std::size_t size =
             std::min({count - *written, std::size_t(receiveSize), largestTransfer});
         const bool isLast = *written + size == count;
-        QByteArray results;
-        const ViStatus status = call(
-            vxi11::DeviceWrite,
-            xdrWords({id, ioTimeout(deadline), 0, isLast && end ? vxi11::End : 0U}) +
-                xdrOpaque(reinterpret_cast<const char *>(bytes) + *written, static_cast<int>(size)),
-            answerBy(deadline), &results);
-        quint32 taken = 0;
-        QDataStream(results) >> taken;
+        std::string_view results;
+        const ViStatus status =
+            call(vxi11::DeviceWrite,
+                 xdrWords({id, ioTimeout(deadline), 0, isLast && end ? vxi11::End : 0U}) +
+                     xdrOpaque({reinterpret_cast<const char *>(bytes) + *written, size}),
+                 answerBy(deadline), &results);
+        std::uint32_t taken = 0;
+        XdrReader(results) >> taken;
         *written += std::min<std::size_t>(taken, size);
         if (status != VI_SUCCESS || taken == 0) {
             return status != VI_SUCCESS ? status : VI_ERROR_IO;
@@ -186,7 +190,7 @@ visa::ReadOutcome Vxi11Link::read(ViByte *buffer, std::size_t count,
                 outcome.status = outcome.status != VI_SUCCESS ? outcome.status : VI_ERROR_TMO;
                 break;
             }
-            if (fetched.isEmpty()) {
+            if (fetched.empty()) {
                 QThread::msleep(1); // it may have nothing for long yet
             }
         }
@@ -204,17 +208,19 @@ visa::ReadOutcome Vxi11Link::read(ViByte *buffer, std::size_t count,
 ViStatus Vxi11Link::fetch(std::size_t count, std::optional<ViByte> termination, Deadline deadline)
 {
     forget();
-    QByteArray results;
-    const ViStatus status = call(
-        vxi11::DeviceRead,
-        xdrWords({id, static_cast<quint32>(std::min(count, largestTransfer)), ioTimeout(deadline),
-                  0, termination ? vxi11::TermCharSet : 0U, termination.value_or(0)}),
-        answerBy(deadline), &results);
-    quint32 reason = 0;
-    QDataStream from(results);
-    from >> reason;
-    fetched = readOpaque(from, results);
-    if (from.status() != QDataStream::Ok) {
+    std::string_view results;
+    const ViStatus status =
+        call(vxi11::DeviceRead,
+             xdrWords({id, static_cast<std::uint32_t>(std::min(count, largestTransfer)),
+                       ioTimeout(deadline), 0, termination ? vxi11::TermCharSet : 0U,
+                       termination.value_or(0)}),
+             answerBy(deadline), &results);
+    std::uint32_t reason = 0;
+    XdrReader from(results);
+    std::string_view bytes;
+    from >> reason >> bytes;
+    fetched = bytes;
+    if (!from.isOk()) {
         return status != VI_SUCCESS ? status : VI_ERROR_IO;
     }
     fetchedEnd = (reason & vxi11::EndIndicator) != 0;
@@ -226,16 +232,15 @@ ViStatus Vxi11Link::fetch(std::size_t count, std::optional<ViByte> termination, 
 bool Vxi11Link::handOut(ViByte *buffer, std::size_t count, std::optional<ViByte> termination,
                         visa::ReadOutcome *outcome)
 {
-    const char *bytes = fetched.constData() + handedOut;
-    std::size_t size =
-        std::min(count - outcome->count, static_cast<std::size_t>(fetched.size() - handedOut));
+    const char *bytes = fetched.data() + handedOut;
+    std::size_t size = std::min(count - outcome->count, fetched.size() - handedOut);
     const void *terminator = termination ? std::memchr(bytes, *termination, size) : nullptr;
     if (terminator != nullptr) {
         size = static_cast<std::size_t>(static_cast<const char *>(terminator) - bytes) + 1;
     }
     std::copy_n(bytes, size, buffer + outcome->count);
     outcome->count += size;
-    handedOut += static_cast<int>(size);
+    handedOut += size;
     if (fetchedEnd && handedOut == fetched.size()) {
         forget();
         outcome->end = visa::ReadEnd::End;
@@ -251,7 +256,7 @@ bool Vxi11Link::handOut(ViByte *buffer, std::size_t count, std::optional<ViByte>
 /// Keep what was fetched and not handed out beyond the next call, in memory of its own.
 void Vxi11Link::keepRest()
 {
-    fetched = QByteArray(fetched.constData() + handedOut, fetched.size() - handedOut);
+    fetched.erase(0, handedOut);
     handedOut = 0;
 }
 
@@ -275,13 +280,13 @@ ViStatus Vxi11Link::trigger(Deadline deadline)
 
 ViStatus Vxi11Link::readStatusByte(Deadline deadline, ViUInt8 *statusByte)
 {
-    QByteArray results;
+    std::string_view results;
     const ViStatus status = callGeneric(vxi11::DeviceReadStb, deadline, &results);
-    quint32 byte = 0;
-    QDataStream from(results);
+    std::uint32_t byte = 0;
+    XdrReader from(results);
     from >> byte;
     *statusByte = static_cast<ViUInt8>(byte);
-    return status != VI_SUCCESS || from.status() == QDataStream::Ok ? status : VI_ERROR_IO;
+    return status != VI_SUCCESS || from.isOk() ? status : VI_ERROR_IO;
 }
 
 ViStatus Vxi11Link::controlRemote(ViUInt16 mode, Deadline deadline)
@@ -302,9 +307,9 @@ ViStatus Vxi11Link::controlRemote(ViUInt16 mode, Deadline deadline)
 
 ViStatus Vxi11Link::lock(Deadline deadline)
 {
-    const auto timeout = static_cast<quint32>(millisecondsUntil(deadline, longestTimeout));
-    const quint32 flags = timeout > 0 ? vxi11::WaitLock : 0U;
-    QByteArray results;
+    const auto timeout = static_cast<std::uint32_t>(millisecondsUntil(deadline, longestTimeout));
+    const std::uint32_t flags = timeout > 0 ? vxi11::WaitLock : 0U;
+    std::string_view results;
     const ViStatus status =
         call(vxi11::DeviceLock, xdrWords({id, flags, timeout}), answerBy(deadline), &results);
     return status == VI_ERROR_RSRC_LOCKED ? VI_ERROR_TMO : status; // as viLock has it
@@ -312,7 +317,7 @@ ViStatus Vxi11Link::lock(Deadline deadline)
 
 ViStatus Vxi11Link::unlock(Deadline deadline)
 {
-    QByteArray results;
+    std::string_view results;
     return call(vxi11::DeviceUnlock, xdrWords({id}), answerBy(deadline), &results);
 }
 

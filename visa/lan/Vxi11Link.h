@@ -24,7 +24,7 @@ public:
     /// Find the core channel's port with the portmapper at `mapperPort`, connect, create the link.
     /// VI_ERROR_TMO; VI_ERROR_RSRC_NFOUND when there is no such device; VI_ERROR_ALLOC when it has
     /// no link left.
-    ViStatus open(const QHostAddress &address, quint16 mapperPort, const std::string &device,
+    ViStatus open(const QHostAddress &address, std::uint16_t mapperPort, const std::string &device,
                   visa::Deadline deadline);
     /// Destroy the link unless a call is on its way, or it is another process's.
     void leave(visa::Deadline deadline);
@@ -42,10 +42,10 @@ public:
     [[nodiscard]] std::string address() const override;
 
 private:
-    ViStatus call(vxi11::Procedure procedure, const QByteArray &arguments, visa::Deadline answer,
-                  QByteArray *results);
-    ViStatus callGeneric(vxi11::Procedure procedure, visa::Deadline deadline,
-                         QByteArray *results = nullptr);
+    ViStatus call(wire::vxi11::Procedure procedure, std::string_view arguments,
+                  visa::Deadline answer, std::string_view *results);
+    ViStatus callGeneric(wire::vxi11::Procedure procedure, visa::Deadline deadline,
+                         std::string_view *results = nullptr);
     ViStatus fetch(std::size_t count, std::optional<ViByte> termination, visa::Deadline deadline);
     bool handOut(ViByte *buffer, std::size_t count, std::optional<ViByte> termination,
                  visa::ReadOutcome *outcome);
@@ -57,10 +57,10 @@ private:
     std::mutex calling; // for the process's end, which other threads do not wait for
     const pid_t process = getpid();
     std::atomic<bool> isOpen = false;
-    quint32 id = 0; // every number is a link's, 0 too
-    quint32 receiveSize = 0;
-    QByteArray fetched; // from the device,
-    int handedOut = 0;  // so much of it to the caller
+    std::uint32_t id = 0; // every number is a link's, 0 too
+    std::uint32_t receiveSize = 0;
+    std::string fetched;       // from the device,
+    std::size_t handedOut = 0; // so much of it to the caller
     bool fetchedEnd = false;
 };
 
