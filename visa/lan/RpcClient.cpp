@@ -190,7 +190,7 @@ ViStatus RpcClient::receive(visa::Deadline deadline)
         }
         bool hasEnded = false;
         const auto source = [&](char *to, std::size_t size) -> std::ptrdiff_t {
-            if (millisecondsUntil(deadline, 1) == 0) {
+            if (visa::isOver(deadline)) {
                 return 0; // some hosts send a record without an end
             }
             const ssize_t got = ::recv(socket, to, size, 0);
