@@ -6,15 +6,15 @@
 #include "visa/wire/Xdr.h"
 
 #include <QMap>
-#include <QSemaphore>
 #include <QStringList>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QThread>
 
 #include <atomic>
 #include <functional>
+#include <future>
 #include <memory>
+#include <thread>
 #include <vector>
 
 /// A host with its portmapper and its instrument at one port, which answers as the test says. It
@@ -30,12 +30,12 @@ public:
     explicit ScriptedHost(Script script, std::uint32_t receiveSize = 1024)
         : script(std::move(script)), receiveSize(receiveSize)
     {
-        QSemaphore listening;
-        thread.reset(QThread::create([this, &listening] {
+        std::promise<void> listening;
+        thread = std::thread([this, &listening] {
             QTcpServer server;
             server.listen(QHostAddress::LocalHost);
             port = server.serverPort();
-            listening.release();
+            listening.set_value();
             while (!isEnding) {
                 server.waitForNewConnection(1);
                 const std::unique_ptr<QTcpSocket> socket(server.nextPendingConnection());
@@ -43,9 +43,8 @@ public:
                     serve(*socket);
                 }
             }
-        }));
-        thread->start();
-        listening.acquire();
+        });
+        listening.get_future().wait();
     }
     ~ScriptedHost() { finish(); }
 
@@ -53,7 +52,9 @@ public:
     QStringList finish()
     {
         isEnding = true;
-        thread->wait();
+        if (thread.joinable()) {
+            thread.join();
+        }
         return received;
     }
 
@@ -98,7 +99,8 @@ private:
                     return;
                 }
                 if (pieces.size() > 1) {
-                    QThread::msleep(5); // each arrives on its own
+                    std::this_thread::sleep_for(
+                        std::chrono::milliseconds(5)); // each arrives on its own
                 }
             }
         }
@@ -158,5 +160,5 @@ private:
     std::uint32_t receiveSize;
     QStringList received;
     std::atomic<bool> isEnding = false;
-    std::unique_ptr<QThread> thread;
+    std::thread thread;
 };
