@@ -26,87 +26,69 @@ namespace vxi11 = wire::vxi11;
 constexpr int rounds = 25;
 constexpr std::uint16_t floorPort = 112;
 
-/// A query, how often it is asked in a round, and what a host answers.
+/// A query, how often it is asked in a round, and what answers it.
 struct Query
 {
-    Query(const char *name, std::string command, int count, std::size_t answerSize)
-        : name(name),
-          command(std::move(command)),
-          count(count),
-          answerSize(answerSize),
-          readReply(
-              wire::asRecord(wire::encodedReply(0, wire::RpcOutcome::Success,
-                                                wire::xdrWords({0, vxi11::EndIndicator}) +
-                                                    wire::xdrOpaque(std::string(answerSize, 'a')))))
-    {
-    }
-
     const char *name;
     std::string command;
     int count;
-    std::size_t answerSize;
-    std::string readReply; ///< the record that answers a read, made once: hosts have it ready
+    std::string answer;
 };
 
-const std::vector<Query> queries = {{"query", "*IDN?\n", 500, 29},
-                                    {"block of 80 kB", "DATA?\n", 50, 80008}};
+const std::vector<Query> queries = {{"query", "*IDN?", 500, std::string(29, 'a')},
+                                    {"block of 80 kB", "DATA?", 50, std::string(80008, 'b')}};
 
-/// Returns the microseconds of one of `count` calls of each kind: medians of rounds that alternate,
-/// so that whatever else the machine does weighs on both.
-template <typename... Call>
-std::vector<double> microseconds(int count, Call... call)
+std::string readReply(const Query &query)
 {
-    std::vector<std::vector<double>> kinds(sizeof...(call));
-    const auto measure = [count](std::vector<double> *each, auto once) {
-        const auto began = std::chrono::steady_clock::now();
-        for (int i = 0; i < count; ++i) {
-            once();
-        }
-        const std::chrono::duration<double, std::micro> took =
-            std::chrono::steady_clock::now() - began;
-        each->push_back(took.count() / count);
-    };
-    for (int round = 0; round < rounds; ++round) {
-        auto kind = kinds.begin();
-        (measure(&*kind++, call), ...);
-    }
-    std::vector<double> medians;
-    for (std::vector<double> &each : kinds) {
-        std::nth_element(each.begin(), each.begin() + rounds / 2, each.end());
-        medians.push_back(each[rounds / 2]);
-    }
-    return medians;
+    return wire::asRecord(wire::encodedReply(0, wire::RpcOutcome::Success,
+                                             wire::xdrWords({0, vxi11::EndIndicator}) +
+                                                 wire::xdrOpaque(query.answer)));
 }
 
-sockaddr_in loopback(std::uint16_t port)
+/// The records that answer a read. They are made once, as hosts have them ready.
+const std::vector<std::string> readReplies = {readReply(queries[0]), readReply(queries[1])};
+
+/// Returns the microseconds of one of `count` calls.
+template <typename Call>
+double microseconds(int count, Call call)
+{
+    const auto began = std::chrono::steady_clock::now();
+    for (int i = 0; i < count; ++i) {
+        call();
+    }
+    const std::chrono::duration<double, std::micro> took = std::chrono::steady_clock::now() - began;
+    return took.count() / count;
+}
+
+double median(std::vector<double> values)
+{
+    std::nth_element(values.begin(), values.begin() + rounds / 2, values.end());
+    return values[rounds / 2];
+}
+
+/// Bind or connect a socket to a port of this host.
+template <typename Call>
+int openSocket(Call call, std::uint16_t port)
 {
     sockaddr_in address{};
     address.sin_family = AF_INET;
     address.sin_port = htons(port);
     address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    return address;
-}
-
-int openSocket()
-{
     const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
     const int on = 1;
-    ::setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
     ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    return socket;
+    return call(socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0 ? socket
+                                                                                           : -1;
 }
 
-/// Give every connection to a port to `serve`, in a thread of its own until the process ends.
-template <typename Serve>
-bool listenAt(std::uint16_t port, Serve serve)
+/// Serve every connection to a port in a thread of its own, until the process ends.
+bool listenAt(std::uint16_t port, void (*serve)(int socket))
 {
-    const int listener = openSocket();
-    const sockaddr_in address = loopback(port);
-    if (::bind(listener, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0 ||
-        ::listen(listener, 5) != 0) {
+    const int listener = openSocket(::bind, port);
+    if (::listen(listener, 5) != 0) {
         return false;
     }
-    std::thread([listener, serve] {
+    std::thread([=] {
         for (;;) {
             std::thread(serve, ::accept(listener, nullptr, nullptr)).detach();
         }
@@ -117,9 +99,10 @@ bool listenAt(std::uint16_t port, Serve serve)
 /// Serve the portmapper and an instrument.
 void serveVxi11(int socket)
 {
+    std::vector<std::string> replies = readReplies;
+    std::string *reply = nullptr;
     wire::RecordReader reader(1 << 20);
     const auto source = [=](char *to, std::size_t size) { return ::recv(socket, to, size, 0); };
-    std::string readReply;
     while (reader.read(source) == wire::RecordReader::State::Complete) {
         const std::string message = reader.take();
         const wire::RpcCall call = wire::decodedCall(message).value();
@@ -129,14 +112,14 @@ void serveVxi11(int socket)
         } else if (call.procedure.procedure == vxi11::DeviceWrite) {
             std::string_view written;
             wire::XdrReader(call.arguments.substr(16)) >> written;
-            readReply = queries[written.front() == '*' ? 0 : 1].readReply;
+            reply = &replies[written.front() == '*' ? 0 : 1];
             results = wire::xdrWords({0, static_cast<std::uint32_t>(written.size())});
         }
-        std::string record =
+        std::string other =
             wire::asRecord(wire::encodedReply(call.xid, wire::RpcOutcome::Success, results));
-        if (call.procedure.procedure == vxi11::DeviceRead) {
-            record = std::move(readReply.replace(4, 4, wire::xdrWords({call.xid})));
-        }
+        const bool isRead = call.procedure.procedure == vxi11::DeviceRead;
+        const std::string &record =
+            isRead ? reply->replace(4, 4, wire::xdrWords({call.xid})) : other;
         ::send(socket, record.data(), record.size(), 0);
     }
     ::close(socket);
@@ -150,25 +133,24 @@ constexpr std::size_t readCallSize = 68;
 /// Serve as many bytes as a query takes. The first byte says which query it is.
 void serveBytes(int socket)
 {
-    std::vector<char> bytes(queries.back().readReply.size());
+    std::string bytes(100000, '\0');
     while (::recv(socket, bytes.data(), writeCallSize, MSG_WAITALL) > 0) {
-        const Query &query = queries.at(static_cast<std::size_t>(bytes[0]));
+        const std::size_t size = readReplies.at(std::size_t(bytes[0])).size();
         ::send(socket, bytes.data(), writeReplySize, 0);
         ::recv(socket, bytes.data(), readCallSize, MSG_WAITALL);
-        ::send(socket, bytes.data(), query.readReply.size(), 0);
+        ::send(socket, bytes.data(), size, 0);
     }
     ::close(socket);
 }
 
 /// Have the bytes of a query served.
-void exchangeBytes(int socket, std::size_t index)
+void exchangeBytes(int socket, std::size_t index, std::string *bytes)
 {
-    static std::vector<char> bytes(queries.back().readReply.size());
-    bytes[0] = static_cast<char>(index);
-    ::send(socket, bytes.data(), writeCallSize, 0);
-    ::recv(socket, bytes.data(), writeReplySize, MSG_WAITALL);
-    ::send(socket, bytes.data(), readCallSize, 0);
-    ::recv(socket, bytes.data(), queries[index].readReply.size(), MSG_WAITALL);
+    bytes->front() = static_cast<char>(index);
+    ::send(socket, bytes->data(), writeCallSize, 0);
+    ::recv(socket, bytes->data(), writeReplySize, MSG_WAITALL);
+    ::send(socket, bytes->data(), readCallSize, 0);
+    ::recv(socket, bytes->data(), bytes->size(), MSG_WAITALL);
 }
 
 /// Returns the last number that a command prints; 0 when it prints none.
@@ -185,18 +167,14 @@ double printedBy(const std::string &command)
 
 double pyvisa(const Query &query)
 {
-    const std::string command = query.command.substr(0, query.command.size() - 1);
-    const std::string count = std::to_string(query.count / 5);
     return printedBy("/usr/bin/python3 -c '\n"
                      "import pyvisa, statistics, timeit\n"
                      "opened = pyvisa.ResourceManager(\"@py\").open_resource("
                      "\"TCPIP::127.0.0.1::INSTR\", write_termination=\"\\n\")\n"
                      "def query(): opened.write(\"" +
-                     command +
+                     query.command +
                      "\"); opened.read_raw(100000)\n"
-                     "times = timeit.repeat(query, number=" +
-                     count + ", repeat=15)\nprint(1e6 * statistics.median(times) / " + count +
-                     ")'");
+                     "print(1e6 * statistics.median(timeit.repeat(query, number=100)) / 100)'");
 }
 
 void row(const char *what, const char *client, double cost, double floor)
@@ -210,34 +188,38 @@ void row(const char *what, const char *client, double cost, double floor)
 int main(int argc, char *argv[])
 {
     setVisaLibraryPaths({argc == 2 ? argv[1] : ""});
+    const bool isListening =
+        listenAt(wire::portmapperPort, serveVxi11) && listenAt(floorPort, serveBytes);
+    const int bare = openSocket(::connect, floorPort);
     ViSession manager = 0;
     ViSession session = 0;
-    const int bare = openSocket();
-    const sockaddr_in address = loopback(floorPort);
-    if (!listenAt(wire::portmapperPort, serveVxi11) || !listenAt(floorPort, serveBytes) ||
-        ::connect(bare, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0 ||
-        !iaVisaDll_Init() || iaOpenDefaultRM(&manager) != VI_SUCCESS ||
+    if (!isListening || !iaVisaDll_Init() || iaOpenDefaultRM(&manager) != VI_SUCCESS ||
         iaOpen(manager, "TCPIP::127.0.0.1::INSTR", VI_NO_LOCK, 5000, &session) != VI_SUCCESS) {
         std::fputs("network-benchmarks: no library, or no port 111\n", stderr);
         return 1;
     }
-    std::vector<ViByte> buffer(100000);
     bool isWell = true;
     for (std::size_t i = 0; i < queries.size(); ++i) {
-        std::string command = queries[i].command;
+        std::string command = queries[i].command + "\n";
+        std::string buffer(100000, '\0');
+        std::string bytes(readReplies[i].size(), '\0');
         const auto ask = [&] {
             ViUInt32 count = 0;
             iaWrite(session, reinterpret_cast<unsigned char *>(command.data()),
-                    static_cast<ViUInt32>(command.size()), &count);
-            isWell = iaRead(session, buffer.data(), static_cast<ViUInt32>(buffer.size()), &count) ==
-                         VI_SUCCESS &&
-                     count == queries[i].answerSize && isWell;
+                    static_cast<ViUInt32>(command.size()), nullptr);
+            isWell = iaRead(session, reinterpret_cast<unsigned char *>(buffer.data()),
+                            static_cast<ViUInt32>(buffer.size()), &count) == VI_SUCCESS &&
+                     count == queries[i].answer.size() && isWell;
         };
-        const auto exchange = [&] { exchangeBytes(bare, i); };
-        const std::vector<double> costs = microseconds(queries[i].count, ask, exchange);
-        const double cost = costs[0];
-        const double floor = costs[1];
-        row(queries[i].name, "", cost, floor);
+        std::vector<double> costs;
+        std::vector<double> floors;
+        for (int round = 0; round < rounds; ++round) { // in turns: both have the same company
+            costs.push_back(microseconds(queries[i].count, ask));
+            floors.push_back(
+                microseconds(queries[i].count, [&] { exchangeBytes(bare, i, &bytes); }));
+        }
+        const double floor = median(floors);
+        row(queries[i].name, "", median(costs), floor);
         row(queries[i].name, ", PyVISA-py", pyvisa(queries[i]), floor);
         if (i == 0) {
             const double rate = printedBy("lxi benchmark --address 127.0.0.1 --count 2000");
