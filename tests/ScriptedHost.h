@@ -107,7 +107,7 @@ private:
     }
 
     /// Returns the usual answer to a call: a link with number 0, all taken of a write, no error.
-    Pieces usual(const wire::RpcCall &call) const
+    [[nodiscard]] Pieces usual(const wire::RpcCall &call) const
     {
         if (call.procedure.program == wire::portmapperProgram) {
             return reply(call, wire::xdrWords({port}));

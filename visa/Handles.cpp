@@ -5,7 +5,27 @@ namespace visa {
 namespace {
 
 constexpr std::size_t most = 1024; // handles open at a time
-constexpr std::chrono::seconds closingTime(1);
+
+/// Objects that are being closed. Their links share a second; those in use end with their last
+/// user.
+struct Closing
+{
+    Closing() = default;
+    Closing(const Closing &) = delete;
+    Closing &operator=(const Closing &) = delete;
+    ~Closing()
+    {
+        const Deadline deadline = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+        for (const auto &[handle, object] : objects) {
+            const std::unique_lock lock(object->mutex, std::try_to_lock);
+            if (lock.owns_lock() && object->link != nullptr) {
+                object->link->close(deadline);
+            }
+        }
+    }
+
+    std::map<ViObject, std::shared_ptr<Object>> objects;
+};
 
 } // namespace
 
@@ -32,44 +52,26 @@ std::shared_ptr<Object> Handles::find(ViObject handle)
 
 ViStatus Handles::close(ViObject handle)
 {
-    Objects closed;
-    {
-        const std::lock_guard lock(mutex);
-        if (objects.count(handle) == 0) {
-            return VI_ERROR_INV_OBJECT;
-        }
-        for (auto at = objects.begin(); at != objects.end();) {
-            const auto next = std::next(at);
-            if (at->first == handle || at->second->manager == handle) {
-                closed.insert(objects.extract(at));
-            }
-            at = next;
-        }
+    Closing closing; // ends after the lock: links take time
+    const std::lock_guard lock(mutex);
+    if (objects.count(handle) == 0) {
+        return VI_ERROR_INV_OBJECT;
     }
-    closeLinks(closed);
+    for (auto at = objects.begin(); at != objects.end();) {
+        const auto next = std::next(at);
+        if (at->first == handle || at->second->manager == handle) {
+            closing.objects.insert(objects.extract(at));
+        }
+        at = next;
+    }
     return VI_SUCCESS;
 }
 
 void Handles::closeAll()
 {
-    Objects closed;
-    {
-        const std::lock_guard lock(mutex);
-        closed.swap(objects);
-    }
-    closeLinks(closed);
-}
-
-/// Close the links that nobody is using; the others go with their last user.
-void Handles::closeLinks(const Objects &closed)
-{
-    const Deadline deadline = std::chrono::steady_clock::now() + closingTime;
-    for (const auto &[handle, object] : closed) {
-        const std::unique_lock lock(object->mutex, std::try_to_lock);
-        if (lock.owns_lock() && object->link != nullptr) {
-            object->link->close(deadline);
-        }
-    }
+    Closing closing;
+    const std::lock_guard lock(mutex);
+    closing.objects.swap(objects);
 }
 
 Handles &handles()

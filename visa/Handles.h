@@ -50,12 +50,8 @@ public:
     void closeAll();
 
 private:
-    using Objects = std::map<ViObject, std::shared_ptr<Object>>;
-
-    static void closeLinks(const Objects &closed);
-
     std::mutex mutex;
-    Objects objects;
+    std::map<ViObject, std::shared_ptr<Object>> objects;
     ViObject last = 0;
 };
 

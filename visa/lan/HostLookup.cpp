@@ -10,8 +10,6 @@ namespace lan {
 
 namespace {
 
-constexpr int longestLookup = 3600 * 1000; // ms; resolvers end much sooner
-
 /// Ask the system's resolver.
 std::vector<std::string> lookUp(const std::string &host, int flags)
 {
@@ -49,11 +47,8 @@ std::optional<std::vector<std::string>> addressesOf(const std::string &host,
     std::thread([host, promise = std::move(promise)]() mutable {
         promise.set_value(lookUp(host, 0));
     }).detach();
-    const std::chrono::milliseconds left(visa::millisecondsUntil(deadline, longestLookup));
-    if (addresses.wait_for(left) != std::future_status::ready) {
-        return std::nullopt;
-    }
-    return addresses.get();
+    const bool hasEnded = addresses.wait_until(deadline) == std::future_status::ready;
+    return hasEnded ? std::optional(addresses.get()) : std::nullopt;
 }
 
 } // namespace lan

@@ -86,18 +86,11 @@ bool isLost([[maybe_unused]] int socket)
 
 ViStatus statusOf(RpcOutcome outcome)
 {
-    switch (outcome) {
-    case RpcOutcome::Success:
+    if (outcome == RpcOutcome::Success) {
         return VI_SUCCESS;
-    case RpcOutcome::ProgramUnavailable:
-    case RpcOutcome::ProgramMismatch:
-    case RpcOutcome::ProcedureUnavailable:
-        return VI_ERROR_NSUP_OPER;
-    case RpcOutcome::GarbageArguments:
-    case RpcOutcome::SystemError:
-        break;
     }
-    return VI_ERROR_IO;
+    const bool isMissing = outcome <= RpcOutcome::ProcedureUnavailable; // or its program is
+    return isMissing ? VI_ERROR_NSUP_OPER : VI_ERROR_IO;
 }
 
 } // namespace

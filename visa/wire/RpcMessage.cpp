@@ -85,10 +85,10 @@ std::string asRecord(std::string_view message)
 RecordReader::State RecordReader::read(const Source &source)
 {
     while (missing > 0 || !isLast) {
-        if (missing > 0 && filled == record.size()) {
-            record.resize(filled + std::min(missing, pieceSize));
-        }
         const bool isMark = missing == 0;
+        if (!isMark) {
+            record.resize(std::max(record.size(), filled + std::min(missing, pieceSize)));
+        }
         const std::ptrdiff_t got =
             isMark ? source(mark.data() + marked, mark.size() - marked)
                    : source(record.data() + filled, std::min(missing, record.size() - filled));
@@ -98,26 +98,20 @@ RecordReader::State RecordReader::read(const Source &source)
         if (!isMark) {
             filled += static_cast<std::size_t>(got);
             missing -= static_cast<std::size_t>(got);
-        } else if (!takeMark(static_cast<std::size_t>(got))) {
+            continue;
+        }
+        marked = (marked + static_cast<std::size_t>(got)) % mark.size();
+        if (marked == 0) {
+            std::uint32_t word = 0;
+            XdrReader({mark.data(), mark.size()}) >> word;
+            isLast = (word & lastFragment) != 0;
+            missing = word & ~lastFragment;
+        }
+        if (missing > limit - filled) {
             return State::TooLong;
         }
     }
     return State::Complete;
-}
-
-/// Take bytes of a mark; once it is whole, begin its fragment. False when there is no room for it.
-bool RecordReader::takeMark(std::size_t count)
-{
-    marked += count;
-    if (marked < mark.size()) {
-        return true;
-    }
-    marked = 0;
-    std::uint32_t word = 0;
-    XdrReader({mark.data(), mark.size()}) >> word;
-    isLast = (word & lastFragment) != 0;
-    missing = word & ~lastFragment;
-    return missing <= limit - filled;
 }
 
 std::string RecordReader::take()

@@ -83,8 +83,6 @@ public:
     std::string take();
 
 private:
-    bool takeMark(std::size_t count);
-
     std::size_t limit;
     std::string record;
     std::size_t filled = 0; ///< bytes of the record that have arrived
