@@ -177,7 +177,7 @@ visa::ReadOutcome Vxi11Link::read(ViByte *buffer, std::size_t count,
         }
         isDone = handOut(buffer, count, termination, &outcome);
         const bool goesOn = !isDone && outcome.status == VI_SUCCESS;
-        if (goesOn && visa::isOver(deadline)) {
+        if (goesOn && millisecondsUntil(deadline, 1) == 0) {
             outcome.status = VI_ERROR_TMO;
         } else if (goesOn && outcome.count == before) {
             std::this_thread::sleep_for(milliseconds(1)); // it may have nothing for long yet

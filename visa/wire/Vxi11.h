@@ -22,10 +22,8 @@ enum Procedure : std::uint32_t
     DeviceLocal = 17,
     DeviceLock = 18,
     DeviceUnlock = 19,
-    DeviceEnableSrq = 20,
     DeviceDoCmd = 22,
     DestroyLink = 23,
-    CreateInterruptChannel = 25,
     DestroyInterruptChannel = 26,
 };
 
@@ -51,13 +49,11 @@ enum Error : std::uint32_t
     SyntaxError = 1,
     NotAccessible = 3,
     InvalidLink = 4,
-    ParameterError = 5,
     NotSupported = 8,
     OutOfResources = 9,
     LockedByAnother = 11,
     NoLockHeld = 12,
     IoTimeout = 15,
-    IoError = 17,
     InvalidAddress = 21,
 };
 
