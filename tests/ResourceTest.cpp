@@ -21,11 +21,13 @@ private slots:
         row("socket", "TCPIP::a::5025::socket", "TCPIP0::a::5025::SOCKET");
         row("interface itself", "GPIB0::INTFC", "GPIB0::INTFC");
         row("longer interface", "gpib-vxi2::9", "GPIB-VXI2::9::INSTR");
+        row("pasted with blanks around it", " \tTCPIP0::a::INSTR\r\n", "TCPIP0::a::inst0::INSTR");
         row("no interface", "scope");
         row("empty host", "TCPIP0::::INSTR");
         row("board is no number", "TCPIPx::a::INSTR");
         row("board beyond 16 bits", "TCPIP65536::a::INSTR");
         row("blank in the host", "TCPIP0::a b::INSTR");
+        row("blank behind the host", "TCPIP0::a ::INSTR");
         row("too many parts", "TCPIP0::a::b::c::INSTR");
         row("port is no number", "TCPIP0::a::x::SOCKET");
         row("too long in canonical form", "TCPIP::" + QString(235, 'a'));

@@ -6,6 +6,27 @@ namespace {
 
 constexpr std::size_t most = 1024; // handles open at a time
 
+/// Objects that are being closed. Their links share a second; those in use end with their last
+/// user.
+struct Closing
+{
+    Closing() = default;
+    Closing(const Closing &) = delete;
+    Closing &operator=(const Closing &) = delete;
+    ~Closing()
+    {
+        const Deadline deadline = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+        for (const auto &[handle, object] : objects) {
+            const std::unique_lock lock(object->mutex, std::try_to_lock);
+            if (lock.owns_lock() && object->link != nullptr) {
+                object->link->close(deadline);
+            }
+        }
+    }
+
+    std::map<ViObject, std::shared_ptr<Object>> objects;
+};
+
 } // namespace
 
 ViStatus Handles::add(const std::shared_ptr<Object> &object, ViObject *handle)
@@ -31,7 +52,7 @@ std::shared_ptr<Object> Handles::find(ViObject handle)
 
 ViStatus Handles::close(ViObject handle)
 {
-    std::map<ViObject, std::shared_ptr<Object>> closed; // goes after the lock: links take time
+    Closing closing; // ends after the lock: links take time
     const std::lock_guard lock(mutex);
     if (objects.count(handle) == 0) {
         return VI_ERROR_INV_OBJECT;
@@ -39,7 +60,7 @@ ViStatus Handles::close(ViObject handle)
     for (auto at = objects.begin(); at != objects.end();) {
         const auto next = std::next(at);
         if (at->first == handle || at->second->manager == handle) {
-            closed.insert(objects.extract(at));
+            closing.objects.insert(objects.extract(at));
         }
         at = next;
     }
@@ -48,9 +69,9 @@ ViStatus Handles::close(ViObject handle)
 
 void Handles::closeAll()
 {
-    std::map<ViObject, std::shared_ptr<Object>> closed;
+    Closing closing;
     const std::lock_guard lock(mutex);
-    closed.swap(objects);
+    closing.objects.swap(objects);
 }
 
 Handles &handles()

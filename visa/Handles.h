@@ -33,7 +33,8 @@ struct Object
 };
 
 /// The open objects by their handles, which are never used twice. May be called from any thread.
-/// Whoever has found an object keeps it alive; one that is closed meanwhile goes afterwards.
+/// Whoever has found an object keeps it alive; one that is closed meanwhile goes afterwards. Links
+/// that are closed together share a second for it, however many are mute.
 class Handles
 {
 public:

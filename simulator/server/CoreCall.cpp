@@ -5,25 +5,23 @@
 
 namespace server {
 
-using namespace lan::vxi11;
+using namespace wire::vxi11;
 
-std::optional<CoreCall> decodedCoreCall(const lan::RpcCall &call)
+std::optional<CoreCall> decodedCoreCall(const wire::RpcCall &call)
 {
     CoreCall core;
     core.procedure = call.procedure.procedure;
-    QDataStream from(call.arguments);
-    quint32 ignored = 0;
-    quint32 lockDevice = 0;
+    wire::XdrReader from(call.arguments);
+    std::uint32_t ignored = 0;
+    std::uint32_t lockDevice = 0;
     switch (core.procedure) { // the same parameters come in other orders
     case CreateLink:
-        from >> ignored >> lockDevice >> core.lockTimeout;
+        from >> ignored >> lockDevice >> core.lockTimeout >> core.data;
         core.flags = WaitLock;
         core.lockDevice = lockDevice != 0;
-        core.data = lan::readOpaque(from, call.arguments);
         break;
     case DeviceWrite:
-        from >> core.link >> core.ioTimeout >> core.lockTimeout >> core.flags;
-        core.data = lan::readOpaque(from, call.arguments);
+        from >> core.link >> core.ioTimeout >> core.lockTimeout >> core.flags >> core.data;
         break;
     case DeviceRead:
         from >> core.link >> core.requestSize >> core.ioTimeout >> core.lockTimeout >> core.flags >>
@@ -46,7 +44,7 @@ std::optional<CoreCall> decodedCoreCall(const lan::RpcCall &call)
     default: // nobody looks at those of others
         break;
     }
-    return from.status() == QDataStream::Ok ? std::optional(core) : std::nullopt;
+    return from.isOk() ? std::optional(core) : std::nullopt;
 }
 
 } // namespace server

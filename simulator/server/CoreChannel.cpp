@@ -7,19 +7,19 @@
 
 namespace server {
 
-using namespace lan::vxi11;
-using lan::RpcOutcome;
-using lan::xdrWords;
+using namespace wire::vxi11;
+using wire::RpcOutcome;
+using wire::xdrWords;
 
 namespace {
 
-constexpr qint64 callLimit = 1 << 20; // bytes
-constexpr quint32 receiveSize = 65536;
+constexpr std::size_t callLimit = 1 << 20; // bytes
+constexpr std::uint32_t receiveSize = 65536;
 constexpr int linksPerDevice = 16; // as hardware has them
 constexpr int retryInterval = 1;   // ms
 
 /// The results of a procedure that failed, whose other words are there, too (VXI-11 1.0, C.1).
-QByteArray error(Error code, quint32 procedure)
+std::string error(Error code, std::uint32_t procedure)
 {
     switch (procedure) {
     case CreateLink:
@@ -76,18 +76,20 @@ void CoreChannel::serve()
 {
     for (;;) {
         if (!waiting) {
-            const lan::RecordReader::State state = reader.read(*socket);
-            if (state == lan::RecordReader::State::Incomplete) {
+            const wire::RecordReader::State state = reader.read([this](char *to, std::size_t size) {
+                return socket->read(to, static_cast<qint64>(size));
+            });
+            if (state == wire::RecordReader::State::Incomplete) {
                 return;
             }
-            if (state == lan::RecordReader::State::TooLong) {
+            if (state == wire::RecordReader::State::TooLong) {
                 socket->abort();
                 return;
             }
             waiting = reader.take();
             waitingSince = Clock::now();
         }
-        const auto call = lan::decodedCall(*waiting);
+        const auto call = wire::decodedCall(*waiting);
         if (!call) {
             socket->abort();
             return;
@@ -99,47 +101,40 @@ void CoreChannel::serve()
         }
         retry.stop();
         waiting.reset();
-        socket->write(lan::asRecord(lan::encoded(*reply)));
+        const std::string record = wire::asRecord(*reply);
+        socket->write(record.data(), static_cast<qint64>(record.size()));
         socket->flush();
     }
 }
 
-std::optional<lan::RpcReply> CoreChannel::answer(const lan::RpcCall &call, Clock::time_point began)
+std::optional<std::string> CoreChannel::answer(const wire::RpcCall &call, Clock::time_point began)
 {
-    lan::RpcReply reply{call.xid, RpcOutcome::Success, {}};
-    const lan::RpcProcedure &what = call.procedure;
+    const wire::RpcProcedure &what = call.procedure;
     if (what.program != coreProgram) {
-        reply.outcome = RpcOutcome::ProgramUnavailable;
-        return reply;
+        return wire::encodedReply(call.xid, RpcOutcome::ProgramUnavailable);
     }
     if (what.version != coreVersion) {
-        reply.outcome = RpcOutcome::ProgramMismatch;
-        reply.results = xdrWords({coreVersion, coreVersion});
-        return reply;
+        return wire::encodedReply(call.xid, RpcOutcome::ProgramMismatch,
+                                  xdrWords({coreVersion, coreVersion}));
     }
     if (what.procedure != Null &&
         (what.procedure < CreateLink || what.procedure > DestroyInterruptChannel)) {
-        reply.outcome = RpcOutcome::ProcedureUnavailable;
-        return reply;
+        return wire::encodedReply(call.xid, RpcOutcome::ProcedureUnavailable);
     }
     const auto core = decodedCoreCall(call);
     if (!core) {
-        reply.outcome = RpcOutcome::GarbageArguments;
-        return reply;
+        return wire::encodedReply(call.xid, RpcOutcome::GarbageArguments);
     }
     const Results answered = results(*core, began);
-    if (!answered) {
-        return std::nullopt;
-    }
-    reply.results = *answered;
-    return reply;
+    return answered ? std::optional(wire::encodedReply(call.xid, RpcOutcome::Success, *answered))
+                    : std::nullopt;
 }
 
 CoreChannel::Results CoreChannel::results(const CoreCall &call, Clock::time_point began)
 {
     switch (call.procedure) {
     case Null:
-        return QByteArray();
+        return std::string();
     case CreateLink:
         return createLink(call, began);
     case DestroyLink:
@@ -176,8 +171,8 @@ CoreChannel::Results CoreChannel::results(const CoreCall &call, Clock::time_poin
 
 CoreChannel::Results CoreChannel::createLink(const CoreCall &call, Clock::time_point began)
 {
-    const bool isOwn = call.data.toLower() == "inst0";
-    Device *device = isOwn ? ownDevice : laboratory.find(call.data.toStdString());
+    const bool isOwn = simulator::upperCase(call.data) == "INST0";
+    Device *device = isOwn ? ownDevice : laboratory.find(std::string(call.data));
     if (device == nullptr) {
         return error(NotAccessible, CreateLink);
     }
@@ -189,17 +184,17 @@ CoreChannel::Results CoreChannel::createLink(const CoreCall &call, Clock::time_p
                    ? Results(error(LockedByAnother, CreateLink))
                    : std::nullopt;
     }
-    const quint32 id = laboratory.nextLink++;
+    const std::uint32_t id = laboratory.nextLink++;
     links[id] = std::make_unique<Link>(*device);
     ++device->links;
     if (call.lockDevice) {
         device->lockHolder = links[id].get();
     }
-    const quint32 abortPort = 0; // nothing here takes long enough to be aborted
+    const std::uint32_t abortPort = 0; // nothing here takes long enough to be aborted
     return xdrWords({None, id, abortPort, receiveSize});
 }
 
-QByteArray CoreChannel::destroyLink(quint32 id)
+std::string CoreChannel::destroyLink(std::uint32_t id)
 {
     const auto link = links.find(id);
     if (link == links.end()) {
@@ -218,12 +213,10 @@ CoreChannel::Results CoreChannel::linkResults(const CoreCall &call, Link &link,
                                               Clock::time_point began)
 {
     Device &device = link.device;
-    const auto *bytes = call.data.constData();
-    const auto size = static_cast<std::size_t>(call.data.size());
     switch (call.procedure) {
     case DeviceWrite:
-        device.write(link.client, {bytes, size}, (call.flags & End) != 0);
-        return xdrWords({None, static_cast<quint32>(size)});
+        device.write(link.client, call.data, (call.flags & End) != 0);
+        return xdrWords({None, static_cast<std::uint32_t>(call.data.size())});
     case DeviceRead:
         return read(call, link, device.timeOut(began, call.ioTimeout));
     case DeviceReadStb:
@@ -271,10 +264,10 @@ CoreChannel::Results CoreChannel::read(const CoreCall &call, Link &link, Clock::
     const Device::Part part = link.device.read(link.client, call.requestSize, termination);
     const bool isTerminated =
         termination && !part.bytes.empty() && part.bytes.back() == termination;
-    const quint32 reason = (part.isLast ? EndIndicator : 0U) | (isTerminated ? TermChar : 0U) |
-                           (part.bytes.size() == call.requestSize ? RequestCount : 0U);
-    return xdrWords({None, reason}) +
-           lan::xdrOpaque(part.bytes.data(), static_cast<int>(part.bytes.size()));
+    const std::uint32_t reason = (part.isLast ? EndIndicator : 0U) |
+                                 (isTerminated ? TermChar : 0U) |
+                                 (part.bytes.size() == call.requestSize ? RequestCount : 0U);
+    return xdrWords({None, reason}) + wire::xdrOpaque(part.bytes);
 }
 
 } // namespace server

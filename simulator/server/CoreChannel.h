@@ -26,7 +26,7 @@ public:
     ~CoreChannel() override;
 
     /// Answer a call, also with an error; nothing while it is to wait. `began` is when it came.
-    std::optional<lan::RpcReply> answer(const lan::RpcCall &call, Clock::time_point began);
+    std::optional<std::string> answer(const wire::RpcCall &call, Clock::time_point began);
 
 private:
     struct Link
@@ -36,23 +36,23 @@ private:
         simulator::Client client;
     };
     /// What a call answers; nothing while it is to wait.
-    using Results = std::optional<QByteArray>;
+    using Results = std::optional<std::string>;
 
     void serve();
     Results results(const CoreCall &call, Clock::time_point began);
     Results createLink(const CoreCall &call, Clock::time_point began);
-    QByteArray destroyLink(quint32 id);
+    std::string destroyLink(std::uint32_t id);
     static Results linkResults(const CoreCall &call, Link &link, Clock::time_point began);
     static Results read(const CoreCall &call, Link &link, Clock::time_point until);
 
     QTcpSocket *socket;
     Laboratory &laboratory;
     Device *ownDevice;
-    lan::RecordReader reader;
+    wire::RecordReader reader;
     QTimer retry;
-    std::optional<QByteArray> waiting; // a call
+    std::optional<std::string> waiting; // a call
     Clock::time_point waitingSince;
-    std::map<quint32, std::unique_ptr<Link>> links;
+    std::map<std::uint32_t, std::unique_ptr<Link>> links;
 };
 
 } // namespace server

@@ -3,8 +3,7 @@
 #include "simulator/Bench.h"
 #include "simulator/server/Device.h"
 
-#include <QtGlobal>
-
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -20,7 +19,7 @@ struct Laboratory
 
     simulator::Bench bench; // before what refers to its instruments
     std::vector<std::unique_ptr<Device>> devices;
-    quint32 nextLink = 0; ///< no two links have the same number
+    std::uint32_t nextLink = 0; ///< no two links have the same number
 };
 
 } // namespace server

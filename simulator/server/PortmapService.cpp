@@ -8,51 +8,47 @@ namespace server {
 
 namespace {
 
-constexpr quint32 nullProcedure = 0;
-constexpr quint32 dumpProcedure = 4;
+constexpr std::uint32_t nullProcedure = 0;
+constexpr std::uint32_t dumpProcedure = 4;
 
 } // namespace
 
-lan::RpcReply portmapAnswer(const lan::RpcCall &call, quint16 corePort)
+std::string portmapAnswer(const wire::RpcCall &call, std::uint16_t corePort)
 {
-    using lan::RpcOutcome;
-    using lan::xdrWords;
-    namespace vxi11 = lan::vxi11;
+    using wire::encodedReply;
+    using wire::RpcOutcome;
+    using wire::xdrWords;
+    namespace vxi11 = wire::vxi11;
 
-    lan::RpcReply reply{call.xid, RpcOutcome::Success, {}};
-    if (call.procedure.program != lan::portmapperProgram) {
-        reply.outcome = RpcOutcome::ProgramUnavailable;
-        return reply;
+    if (call.procedure.program != wire::portmapperProgram) {
+        return encodedReply(call.xid, RpcOutcome::ProgramUnavailable);
     }
-    if (call.procedure.version != lan::portmapperVersion) {
-        reply.outcome = RpcOutcome::ProgramMismatch;
-        reply.results = xdrWords({lan::portmapperVersion, lan::portmapperVersion});
-        return reply;
+    if (call.procedure.version != wire::portmapperVersion) {
+        return encodedReply(call.xid, RpcOutcome::ProgramMismatch,
+                            xdrWords({wire::portmapperVersion, wire::portmapperVersion}));
     }
-    QDataStream from(call.arguments);
-    quint32 program = 0;
-    quint32 version = 0;
-    quint32 protocol = 0;
+    wire::XdrReader from(call.arguments);
+    std::uint32_t program = 0;
+    std::uint32_t version = 0;
+    std::uint32_t protocol = 0;
+    std::string results;
     switch (call.procedure.procedure) {
     case nullProcedure:
         break;
-    case lan::getPortProcedure:
+    case wire::getPortProcedure:
         from >> program >> version >> protocol;
-        reply.results = xdrWords(
-            {program == vxi11::coreProgram && protocol == lan::tcpProtocol ? corePort : 0U});
+        results = xdrWords(
+            {program == vxi11::coreProgram && protocol == wire::tcpProtocol ? corePort : 0U});
         break;
     case dumpProcedure: // a list: 1 before each entry, 0 at its end
-        reply.results =
-            xdrWords({1, vxi11::coreProgram, vxi11::coreVersion, lan::tcpProtocol, corePort, 0});
+        results =
+            xdrWords({1, vxi11::coreProgram, vxi11::coreVersion, wire::tcpProtocol, corePort, 0});
         break;
     default:
-        reply.outcome = RpcOutcome::ProcedureUnavailable;
-        return reply;
+        return encodedReply(call.xid, RpcOutcome::ProcedureUnavailable);
     }
-    if (from.status() != QDataStream::Ok) {
-        reply = {call.xid, RpcOutcome::GarbageArguments, {}};
-    }
-    return reply;
+    return from.isOk() ? encodedReply(call.xid, RpcOutcome::Success, results)
+                       : encodedReply(call.xid, RpcOutcome::GarbageArguments);
 }
 
 } // namespace server

@@ -12,7 +12,7 @@ namespace server {
 
 namespace {
 
-constexpr qint64 mapperCallLimit = 1024; // bytes
+constexpr std::size_t mapperCallLimit = 1024; // bytes
 constexpr std::size_t lastPort = 65535;
 
 /// Give every connection to a server to `serve`.
@@ -28,17 +28,21 @@ void onConnection(QTcpServer *server, Serve serve)
 
 void servePortmap(QTcpSocket *socket, quint16 corePort)
 {
-    const auto reader = std::make_shared<lan::RecordReader>(mapperCallLimit);
+    const auto reader = std::make_shared<wire::RecordReader>(mapperCallLimit);
     QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
     QObject::connect(socket, &QTcpSocket::readyRead, socket, [socket, reader, corePort] {
-        lan::RecordReader::State state;
-        while ((state = reader->read(*socket)) == lan::RecordReader::State::Complete) {
-            const QByteArray record = reader->take();
-            if (const auto call = lan::decodedCall(record)) {
-                socket->write(lan::asRecord(lan::encoded(portmapAnswer(*call, corePort))));
+        const auto source = [socket](char *to, std::size_t size) {
+            return socket->read(to, static_cast<qint64>(size));
+        };
+        wire::RecordReader::State state;
+        while ((state = reader->read(source)) == wire::RecordReader::State::Complete) {
+            const std::string record = reader->take();
+            if (const auto call = wire::decodedCall(record)) {
+                socket->write(
+                    QByteArray::fromStdString(wire::asRecord(portmapAnswer(*call, corePort))));
             }
         }
-        if (state == lan::RecordReader::State::TooLong) {
+        if (state == wire::RecordReader::State::TooLong) {
             socket->abort();
         }
     });
@@ -49,10 +53,10 @@ void servePortmap(QUdpSocket *socket, quint16 corePort)
     QObject::connect(socket, &QUdpSocket::readyRead, socket, [socket, corePort] {
         while (socket->hasPendingDatagrams()) {
             const QNetworkDatagram datagram = socket->receiveDatagram();
-            const QByteArray message = datagram.data();
-            if (const auto call = lan::decodedCall(message)) {
+            const std::string message = datagram.data().toStdString();
+            if (const auto call = wire::decodedCall(message)) {
                 socket->writeDatagram(
-                    datagram.makeReply(lan::encoded(portmapAnswer(*call, corePort))));
+                    datagram.makeReply(QByteArray::fromStdString(portmapAnswer(*call, corePort))));
             }
         }
     });

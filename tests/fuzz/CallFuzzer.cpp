@@ -22,29 +22,30 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
         auto *const channel =
             new server::CoreChannel(&socket, laboratory, laboratory.find("scope"));
         while (input.remaining_bytes() > 0) {
-            const std::string text = input.ConsumeRandomLengthString(300);
-            const QByteArray bytes(text.data(), static_cast<int>(text.size()));
-            lan::decodedCall(bytes);
-            lan::RpcCall call;
-            call.procedure = {lan::vxi11::coreProgram, lan::vxi11::coreVersion,
+            const std::string bytes = input.ConsumeRandomLengthString(300);
+            wire::decodedCall(bytes);
+            std::string arguments;
+            wire::RpcCall call;
+            call.procedure = {wire::vxi11::coreProgram, wire::vxi11::coreVersion,
                               input.ConsumeIntegralInRange(9U, 27U)};
             switch (call.procedure.procedure) {
-            case lan::vxi11::CreateLink:
-                call.arguments = lan::xdrWords({0, input.ConsumeIntegralInRange(0U, 1U), 0}) +
-                                 lan::xdrOpaque("inst0", 5);
+            case wire::vxi11::CreateLink:
+                arguments = wire::xdrWords({0, input.ConsumeIntegralInRange(0U, 1U), 0}) +
+                            wire::xdrOpaque("inst0");
                 break;
-            case lan::vxi11::DeviceWrite:
-                call.arguments = lan::xdrWords({input.ConsumeIntegralInRange(0U, 3U), 0, 0,
-                                                input.ConsumeIntegral<quint8>()}) +
-                                 lan::xdrOpaque(bytes.data(), bytes.size());
+            case wire::vxi11::DeviceWrite:
+                arguments = wire::xdrWords({input.ConsumeIntegralInRange(0U, 3U), 0, 0,
+                                            input.ConsumeIntegral<std::uint8_t>()}) +
+                            wire::xdrOpaque(bytes);
                 break;
             default:
-                call.arguments = lan::xdrWords({input.ConsumeIntegralInRange(0U, 3U),
-                                                input.ConsumeIntegral<quint32>(), 0, 0}) +
-                                 bytes;
+                arguments = wire::xdrWords({input.ConsumeIntegralInRange(0U, 3U),
+                                            input.ConsumeIntegral<std::uint32_t>(), 0, 0}) +
+                            bytes;
             }
+            call.arguments = arguments;
             channel->answer(call, server::Clock::now());
-            call.procedure = {lan::portmapperProgram, input.ConsumeIntegralInRange(2U, 4U),
+            call.procedure = {wire::portmapperProgram, input.ConsumeIntegralInRange(2U, 4U),
                               input.ConsumeIntegralInRange(0U, 5U)};
             server::portmapAnswer(call, 1);
         }

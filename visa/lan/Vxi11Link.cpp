@@ -1,17 +1,19 @@
 #include "visa/lan/Vxi11Link.h"
 
-#include "visa/lan/OpenLinks.h"
-#include "visa/lan/PortLookup.h"
 #include "visa/wire/Xdr.h"
-
-#include <QThread>
 
 #include <algorithm>
 #include <cstring>
+#include <thread>
 
 namespace lan {
 
 using visa::Deadline;
+using visa::millisecondsUntil;
+using wire::xdrOpaque;
+using wire::XdrReader;
+using wire::xdrWords;
+namespace vxi11 = wire::vxi11;
 
 namespace {
 
@@ -25,7 +27,7 @@ constexpr int longestTimeout = 3600 * 1000; // ms
 /// Bytes asked for, or sent, in one call.
 constexpr std::size_t largestTransfer = 16 << 20;
 /// What a device must take (VXI-11, B.6.3), for those that say 0.
-constexpr quint32 leastReceiveSize = 1024;
+constexpr std::uint32_t leastReceiveSize = 1024;
 
 Deadline answerBy(Deadline deadline)
 {
@@ -33,18 +35,13 @@ Deadline answerBy(Deadline deadline)
 }
 
 /// The time-out for a device. To some, 0 is for ever; to others, at once.
-quint32 ioTimeout(Deadline deadline)
+std::uint32_t ioTimeout(Deadline deadline)
 {
-    return static_cast<quint32>(std::max(1, millisecondsUntil(deadline, longestTimeout)));
-}
-
-bool isOver(Deadline deadline)
-{
-    return millisecondsUntil(deadline, 1) == 0;
+    return static_cast<std::uint32_t>(std::max(1, millisecondsUntil(deadline, longestTimeout)));
 }
 
 /// Returns VISA's status for a device's error code.
-ViStatus statusOf(quint32 error)
+ViStatus statusOf(std::uint32_t error)
 {
     switch (error) {
     case vxi11::None:
@@ -72,83 +69,73 @@ ViStatus statusOf(quint32 error)
 
 } // namespace
 
-Vxi11Link::Vxi11Link()
-{
-    OpenLinks::instance().add(this);
-}
-
 Vxi11Link::~Vxi11Link()
 {
-    OpenLinks::instance().remove(this);
-    leave(std::chrono::steady_clock::now() + closingTime);
+    close(std::chrono::steady_clock::now() + closingTime);
 }
 
-ViStatus Vxi11Link::open(const QHostAddress &address, quint16 mapperPort, const std::string &device,
-                         Deadline deadline)
+ViStatus Vxi11Link::open(const std::string &address, std::uint16_t mapperPort,
+                         const std::string &device, Deadline deadline)
 {
     host = address;
-    quint16 port = 0;
+    std::uint16_t port = 0;
     ViStatus status =
         findPort(address, mapperPort, {vxi11::coreProgram, vxi11::coreVersion, 0}, deadline, &port);
     if (status == VI_SUCCESS) {
         status = rpc.connectTo(address, port, deadline);
     }
-    QByteArray results;
+    std::string_view results;
     if (status == VI_SUCCESS) {
         // No lock, and no wait for one: its time-out is 0.
         status = call(vxi11::CreateLink,
-                      xdrWords({static_cast<quint32>(process), 0, 0}) +
-                          xdrOpaque(device.data(), static_cast<int>(device.size())),
+                      xdrWords({static_cast<std::uint32_t>(process), 0, 0}) + xdrOpaque(device),
                       deadline, &results);
     }
     if (status != VI_SUCCESS) {
-        const bool isOther = status == VI_ERROR_CONN_LOST || status == VI_ERROR_NSUP_OPER;
-        return isOther ? VI_ERROR_RSRC_NFOUND : status; // something that is no instrument
+        const bool isInstrument = status != VI_ERROR_CONN_LOST && status != VI_ERROR_NSUP_OPER;
+        return isInstrument ? status : VI_ERROR_RSRC_NFOUND;
     }
-    quint32 abortPort = 0;
-    QDataStream from(results);
+    std::uint32_t abortPort = 0;
+    XdrReader from(results);
     from >> id >> abortPort >> receiveSize;
-    isOpen = from.status() == QDataStream::Ok;
+    isOpen = from.isOk();
     receiveSize = receiveSize != 0 ? receiveSize : leastReceiveSize;
     return isOpen ? VI_SUCCESS : VI_ERROR_IO;
 }
 
-void Vxi11Link::leave(Deadline deadline)
+void Vxi11Link::close(Deadline deadline)
 {
-    const std::unique_lock<std::mutex> guard(calling, std::try_to_lock);
-    if (isOpen && guard.owns_lock() && process == getpid()) {
-        isOpen = false;
-        QByteArray results;
-        rpc.call({vxi11::coreProgram, vxi11::coreVersion, vxi11::DestroyLink}, xdrWords({id}),
-                 deadline, &results);
+    if (isOpen && process == getpid() && rpc.isConnected()) {
+        call(vxi11::DestroyLink, xdrWords({id}), deadline);
     }
+    isOpen = false;
 }
 
 /// Call a procedure; the results are those behind the error code, also with an error. They are
 /// there until the next call.
-ViStatus Vxi11Link::call(vxi11::Procedure procedure, const QByteArray &arguments, Deadline answer,
-                         QByteArray *results)
+ViStatus Vxi11Link::call(vxi11::Procedure procedure, std::string_view arguments, Deadline answer,
+                         std::string_view *results)
 {
-    const std::lock_guard<std::mutex> guard(calling);
+    std::string_view received;
     const ViStatus status =
-        rpc.call({vxi11::coreProgram, vxi11::coreVersion, procedure}, arguments, answer, results);
+        rpc.call({vxi11::coreProgram, vxi11::coreVersion, procedure}, arguments, answer, &received);
     if (status != VI_SUCCESS) {
         return status;
     }
-    quint32 error = 0;
-    QDataStream from(*results);
+    std::uint32_t error = 0;
+    XdrReader from(received);
     from >> error;
-    *results = rest(from, *results);
-    return from.status() == QDataStream::Ok ? statusOf(error) : VI_ERROR_IO;
+    if (results != nullptr) {
+        *results = from.rest();
+    }
+    return from.isOk() ? statusOf(error) : VI_ERROR_IO;
 }
 
-ViStatus Vxi11Link::callGeneric(vxi11::Procedure procedure, Deadline deadline, QByteArray *results)
+ViStatus Vxi11Link::callGeneric(vxi11::Procedure procedure, Deadline deadline,
+                                std::string_view *results)
 {
-    QByteArray ignored;
-    const quint32 flags = 0;
-    const quint32 lockTimeout = 0;
-    return call(procedure, xdrWords({id, flags, lockTimeout, ioTimeout(deadline)}),
-                answerBy(deadline), results != nullptr ? results : &ignored);
+    // Without flags, and without a wait for another's lock.
+    return call(procedure, xdrWords({id, 0, 0, ioTimeout(deadline)}), answerBy(deadline), results);
 }
 
 ViStatus Vxi11Link::write(const ViByte *bytes, std::size_t count, bool end, Deadline deadline,
@@ -160,14 +147,14 @@ ViStatus Vxi11Link::write(const ViByte *bytes, std::size_t count, bool end, Dead
         const std::size_t size =
             std::min({count - *written, std::size_t(receiveSize), largestTransfer});
         const bool isLast = *written + size == count;
-        QByteArray results;
-        const ViStatus status = call(
-            vxi11::DeviceWrite,
-            xdrWords({id, ioTimeout(deadline), 0, isLast && end ? vxi11::End : 0U}) +
-                xdrOpaque(reinterpret_cast<const char *>(bytes) + *written, static_cast<int>(size)),
-            answerBy(deadline), &results);
-        quint32 taken = 0;
-        QDataStream(results) >> taken;
+        std::string_view results;
+        const ViStatus status =
+            call(vxi11::DeviceWrite,
+                 xdrWords({id, ioTimeout(deadline), 0, isLast && end ? vxi11::End : 0U}) +
+                     xdrOpaque({reinterpret_cast<const char *>(bytes) + *written, size}),
+                 answerBy(deadline), &results);
+        std::uint32_t taken = 0;
+        XdrReader(results) >> taken;
         *written += std::min<std::size_t>(taken, size);
         if (status != VI_SUCCESS || taken == 0) {
             return status != VI_SUCCESS ? status : VI_ERROR_IO;
@@ -180,20 +167,20 @@ visa::ReadOutcome Vxi11Link::read(ViByte *buffer, std::size_t count,
                                   std::optional<ViByte> termination, Deadline deadline)
 {
     visa::ReadOutcome outcome;
-    for (bool isFirst = true; !handOut(buffer, count, termination, &outcome); isFirst = false) {
-        if (!isFirst) {
-            if (outcome.status != VI_SUCCESS || isOver(deadline)) {
-                outcome.status = outcome.status != VI_SUCCESS ? outcome.status : VI_ERROR_TMO;
-                break;
-            }
-            if (fetched.isEmpty()) {
-                QThread::msleep(1); // it may have nothing for long yet
-            }
-        }
-        outcome.status = fetch(count - outcome.count, termination, deadline);
+    bool isDone = handOut(buffer, count, termination, &outcome); // what an earlier read left
+    while (!isDone && outcome.status == VI_SUCCESS) {
+        const std::size_t before = outcome.count;
+        outcome.status = fetch(count - before, termination, deadline);
         // The longest time-out that can be sent is not the caller's.
         if (outcome.status == VI_ERROR_TMO && ioTimeout(deadline) == longestTimeout) {
             outcome.status = VI_SUCCESS;
+        }
+        isDone = handOut(buffer, count, termination, &outcome);
+        const bool goesOn = !isDone && outcome.status == VI_SUCCESS;
+        if (goesOn && millisecondsUntil(deadline, 1) == 0) {
+            outcome.status = VI_ERROR_TMO;
+        } else if (goesOn && outcome.count == before) {
+            std::this_thread::sleep_for(milliseconds(1)); // it may have nothing for long yet
         }
     }
     keepRest();
@@ -204,17 +191,17 @@ visa::ReadOutcome Vxi11Link::read(ViByte *buffer, std::size_t count,
 ViStatus Vxi11Link::fetch(std::size_t count, std::optional<ViByte> termination, Deadline deadline)
 {
     forget();
-    QByteArray results;
-    const ViStatus status = call(
-        vxi11::DeviceRead,
-        xdrWords({id, static_cast<quint32>(std::min(count, largestTransfer)), ioTimeout(deadline),
-                  0, termination ? vxi11::TermCharSet : 0U, termination.value_or(0)}),
-        answerBy(deadline), &results);
-    quint32 reason = 0;
-    QDataStream from(results);
-    from >> reason;
-    fetched = readOpaque(from, results);
-    if (from.status() != QDataStream::Ok) {
+    std::string_view results;
+    const ViStatus status =
+        call(vxi11::DeviceRead,
+             xdrWords({id, static_cast<std::uint32_t>(std::min(count, largestTransfer)),
+                       ioTimeout(deadline), 0, termination ? vxi11::TermCharSet : 0U,
+                       termination.value_or(0)}),
+             answerBy(deadline), &results);
+    std::uint32_t reason = 0;
+    XdrReader from(results);
+    from >> reason >> fetched;
+    if (!from.isOk()) {
         return status != VI_SUCCESS ? status : VI_ERROR_IO;
     }
     fetchedEnd = (reason & vxi11::EndIndicator) != 0;
@@ -226,22 +213,22 @@ ViStatus Vxi11Link::fetch(std::size_t count, std::optional<ViByte> termination, 
 bool Vxi11Link::handOut(ViByte *buffer, std::size_t count, std::optional<ViByte> termination,
                         visa::ReadOutcome *outcome)
 {
-    const char *bytes = fetched.constData() + handedOut;
-    std::size_t size =
-        std::min(count - outcome->count, static_cast<std::size_t>(fetched.size() - handedOut));
-    const void *terminator = termination ? std::memchr(bytes, *termination, size) : nullptr;
-    if (terminator != nullptr) {
-        size = static_cast<std::size_t>(static_cast<const char *>(terminator) - bytes) + 1;
+    std::string_view part = fetched.substr(0, count - outcome->count);
+    const std::size_t terminator =
+        termination ? part.find(static_cast<char>(*termination)) : std::string_view::npos;
+    const bool isTerminated = terminator != std::string_view::npos;
+    if (isTerminated) {
+        part = part.substr(0, terminator + 1);
     }
-    std::copy_n(bytes, size, buffer + outcome->count);
-    outcome->count += size;
-    handedOut += static_cast<int>(size);
-    if (fetchedEnd && handedOut == fetched.size()) {
+    std::copy(part.begin(), part.end(), buffer + outcome->count);
+    outcome->count += part.size();
+    fetched.remove_prefix(part.size());
+    if (fetchedEnd && fetched.empty()) {
         forget();
         outcome->end = visa::ReadEnd::End;
         return true;
     }
-    if (terminator != nullptr) {
+    if (isTerminated) {
         outcome->end = visa::ReadEnd::TerminationCharacter;
         return true;
     }
@@ -251,14 +238,13 @@ bool Vxi11Link::handOut(ViByte *buffer, std::size_t count, std::optional<ViByte>
 /// Keep what was fetched and not handed out beyond the next call, in memory of its own.
 void Vxi11Link::keepRest()
 {
-    fetched = QByteArray(fetched.constData() + handedOut, fetched.size() - handedOut);
-    handedOut = 0;
+    kept = std::string(fetched);
+    fetched = kept;
 }
 
 void Vxi11Link::forget()
 {
-    fetched.clear();
-    handedOut = 0;
+    fetched = {};
     fetchedEnd = false;
 }
 
@@ -275,13 +261,13 @@ ViStatus Vxi11Link::trigger(Deadline deadline)
 
 ViStatus Vxi11Link::readStatusByte(Deadline deadline, ViUInt8 *statusByte)
 {
-    QByteArray results;
+    std::string_view results;
     const ViStatus status = callGeneric(vxi11::DeviceReadStb, deadline, &results);
-    quint32 byte = 0;
-    QDataStream from(results);
+    std::uint32_t byte = 0;
+    XdrReader from(results);
     from >> byte;
     *statusByte = static_cast<ViUInt8>(byte);
-    return status != VI_SUCCESS || from.status() == QDataStream::Ok ? status : VI_ERROR_IO;
+    return status != VI_SUCCESS || from.isOk() ? status : VI_ERROR_IO;
 }
 
 ViStatus Vxi11Link::controlRemote(ViUInt16 mode, Deadline deadline)
@@ -289,36 +275,26 @@ ViStatus Vxi11Link::controlRemote(ViUInt16 mode, Deadline deadline)
     // VXI-11 knows the device as a whole, not the lines of its bus (VPP-4.3, table 6.5.1).
     constexpr ViUInt16 assertAndAddress = 3;
     constexpr ViUInt16 assertAddressAndLockOut = 5;
-    switch (mode) {
-    case assertAndAddress:
-    case assertAddressAndLockOut:
-        return callGeneric(vxi11::DeviceRemote, deadline);
-    case VI_GPIB_REN_ADDRESS_GTL:
+    if (mode == VI_GPIB_REN_ADDRESS_GTL) {
         return callGeneric(vxi11::DeviceLocal, deadline);
-    default:
-        return VI_ERROR_NSUP_OPER;
     }
+    return mode == assertAndAddress || mode == assertAddressAndLockOut
+               ? callGeneric(vxi11::DeviceRemote, deadline)
+               : VI_ERROR_NSUP_OPER;
 }
 
 ViStatus Vxi11Link::lock(Deadline deadline)
 {
-    const auto timeout = static_cast<quint32>(millisecondsUntil(deadline, longestTimeout));
-    const quint32 flags = timeout > 0 ? vxi11::WaitLock : 0U;
-    QByteArray results;
+    const auto timeout = static_cast<std::uint32_t>(millisecondsUntil(deadline, longestTimeout));
+    const std::uint32_t flags = timeout > 0 ? vxi11::WaitLock : 0U;
     const ViStatus status =
-        call(vxi11::DeviceLock, xdrWords({id, flags, timeout}), answerBy(deadline), &results);
+        call(vxi11::DeviceLock, xdrWords({id, flags, timeout}), answerBy(deadline));
     return status == VI_ERROR_RSRC_LOCKED ? VI_ERROR_TMO : status; // as viLock has it
 }
 
 ViStatus Vxi11Link::unlock(Deadline deadline)
 {
-    QByteArray results;
-    return call(vxi11::DeviceUnlock, xdrWords({id}), answerBy(deadline), &results);
-}
-
-std::string Vxi11Link::address() const
-{
-    return host.toString().toStdString();
+    return call(vxi11::DeviceUnlock, xdrWords({id}), answerBy(deadline));
 }
 
 } // namespace lan

@@ -1,15 +1,15 @@
 #pragma once
 
-#include <QtGlobal>
+#include <cstdint>
 
-namespace lan {
+namespace wire {
 
 // Numbers of the portmapper (RFC 1833, version 2), which says where the programs of a host listen.
 
-constexpr quint16 portmapperPort = 111;
-constexpr quint32 portmapperProgram = 100000;
-constexpr quint32 portmapperVersion = 2;
-constexpr quint32 getPortProcedure = 3;
-constexpr quint32 tcpProtocol = 6;
+constexpr std::uint16_t portmapperPort = 111;
+constexpr std::uint32_t portmapperProgram = 100000;
+constexpr std::uint32_t portmapperVersion = 2;
+constexpr std::uint32_t getPortProcedure = 3;
+constexpr std::uint32_t tcpProtocol = 6;
 
-} // namespace lan
+} // namespace wire

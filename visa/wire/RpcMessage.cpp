@@ -2,123 +2,123 @@
 
 #include "visa/wire/Xdr.h"
 
-#include <QIODevice>
-
 #include <algorithm>
 #include <utility>
 
-namespace lan {
+namespace wire {
 
 namespace {
 
-constexpr quint32 rpcVersion = 2;
-constexpr quint32 callType = 0;
-constexpr quint32 replyType = 1;
-constexpr quint32 acceptedStatus = 0;
-constexpr quint32 lastFragment = 0x80000000;
-constexpr int markSize = 4;
+constexpr std::uint32_t rpcVersion = 2;
+constexpr std::uint32_t callType = 0;
+constexpr std::uint32_t replyType = 1;
+constexpr std::uint32_t acceptedStatus = 0;
+constexpr std::uint32_t lastFragment = 0x80000000;
+constexpr std::size_t pieceSize = 256 << 10; // bytes
 
 } // namespace
 
-QByteArray encoded(const RpcCall &call)
+std::string encodedCall(std::uint32_t xid, const RpcProcedure &procedure,
+                        std::string_view arguments)
 {
-    const RpcProcedure &what = call.procedure;
-    return xdrWords({call.xid, callType, rpcVersion, what.program, what.version, what.procedure, //
-                     0, 0, 0, 0}) +
-           call.arguments;
+    return xdrWords({xid, callType, rpcVersion, procedure.program, procedure.version,
+                     procedure.procedure, 0, 0, 0, 0})
+        .append(arguments);
 }
 
-QByteArray encoded(const RpcReply &reply)
+std::string encodedReply(std::uint32_t xid, RpcOutcome outcome, std::string_view results)
 {
-    return xdrWords(
-               {reply.xid, replyType, acceptedStatus, 0, 0, static_cast<quint32>(reply.outcome)}) +
-           reply.results;
+    return xdrWords({xid, replyType, acceptedStatus, 0, 0, static_cast<std::uint32_t>(outcome)})
+        .append(results);
 }
 
-std::optional<RpcCall> decodedCall(const QByteArray &message)
+std::optional<RpcCall> decodedCall(std::string_view message)
 {
-    QDataStream from(message);
+    XdrReader from(message);
     RpcCall call;
-    quint32 type = 0;
-    quint32 version = 0;
-    quint32 flavour = 0;
+    std::uint32_t type = 0;
+    std::uint32_t version = 0;
+    std::uint32_t flavour = 0;
+    std::string_view credential;
+    std::string_view verifier;
     from >> call.xid >> type >> version >> call.procedure.program >> call.procedure.version >>
-        call.procedure.procedure;
-    for (int i = 0; i < 2; ++i) { // credential and verifier
-        from >> flavour;
-        readOpaque(from, message);
-    }
-    if (from.status() != QDataStream::Ok || type != callType || version != rpcVersion) {
+        call.procedure.procedure >> flavour >> credential >> flavour >> verifier;
+    if (!from.isOk() || type != callType || version != rpcVersion) {
         return std::nullopt;
     }
-    call.arguments = rest(from, message);
+    call.arguments = from.rest();
     return call;
 }
 
-std::optional<RpcReply> decodedReply(const QByteArray &message)
+std::optional<RpcReply> decodedReply(std::string_view message)
 {
-    QDataStream from(message);
+    XdrReader from(message);
     RpcReply reply;
-    quint32 type = 0;
-    quint32 status = 0;
+    std::uint32_t type = 0;
+    std::uint32_t status = 0;
     from >> reply.xid >> type >> status;
-    if (from.status() != QDataStream::Ok || type != replyType) {
+    if (!from.isOk() || type != replyType) {
         return std::nullopt;
     }
     if (status != acceptedStatus) {
         reply.outcome = RpcOutcome::SystemError;
         return reply;
     }
-    quint32 word = 0;
-    from >> word; // the verifier
-    readOpaque(from, message);
-    from >> word;
-    if (from.status() != QDataStream::Ok) {
+    std::uint32_t flavour = 0;
+    std::string_view verifier;
+    std::uint32_t outcome = 0;
+    from >> flavour >> verifier >> outcome;
+    if (!from.isOk()) {
         return std::nullopt;
     }
-    reply.outcome =
-        static_cast<RpcOutcome>(std::min(word, static_cast<quint32>(RpcOutcome::SystemError)));
-    reply.results = rest(from, message);
+    reply.outcome = static_cast<RpcOutcome>(
+        std::min(outcome, static_cast<std::uint32_t>(RpcOutcome::SystemError)));
+    reply.results = from.rest();
     return reply;
 }
 
-QByteArray asRecord(const QByteArray &message)
+std::string asRecord(std::string_view message)
 {
-    return xdrWords({lastFragment | static_cast<quint32>(message.size())}) + message;
+    return xdrWords({lastFragment | static_cast<std::uint32_t>(message.size())}).append(message);
 }
 
-RecordReader::State RecordReader::read(QIODevice &from)
+RecordReader::State RecordReader::read(const Source &source)
 {
     while (missing > 0 || !isLast) {
-        if (missing == 0) {
-            if (from.bytesAvailable() < markSize) {
-                return State::Incomplete;
-            }
-            QDataStream(from.read(markSize)) >> missing;
-            isLast = (missing & lastFragment) != 0;
-            missing &= ~lastFragment;
-            if (missing > limit - record.size()) {
-                return State::TooLong;
-            }
-            continue;
+        const bool isMark = missing == 0;
+        if (!isMark) {
+            record.resize(std::max(record.size(), filled + std::min(missing, pieceSize)));
         }
-        const int there = static_cast<int>(std::min<qint64>(missing, from.bytesAvailable()));
-        const int before = record.size();
-        record.resize(before + there);
-        const qint64 got = from.read(record.data() + before, there);
-        record.resize(before + static_cast<int>(std::max<qint64>(got, 0)));
+        const std::ptrdiff_t got =
+            isMark ? source(mark.data() + marked, mark.size() - marked)
+                   : source(record.data() + filled, std::min(missing, record.size() - filled));
         if (got <= 0) {
             return State::Incomplete;
         }
-        missing -= static_cast<quint32>(got);
+        if (!isMark) {
+            filled += static_cast<std::size_t>(got);
+            missing -= static_cast<std::size_t>(got);
+            continue;
+        }
+        marked = (marked + static_cast<std::size_t>(got)) % mark.size();
+        if (marked == 0) {
+            std::uint32_t word = 0;
+            XdrReader({mark.data(), mark.size()}) >> word;
+            isLast = (word & lastFragment) != 0;
+            missing = word & ~lastFragment;
+        }
+        if (missing > limit - filled) {
+            return State::TooLong;
+        }
     }
     return State::Complete;
 }
 
-QByteArray RecordReader::take()
+std::string RecordReader::take()
 {
     isLast = false;
+    record.resize(std::exchange(filled, 0));
     return std::exchange(record, {});
 }
 
-} // namespace lan
+} // namespace wire

@@ -1,25 +1,27 @@
 #pragma once
 
-#include <QByteArray>
-
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <optional>
+#include <string>
+#include <string_view>
 
-class QIODevice;
-
-namespace lan {
+namespace wire {
 
 // Messages of ONC remote procedure calls (RFC 5531) and the records that carry them over TCP.
 
 /// What is called.
 struct RpcProcedure
 {
-    quint32 program = 0;
-    quint32 version = 0;
-    quint32 procedure = 0;
+    std::uint32_t program = 0;
+    std::uint32_t version = 0;
+    std::uint32_t procedure = 0;
 };
 
 /// How a call was taken (RFC 5531, accept_stat); calls that are denied count as SystemError.
-enum class RpcOutcome : quint32
+enum class RpcOutcome : std::uint32_t
 {
     Success = 0,
     ProgramUnavailable = 1,
@@ -29,31 +31,34 @@ enum class RpcOutcome : quint32
     SystemError = 5,
 };
 
+/// A decoded call. Its arguments are bytes of the message.
 struct RpcCall
 {
-    quint32 xid = 0;
+    std::uint32_t xid = 0;
     RpcProcedure procedure;
-    QByteArray arguments;
+    std::string_view arguments;
 };
 
+/// A decoded reply. Its results are bytes of the message.
 struct RpcReply
 {
-    quint32 xid = 0;
+    std::uint32_t xid = 0;
     RpcOutcome outcome = RpcOutcome::Success;
-    QByteArray results; ///< of a success; of a mismatch, the lowest and the highest version
+    std::string_view results; ///< of a success; of a mismatch, the lowest and the highest version
 };
 
-/// Encode a call without credentials, a reply. Both without the mark of a record.
-QByteArray encoded(const RpcCall &call);
-QByteArray encoded(const RpcReply &reply);
+/// Encode a call without credentials, without the mark of a record.
+std::string encodedCall(std::uint32_t xid, const RpcProcedure &procedure,
+                        std::string_view arguments);
+/// Encode a reply, without the mark of a record.
+std::string encodedReply(std::uint32_t xid, RpcOutcome outcome, std::string_view results = {});
 
-/// Decode a call, a reply, whose arguments and results share the bytes of the message. Nothing when
-/// it is something else.
-std::optional<RpcCall> decodedCall(const QByteArray &message);
-std::optional<RpcReply> decodedReply(const QByteArray &message);
+/// Decode a call, a reply. Nothing when the message is something else.
+std::optional<RpcCall> decodedCall(std::string_view message);
+std::optional<RpcReply> decodedReply(std::string_view message);
 
-/// A message as a record of one fragment (RFC 5531, 11).
-QByteArray asRecord(const QByteArray &message);
+/// Returns a message as a record of one fragment (RFC 5531, 11).
+std::string asRecord(std::string_view message);
 
 /// Puts a record together from its fragments, as they arrive.
 class RecordReader
@@ -65,20 +70,26 @@ public:
         Complete,
         TooLong, ///< nothing after it can be understood
     };
+    /// Takes up to `size` bytes that have arrived; returns how many, or less than 1 without any.
+    using Source = std::function<std::ptrdiff_t(char *to, std::size_t size)>;
 
     /// A reader of records of at most `limit` bytes.
-    explicit RecordReader(qint64 limit) : limit(limit) {}
+    explicit RecordReader(std::size_t limit) : limit(limit) {}
 
-    /// Read on. Memory is taken for bytes that are there, not for those that a fragment announces.
-    State read(QIODevice &from);
-    /// Hand out the complete record, and begin with the next.
-    QByteArray take();
+    /// Read on, until the record is complete or nothing more has arrived. Memory grows with the
+    /// bytes that arrive, not with those that a fragment announces.
+    State read(const Source &source);
+    /// Returns the complete record, and begins with the next.
+    std::string take();
 
 private:
-    qint64 limit;
-    QByteArray record;
-    quint32 missing = 0; ///< bytes of the fragment
-    bool isLast = false; ///< the fragment is the record's last
+    std::size_t limit;
+    std::string record;
+    std::size_t filled = 0; ///< bytes of the record that have arrived
+    std::array<char, 4> mark{};
+    std::size_t marked = 0;  ///< bytes of the mark that have arrived
+    std::size_t missing = 0; ///< bytes of the fragment
+    bool isLast = false;     ///< the fragment is the record's last
 };
 
-} // namespace lan
+} // namespace wire

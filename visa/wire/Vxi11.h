@@ -1,15 +1,15 @@
 #pragma once
 
-#include <QtGlobal>
+#include <cstdint>
 
-namespace lan::vxi11 {
+namespace wire::vxi11 {
 
 // Numbers of the TCP/IP Instrument Protocol (VXI-11 1.0, appendix C) and of its core channel.
 
-constexpr quint32 coreProgram = 0x0607AF;
-constexpr quint32 coreVersion = 1;
+constexpr std::uint32_t coreProgram = 0x0607AF;
+constexpr std::uint32_t coreVersion = 1;
 
-enum Procedure : quint32
+enum Procedure : std::uint32_t
 {
     Null = 0, ///< of every program: does nothing
     CreateLink = 10,
@@ -22,15 +22,13 @@ enum Procedure : quint32
     DeviceLocal = 17,
     DeviceLock = 18,
     DeviceUnlock = 19,
-    DeviceEnableSrq = 20,
     DeviceDoCmd = 22,
     DestroyLink = 23,
-    CreateInterruptChannel = 25,
     DestroyInterruptChannel = 26,
 };
 
 /// Flags of a call.
-enum Flag : quint32
+enum Flag : std::uint32_t
 {
     WaitLock = 0x01,
     End = 0x08, ///< of a write: the last byte is sent with END
@@ -38,27 +36,25 @@ enum Flag : quint32
 };
 
 /// Why a read ended; several may hold. 0: the device has no more room, and goes on if asked.
-enum Reason : quint32
+enum Reason : std::uint32_t
 {
     RequestCount = 1,
     TermChar = 2,
     EndIndicator = 4,
 };
 
-enum Error : quint32
+enum Error : std::uint32_t
 {
     None = 0,
     SyntaxError = 1,
     NotAccessible = 3,
     InvalidLink = 4,
-    ParameterError = 5,
     NotSupported = 8,
     OutOfResources = 9,
     LockedByAnother = 11,
     NoLockHeld = 12,
     IoTimeout = 15,
-    IoError = 17,
     InvalidAddress = 21,
 };
 
-} // namespace lan::vxi11
+} // namespace wire::vxi11

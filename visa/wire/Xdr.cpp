@@ -1,56 +1,61 @@
 #include "visa/wire/Xdr.h"
 
-#include <QIODevice>
-
 #include <algorithm>
 
-namespace lan {
+namespace wire {
 
 namespace {
 
-int padding(int count)
+constexpr std::size_t wordSize = 4;
+
+std::size_t padding(std::size_t count)
 {
-    return (4 - count % 4) % 4;
+    return (wordSize - count % wordSize) % wordSize;
 }
 
 } // namespace
 
-QByteArray xdrWords(std::initializer_list<quint32> words)
+std::string xdrWords(std::initializer_list<std::uint32_t> words)
 {
-    QByteArray bytes;
-    QDataStream to(&bytes, QIODevice::WriteOnly);
-    for (const quint32 word : words) {
-        to << word;
+    std::string bytes;
+    bytes.reserve(words.size() * wordSize);
+    for (const std::uint32_t word : words) {
+        for (const unsigned shift : {24U, 16U, 8U, 0U}) {
+            bytes.push_back(static_cast<char>(word >> shift & 0xFF));
+        }
     }
     return bytes;
 }
 
-QByteArray xdrOpaque(const char *bytes, int count)
+std::string xdrOpaque(std::string_view bytes)
 {
-    QByteArray encoded = xdrWords({static_cast<quint32>(count)});
-    encoded.reserve(encoded.size() + count + padding(count));
-    return encoded.append(bytes, count).append(padding(count), '\0');
+    std::string encoded = xdrWords({static_cast<std::uint32_t>(bytes.size())});
+    encoded.reserve(encoded.size() + bytes.size() + padding(bytes.size()));
+    return encoded.append(bytes).append(padding(bytes.size()), '\0');
 }
 
-QByteArray readOpaque(QDataStream &from, const QByteArray &message)
+XdrReader &XdrReader::operator>>(std::uint32_t &word)
 {
-    quint32 count = 0;
-    from >> count;
-    const QByteArray bytes = rest(from, message);
-    if (from.status() != QDataStream::Ok || count > static_cast<quint32>(bytes.size())) {
-        from.setStatus(QDataStream::ReadPastEnd);
-        return {};
+    word = 0;
+    ok = ok && left.size() >= wordSize;
+    if (ok) {
+        for (const char byte : left.substr(0, wordSize)) {
+            word = word << 8 | static_cast<unsigned char>(byte);
+        }
+        left.remove_prefix(wordSize);
     }
-    const int size = static_cast<int>(count);
-    // Some senders end without the zeros.
-    from.skipRawData(std::min(size + padding(size), bytes.size()));
-    return QByteArray::fromRawData(bytes.constData(), size);
+    return *this;
 }
 
-QByteArray rest(const QDataStream &from, const QByteArray &message)
+XdrReader &XdrReader::operator>>(std::string_view &bytes)
 {
-    const int at = static_cast<int>(from.device()->pos());
-    return QByteArray::fromRawData(message.constData() + at, message.size() - at);
+    std::uint32_t count = 0;
+    *this >> count;
+    ok = ok && count <= left.size();
+    bytes = left.substr(0, ok ? count : 0);
+    // Some senders leave out the zeros at the end.
+    left.remove_prefix(std::min(bytes.size() + padding(bytes.size()), left.size()));
+    return *this;
 }
 
-} // namespace lan
+} // namespace wire

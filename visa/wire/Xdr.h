@@ -1,27 +1,42 @@
 #pragma once
 
-#include <QByteArray>
-#include <QDataStream>
-
+#include <cstdint>
 #include <initializer_list>
+#include <string>
+#include <string_view>
 
-namespace lan {
+namespace wire {
 
-// External data representation (RFC 4506). Of numbers VXI-11 and RPC have only such as take one
-// word of 32 bits, big-endian, which is what a QDataStream reads and writes of its own accord.
+// External data representation (RFC 4506). Every number of RPC and VXI-11 takes one word of 32
+// bits, big-endian.
 
 /// Encode words.
-QByteArray xdrWords(std::initializer_list<quint32> words);
+std::string xdrWords(std::initializer_list<std::uint32_t> words);
 
 /// Encode opaque bytes or a string: the length, the bytes, zeros up to a whole word.
-QByteArray xdrOpaque(const char *bytes, int count);
+std::string xdrOpaque(std::string_view bytes);
 
-/// Decode opaque bytes or a string from a stream over `message`, whose bytes they share: they are
-/// there as long as the message's memory. Where it ends before they do, nothing is returned and the
-/// stream's status is not Ok.
-QByteArray readOpaque(QDataStream &from, const QByteArray &message);
+/// Reads a message from its front. What is read past its end is 0 or empty, and the reader is not
+/// ok from then on.
+class XdrReader
+{
+public:
+    /// Read a message whose bytes outlive the reader and all that it returns.
+    explicit XdrReader(std::string_view message) : left(message) {}
 
-/// What a stream has not yet read of `message`; the bytes are shared, too.
-QByteArray rest(const QDataStream &from, const QByteArray &message);
+    /// Read a word.
+    XdrReader &operator>>(std::uint32_t &word);
+    /// Read opaque bytes or a string.
+    XdrReader &operator>>(std::string_view &bytes);
 
-} // namespace lan
+    /// Returns what has not been read yet.
+    [[nodiscard]] std::string_view rest() const { return left; }
+    /// Returns whether all that was read was there.
+    [[nodiscard]] bool isOk() const { return ok; }
+
+private:
+    std::string_view left;
+    bool ok = true;
+};
+
+} // namespace wire
