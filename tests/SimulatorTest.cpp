@@ -12,7 +12,8 @@ namespace {
 /// Asks an instrument.
 QByteArray ask(const Bench &bench, const char *host, const QByteArray &message)
 {
-    return QByteArray::fromStdString(bench.find(host)->execute(message.toStdString())).trimmed();
+    return QByteArray::fromStdString(bench.find(host)->instrument->execute(message.toStdString()))
+        .trimmed();
 }
 
 QVector<float> trace(const Bench &bench, const char *host, const char *query)
@@ -100,7 +101,8 @@ private slots:
         const Bench bench;
         ask(bench, "scope-kvx", "ACQ:POIN MAX;:FORM REAL,32"); // 2,000,009 bytes each
         QByteArray records = QByteArray(":CHAN1:DATA?;").repeated(16);
-        QVERIFY(bench.find("scope-kvx")->execute(records.toStdString()).size() > 32000000);
+        QVERIFY(bench.find("scope-kvx")->instrument->execute(records.toStdString()).size() >
+                32000000);
         records += ":CHAN1:DATA?";
         QCOMPARE(ask(bench, "scope-kvx", records), QByteArray());
         QVERIFY(ask(bench, "scope-kvx", "SYST:ERR?").startsWith("-430,"));
@@ -170,8 +172,8 @@ private slots:
         QCOMPARE(trace(bench, "scope", "CHAN1:DATA?"), record);
         ask(bench, "scope", "SING;*TRG");
         QVERIFY(trace(bench, "scope", "CHAN1:DATA?") != record);
-        QCOMPARE(bench.find("scope")->takeDuration(), 1.2);
-        QCOMPARE(bench.find("scope")->takeDuration(), 0.0);
+        QCOMPARE(bench.find("scope")->instrument->takeDuration(), 1.2);
+        QCOMPARE(bench.find("scope")->instrument->takeDuration(), 0.0);
     }
 
     void analyzersHearTheirFrequency_data()

@@ -38,9 +38,6 @@ public:
     /// that has an answer to read or none.
     [[nodiscard]] std::uint8_t statusByte(bool messageAvailable) const;
 
-    [[nodiscard]] bool isRemote() const { return remote; }
-    void setRemote(bool on) { remote = on; }
-
     struct Call
     {
         Suffixes suffixes;
@@ -107,7 +104,6 @@ private:
     Setting *eventEnable = nullptr;
     Setting *serviceEnable = nullptr;
     bool hasAnswered = false; // the message that is being executed
-    bool remote = false;
     double duration = 0.0;
 };
 
