@@ -5,6 +5,7 @@
 #include "visa/wire/Portmapper.h"
 
 #include <QCoreApplication>
+#include <QNetworkAddressEntry>
 #include <QNetworkDatagram>
 #include <QNetworkInterface>
 #include <QTcpServer>
@@ -95,19 +96,20 @@ QString listen(QUdpSocket *socket, const QHostAddress &address, quint16 port)
     return {};
 }
 
-/// Returns the addresses at which clients reach a socket that is bound to an address.
-QList<QHostAddress> reachableAddresses(const QHostAddress &address)
+/// Returns the interface addresses at which a socket is reached that is bound to an address.
+QList<QNetworkAddressEntry> reachableAt(const QHostAddress &address)
 {
-    if (address != QHostAddress(QHostAddress::AnyIPv4)) {
-        return {address};
-    }
-    QList<QHostAddress> addresses;
-    for (const QHostAddress &each : QNetworkInterface::allAddresses()) {
-        if (each.protocol() == QAbstractSocket::IPv4Protocol) {
-            addresses << each;
+    QList<QNetworkAddressEntry> reachable;
+    for (const QNetworkInterface &interface : QNetworkInterface::allInterfaces()) {
+        for (const QNetworkAddressEntry &entry : interface.addressEntries()) {
+            const bool isAny = address == QHostAddress(QHostAddress::AnyIPv4) &&
+                               entry.ip().protocol() == QAbstractSocket::IPv4Protocol;
+            if (isAny || entry.ip() == address) {
+                reachable << entry;
+            }
         }
     }
-    return addresses;
+    return reachable;
 }
 
 } // namespace
@@ -165,9 +167,9 @@ QString Server::startAtOneAddress()
             return error;
         }
     }
-    for (const QHostAddress &address : reachableAddresses(options.address)) {
+    for (const QNetworkAddressEntry &entry : reachableAt(options.address)) {
         for (std::size_t i = 0; i < numbered.size(); ++i) {
-            addResource(address, *numbered[i], i, scpiPorts[i]);
+            addResource(entry.ip(), *numbered[i], i, scpiPorts[i]);
         }
     }
     return startVxi11(options.address, numbered);
@@ -202,18 +204,19 @@ QString Server::startVxi11(const QHostAddress &address, const CoreChannel::Devic
     if (!error.isEmpty()) {
         return error;
     }
-    // Clients that look for instruments broadcast, which comes to nobody else at a single address.
-    for (const QNetworkInterface &interface : QNetworkInterface::allInterfaces()) {
-        for (const QNetworkAddressEntry &entry : interface.addressEntries()) {
-            if (entry.ip() != address || entry.broadcast().isNull()) {
-                continue;
-            }
-            auto *const broadcasts = new QUdpSocket(&sockets);
-            servePortmap(broadcasts, datagrams, corePort);
-            error = listen(broadcasts, entry.broadcast(), wire::portmapperPort);
-            if (!error.isEmpty()) {
-                return error;
-            }
+    if (address == QHostAddress(QHostAddress::AnyIPv4)) {
+        return {};
+    }
+    // Clients look for instruments by broadcasts, which a socket at a single address does not get.
+    for (const QNetworkAddressEntry &entry : reachableAt(address)) {
+        if (entry.broadcast().isNull()) {
+            continue;
+        }
+        auto *const broadcasts = new QUdpSocket(&sockets);
+        servePortmap(broadcasts, datagrams, corePort);
+        error = listen(broadcasts, entry.broadcast(), wire::portmapperPort);
+        if (!error.isEmpty()) {
+            return error;
         }
     }
     return {};

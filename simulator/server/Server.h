@@ -38,7 +38,6 @@ private:
     QString startOnLoopback();
     QString startAtOneAddress();
     QString startVxi11(const QHostAddress &address, const CoreChannel::Devices &numbered);
-    QString startBroadcasts(const QHostAddress &address, quint16 corePort);
     QString startScpi(const QHostAddress &address, quint16 port, simulator::Device &device,
                       quint16 *listeningPort);
     void addResource(const QHostAddress &address, const simulator::Device &device,
