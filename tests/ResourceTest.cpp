@@ -20,12 +20,13 @@ private slots:
               {"GPIB0::INTFC", "GPIB0::INTFC"},
               {"gpib-vxi2::9", "GPIB-VXI2::9::INSTR"},
               {"ASRL3::INSTR", "ASRL3::INSTR"},
+              {" \tTCPIP0::a::INSTR\r\n", "TCPIP0::a::inst0::INSTR"}, // pasted
               {"TCPIP::a::5025::socket", "TCPIP0::a::5025::SOCKET"}}) {
             QTest::newRow(name) << full;
         }
         for (const QByteArray &name :
              QByteArrayList{"", "scope", "TCPIP0::INSTR", "TCPIP0::::INSTR", "TCPIPx::a::INSTR",
-                            "TCPIP0::a::INSTR ", "TCPIP0::a::b::c::INSTR", "TCPIP0:a:INSTR",
+                            "TCPIP0::a ::INSTR", "TCPIP0::a::b::c::INSTR", "TCPIP0:a:INSTR",
                             "TCPIP0::a b::INSTR", "TCPIP0::a::x::SOCKET", "TCPIP65536::a::INSTR",
                             QByteArray(300, 'a'), "TCPIP::" + QByteArray(235, 'a') + "::INSTR"}) {
             QTest::newRow(name) << QByteArray();

@@ -14,7 +14,7 @@ inline visa::Deadline in(int milliseconds)
 
 inline ViStatus open(lan::Vxi11Link &link, std::uint16_t port, int milliseconds = 5000)
 {
-    return link.open(QHostAddress(QHostAddress::LocalHost), port, "inst0", in(milliseconds));
+    return link.open("127.0.0.1", port, "inst0", in(milliseconds));
 }
 
 inline QString text(ViStatus status)

@@ -5,6 +5,7 @@ namespace visa {
 namespace {
 
 constexpr std::size_t most = 1024; // handles open at a time
+constexpr std::chrono::seconds closingTime(1);
 
 } // namespace
 
@@ -31,26 +32,44 @@ std::shared_ptr<Object> Handles::find(ViObject handle)
 
 ViStatus Handles::close(ViObject handle)
 {
-    std::map<ViObject, std::shared_ptr<Object>> closed; // goes after the lock: links take time
-    const std::lock_guard lock(mutex);
-    if (objects.count(handle) == 0) {
-        return VI_ERROR_INV_OBJECT;
-    }
-    for (auto at = objects.begin(); at != objects.end();) {
-        const auto next = std::next(at);
-        if (at->first == handle || at->second->manager == handle) {
-            closed.insert(objects.extract(at));
+    Objects closed;
+    {
+        const std::lock_guard lock(mutex);
+        if (objects.count(handle) == 0) {
+            return VI_ERROR_INV_OBJECT;
         }
-        at = next;
+        for (auto at = objects.begin(); at != objects.end();) {
+            const auto next = std::next(at);
+            if (at->first == handle || at->second->manager == handle) {
+                closed.insert(objects.extract(at));
+            }
+            at = next;
+        }
     }
+    closeLinks(closed);
     return VI_SUCCESS;
 }
 
 void Handles::closeAll()
 {
-    std::map<ViObject, std::shared_ptr<Object>> closed;
-    const std::lock_guard lock(mutex);
-    closed.swap(objects);
+    Objects closed;
+    {
+        const std::lock_guard lock(mutex);
+        closed.swap(objects);
+    }
+    closeLinks(closed);
+}
+
+/// Close the links that nobody is using; the others go with their last user.
+void Handles::closeLinks(const Objects &closed)
+{
+    const Deadline deadline = std::chrono::steady_clock::now() + closingTime;
+    for (const auto &[handle, object] : closed) {
+        const std::unique_lock lock(object->mutex, std::try_to_lock);
+        if (lock.owns_lock() && object->link != nullptr) {
+            object->link->close(deadline);
+        }
+    }
 }
 
 Handles &handles()

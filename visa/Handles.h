@@ -33,7 +33,8 @@ struct Object
 };
 
 /// The open objects by their handles, which are never used twice. May be called from any thread.
-/// Whoever has found an object keeps it alive; one that is closed meanwhile goes afterwards.
+/// Whoever has found an object keeps it alive; one that is closed meanwhile goes afterwards. Links
+/// that are closed together share a second for it, however many are mute.
 class Handles
 {
 public:
@@ -49,8 +50,12 @@ public:
     void closeAll();
 
 private:
+    using Objects = std::map<ViObject, std::shared_ptr<Object>>;
+
+    static void closeLinks(const Objects &closed);
+
     std::mutex mutex;
-    std::map<ViObject, std::shared_ptr<Object>> objects;
+    Objects objects;
     ViObject last = 0;
 };
 

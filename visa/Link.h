@@ -1,8 +1,8 @@
 #pragma once
 
+#include "visa/Deadline.h"
 #include "visa/VisaTypes.h"
 
-#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <optional>
@@ -10,9 +10,6 @@
 #include <vector>
 
 namespace visa {
-
-/// By when a call must have ended; time_point::max() waits for ever.
-using Deadline = std::chrono::steady_clock::time_point;
 
 struct ResourceName;
 
@@ -61,8 +58,10 @@ public:
     /// Lock the device for this link, waiting for other links' locks until the deadline; unlock.
     virtual ViStatus lock(Deadline deadline) = 0;
     virtual ViStatus unlock(Deadline deadline) = 0;
-    /// Tell the device's IP address, empty where there is none.
+    /// Returns the device's IP address, empty where there is none.
     [[nodiscard]] virtual std::string address() const { return {}; }
+    /// End the connection by the deadline, where that takes time. Calls after it fail.
+    virtual void close(Deadline /*deadline*/) {}
 };
 
 /// Where devices are found and links come from.
@@ -75,8 +74,7 @@ public:
     virtual ~Backend() = default;
 
     /// Connect to the device that a TCPIP INSTR resource names. Returns 0, or a negative status:
-    /// VI_ERROR_RSRC_NFOUND when there is none, VI_ERROR_TMO, VI_ERROR_ALLOC. Looking up a host
-    /// name, unlike an address, may outlast the deadline.
+    /// VI_ERROR_RSRC_NFOUND when there is none, VI_ERROR_TMO, VI_ERROR_ALLOC.
     virtual ViStatus open(const ResourceName &name, Deadline deadline,
                           std::unique_ptr<Link> *link) = 0;
     /// List full resource strings of the devices that can be found, in the order of the listing.

@@ -49,6 +49,14 @@ bool isName(std::string_view text)
     });
 }
 
+/// Returns the text without the blanks and line ends around it, with which people paste it.
+std::string_view trimmed(std::string_view text)
+{
+    constexpr std::string_view blanks = " \t\r\n";
+    const std::size_t first = std::min(text.find_first_not_of(blanks), text.size());
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
 std::vector<std::string> splitAtDoubleColons(std::string_view text)
 {
     std::vector<std::string> parts;
@@ -78,7 +86,7 @@ bool parseInterface(const std::string &text, ResourceName *name)
 
 std::optional<ResourceName> parseResourceName(const std::string &text)
 {
-    std::vector<std::string> parts = splitAtDoubleColons(text.substr(0, longest + 1));
+    std::vector<std::string> parts = splitAtDoubleColons(trimmed(text).substr(0, longest + 1));
     ResourceName name;
     if (!parseInterface(upperCase(parts.front()), &name)) {
         return std::nullopt;

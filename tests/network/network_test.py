@@ -3,14 +3,11 @@ instrument that is not ours; in a network of this process alone.
 Usage: network_test.py ORVANTABENCH INSTRUMENT-SERVER [LIBORVANTA-VISA]"""
 
 import itertools
-import os
-import pathlib
 import re
 import socket
 import struct
 import subprocess
 import sys
-import tempfile
 import threading
 import unittest
 
@@ -274,16 +271,6 @@ for _ in range(16): manager.open_resource(f"TCPIP0::{sys.argv[2]}::INSTR")"""
             self.assertEqual(device.read_stb(), 0x81)
             device.unlock()
             self.assertEqual(device.read_stb(), 1)
-
-    def test_hosts_file(self):
-        with tempfile.TemporaryDirectory() as directory:
-            file = pathlib.Path(directory, "Varnholt/Orvanta/instruments.ini")
-            file.parent.mkdir(parents=True)
-            file.write_text("[Instruments]\nb=scope.local::inst1\na=10.0.0.2\nc=no::such::name\n")
-            os.environ["XDG_DATA_HOME"] = directory
-            names = ("TCPIP0::10.0.0.2::inst0::INSTR", "TCPIP0::scope.local::inst1::INSTR")
-            for library in OUR_LIBRARIES:
-                self.assertEqual(self.visa(library).list_resources(), names)
 
 
 if __name__ == "__main__":

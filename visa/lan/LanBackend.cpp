@@ -1,26 +1,11 @@
-#include "visa/lan/HostsFile.h"
+#include "visa/lan/HostLookup.h"
 #include "visa/lan/Vxi11Link.h"
 #include "visa/ResourceName.h"
 #include "visa/wire/Portmapper.h"
 
-#include <QHostAddress>
-#include <QHostInfo>
-
 namespace lan {
 
 namespace {
-
-/// What connecting may take when the caller gives it no time, as some do with every instrument.
-constexpr std::chrono::seconds usualConnectTime(5);
-
-/// Look a host up. For a name that takes as long as the system's resolver does: no deadline ends
-/// it.
-QList<QHostAddress> addressesOf(const std::string &host)
-{
-    const QString name = QString::fromStdString(host);
-    const QHostAddress address(name);
-    return address.isNull() ? QHostInfo::fromName(name).addresses() : QList<QHostAddress>{address};
-}
 
 /// VXI-11 instruments of the local network.
 class LanBackend final : public visa::Backend
@@ -29,12 +14,14 @@ public:
     ViStatus open(const visa::ResourceName &name, visa::Deadline deadline,
                   std::unique_ptr<visa::Link> *link) override
     {
-        const visa::Deadline now = std::chrono::steady_clock::now();
-        const visa::Deadline until = deadline > now ? deadline : now + usualConnectTime;
+        const auto addresses = addressesOf(name.host, deadline);
+        if (!addresses) {
+            return VI_ERROR_TMO;
+        }
         ViStatus status = VI_ERROR_RSRC_NFOUND;
-        for (const QHostAddress &address : addressesOf(name.host)) {
+        for (const std::string &address : *addresses) {
             auto opened = std::make_unique<Vxi11Link>();
-            status = opened->open(address, wire::portmapperPort, name.device, until);
+            status = opened->open(address, wire::portmapperPort, name.device, deadline);
             if (status == VI_SUCCESS) {
                 *link = std::move(opened);
                 break;
@@ -43,7 +30,8 @@ public:
         return status;
     }
 
-    std::vector<std::string> list() override { return hostsFileResources(); }
+    /// Lists nothing: the operator knows where the instruments are.
+    std::vector<std::string> list() override { return {}; }
 };
 
 } // namespace

@@ -1,86 +1,146 @@
 #include "visa/lan/RpcClient.h"
 
-#include <QHostAddress>
-#include <QNetworkProxy>
-#include <QRandomGenerator>
+#include "visa/wire/Portmapper.h"
+#include "visa/wire/Xdr.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
 #include <limits>
+#include <memory>
+#include <netdb.h>
 #include <netinet/in.h>
 #include <netinet/tcp.h>
+#include <poll.h>
+#include <random>
 #include <sys/socket.h>
+#include <thread>
+#include <unistd.h>
 
 namespace lan {
 
-using wire::RecordReader;
+using visa::millisecondsUntil;
 using wire::RpcOutcome;
 
 namespace {
 
+using std::chrono::milliseconds;
+
 /// More than a device sends in one answer; what it announces beyond is nonsense.
 constexpr std::size_t recordLimit = 64 << 20;
 
-int wait(visa::Deadline deadline)
+/// A connection on which nothing has been acknowledged for so long is lost.
+constexpr int lostAfter = 10 * 1000;   // ms
+constexpr int lostCheckInterval = 200; // ms
+
+/// What a call takes on a lost connection. The first ones are short, since the rest of a series
+/// shall end soon; who goes on for ever, as a record that is retaken does, must not spin.
+constexpr milliseconds longestLostCall(100);
+constexpr int callsUntilLongest = 1000;
+
+#ifdef SO_NOSIGPIPE
+constexpr int sendFlags = 0; // macOS: the socket has an option instead
+#else
+constexpr int sendFlags = MSG_NOSIGNAL;
+#endif
+
+/// Make a socket that waits nowhere, that child processes do not inherit, that sends small calls at
+/// once, and whose idle connection is probed every other second.
+int openSocket(int family)
 {
-    return millisecondsUntil(deadline, std::numeric_limits<int>::max());
+    const int socket = ::socket(family, SOCK_STREAM, 0);
+    ::fcntl(socket, F_SETFD, FD_CLOEXEC);
+    ::fcntl(socket, F_SETFL, O_NONBLOCK);
+    const auto set = [=](int level, int option, int value) {
+        ::setsockopt(socket, level, option, &value, sizeof value);
+    };
+    set(IPPROTO_TCP, TCP_NODELAY, 1);
+    set(SOL_SOCKET, SO_KEEPALIVE, 1);
+    set(IPPROTO_TCP, TCP_KEEPINTVL, 2); // s
+    set(IPPROTO_TCP, TCP_KEEPCNT, 4);
+#ifdef __APPLE__
+    set(SOL_SOCKET, SO_NOSIGPIPE, 1);
+    set(IPPROTO_TCP, TCP_KEEPALIVE, 2); // s
+    set(IPPROTO_TCP, TCP_RXT_CONNDROPTIME, lostAfter / 1000);
+#else
+    set(IPPROTO_TCP, TCP_KEEPIDLE, 2); // s
+#endif
+    return socket;
 }
 
-/// Have the system find out, while nobody calls, that the host is gone: after a minute.
-void watch(QTcpSocket &socket)
+/// Returns whether the host has acknowledged nothing for too long. TCP_USER_TIMEOUT would count
+/// from the oldest byte that is under way, and several links of a series would be given up one
+/// after the other.
+bool isLost([[maybe_unused]] int socket)
 {
-    socket.setSocketOption(QAbstractSocket::KeepAliveOption, 1);
-#ifdef TCP_KEEPIDLE
-    const auto set = [&](int option, int value) {
-        ::setsockopt(static_cast<int>(socket.socketDescriptor()), IPPROTO_TCP, option, &value,
-                     sizeof value);
-    };
-    set(TCP_KEEPIDLE, 30); // s
-    set(TCP_KEEPINTVL, 10);
-    set(TCP_KEEPCNT, 3);
+#ifdef __linux__
+    tcp_info info{};
+    socklen_t size = sizeof info;
+    return ::getsockopt(socket, IPPROTO_TCP, TCP_INFO, &info, &size) == 0 &&
+           info.tcpi_state == TCP_ESTABLISHED && info.tcpi_last_ack_recv > lostAfter;
+#else
+    return false;                      // macOS gives the connection up by itself, 10 s after it began to send again
 #endif
+}
+
+ViStatus statusOf(RpcOutcome outcome)
+{
+    switch (outcome) {
+    case RpcOutcome::Success:
+        return VI_SUCCESS;
+    case RpcOutcome::ProgramUnavailable:
+    case RpcOutcome::ProgramMismatch:
+    case RpcOutcome::ProcedureUnavailable:
+        return VI_ERROR_NSUP_OPER;
+    case RpcOutcome::GarbageArguments:
+    case RpcOutcome::SystemError:
+        break;
+    }
+    return VI_ERROR_IO;
 }
 
 } // namespace
 
-int millisecondsUntil(visa::Deadline deadline, int limit)
+RpcClient::RpcClient() : reader(recordLimit), xid(std::random_device()()) {}
+
+RpcClient::~RpcClient()
 {
-    using std::chrono::milliseconds;
-    const visa::Deadline now = std::chrono::steady_clock::now();
-    if (deadline <= now) {
-        return 0;
-    }
-    // Of a deadline that never comes not even the distance can be computed safely.
-    const bool isNear = deadline < now + milliseconds(limit);
-    return isNear ? static_cast<int>(std::chrono::ceil<milliseconds>(deadline - now).count())
-                  : limit;
+    close(VI_SUCCESS);
 }
 
-RpcClient::RpcClient() : reader(recordLimit), xid(QRandomGenerator::global()->generate())
-{
-    // Bound to no thread, the socket never listens to an event loop, which would read and close it
-    // behind the back of a call in another thread. Nor does anybody listen to it.
-    socket.moveToThread(nullptr);
-    socket.blockSignals(true);
-    socket.setProxy(QNetworkProxy::NoProxy);
-}
-
-ViStatus RpcClient::connectTo(const QHostAddress &address, std::uint16_t port,
+ViStatus RpcClient::connectTo(const std::string &address, std::uint16_t port,
                               visa::Deadline deadline)
 {
-    socket.connectToHost(address, port);
-    if (!socket.waitForConnected(wait(deadline))) {
-        const bool isLate = socket.error() == QAbstractSocket::SocketTimeoutError;
-        socket.abort();
-        return isLate ? VI_ERROR_TMO : VI_ERROR_RSRC_NFOUND;
+    addrinfo hints{};
+    hints.ai_flags = AI_NUMERICHOST | AI_NUMERICSERV;
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo *list = nullptr;
+    if (::getaddrinfo(address.c_str(), std::to_string(port).c_str(), &hints, &list) != 0) {
+        return VI_ERROR_RSRC_NFOUND;
     }
-    socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    watch(socket);
-    return VI_SUCCESS;
+    const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> place(list, &::freeaddrinfo);
+    socket = openSocket(place->ai_family);
+    int error = ::connect(socket, place->ai_addr, place->ai_addrlen) == 0 ? 0 : errno;
+    if (error == EINPROGRESS) {
+        if (wait(POLLOUT, deadline) != VI_SUCCESS) {
+            return close(VI_ERROR_TMO);
+        }
+        socklen_t size = sizeof error;
+        ::getsockopt(socket, SOL_SOCKET, SO_ERROR, &error, &size);
+    }
+    return error == 0 ? VI_SUCCESS : close(VI_ERROR_RSRC_NFOUND);
 }
 
 ViStatus RpcClient::call(const wire::RpcProcedure &procedure, std::string_view arguments,
                          visa::Deadline deadline, std::string_view *results)
 {
+    if (!isConnected()) {
+        callsWhenLost = std::min(callsWhenLost + 1, callsUntilLongest);
+        const auto end =
+            std::chrono::steady_clock::now() + longestLostCall * callsWhenLost / callsUntilLongest;
+        std::this_thread::sleep_until(std::min(end, deadline));
+        return VI_ERROR_CONN_LOST;
+    }
     ++xid;
     ViStatus status = send(wire::asRecord(wire::encodedCall(xid, procedure, arguments)), deadline);
     while (status == VI_SUCCESS) {
@@ -91,38 +151,30 @@ ViStatus RpcClient::call(const wire::RpcProcedure &procedure, std::string_view a
         answer = reader.take();
         const std::optional<wire::RpcReply> reply = wire::decodedReply(answer);
         if (!reply) {
-            status = VI_ERROR_IO;
-        } else if (reply->xid == xid) { // others answer calls that were given up
+            return VI_ERROR_IO;
+        }
+        if (reply->xid == xid) { // others answer calls that were given up
             *results = reply->results;
-            switch (reply->outcome) {
-            case RpcOutcome::Success:
-                return VI_SUCCESS;
-            case RpcOutcome::ProgramUnavailable:
-            case RpcOutcome::ProgramMismatch:
-            case RpcOutcome::ProcedureUnavailable:
-                return VI_ERROR_NSUP_OPER;
-            case RpcOutcome::GarbageArguments:
-            case RpcOutcome::SystemError:
-                return VI_ERROR_IO;
-            }
+            return statusOf(reply->outcome);
         }
     }
     return status;
 }
 
-ViStatus RpcClient::send(const std::string &record, visa::Deadline deadline)
+ViStatus RpcClient::send(std::string_view record, visa::Deadline deadline)
 {
-    if (socket.state() != QAbstractSocket::ConnectedState) {
-        return VI_ERROR_CONN_LOST;
-    }
-    socket.write(record.data(), static_cast<qint64>(record.size()));
-    socket.flush();
-    while (socket.bytesToWrite() > 0) {
-        const int left = wait(deadline);
-        if (left == 0 || !socket.waitForBytesWritten(left)) {
-            const ViStatus status = left == 0 ? VI_ERROR_TMO : failure();
-            socket.abort(); // half a call cannot be taken back
-            return status;
+    while (!record.empty()) {
+        const ssize_t sent = ::send(socket, record.data(), record.size(), sendFlags);
+        if (sent >= 0) {
+            record.remove_prefix(static_cast<std::size_t>(sent));
+            continue;
+        }
+        if (errno != EAGAIN && errno != EINTR) {
+            return close(VI_ERROR_CONN_LOST);
+        }
+        const ViStatus status = wait(POLLOUT, deadline);
+        if (status != VI_SUCCESS) {
+            return close(status); // half a call cannot be taken back
         }
     }
     return VI_SUCCESS;
@@ -131,35 +183,82 @@ ViStatus RpcClient::send(const std::string &record, visa::Deadline deadline)
 ViStatus RpcClient::receive(visa::Deadline deadline)
 {
     for (;;) {
-        const RecordReader::State state = reader.read([this](char *to, std::size_t size) {
-            return socket.read(to, static_cast<qint64>(size));
-        });
-        if (state == RecordReader::State::TooLong) {
-            socket.abort();
-            return VI_ERROR_IO;
+        // Before each record: some hosts send old ones without an end.
+        const ViStatus status = wait(POLLIN, deadline);
+        if (status != VI_SUCCESS) {
+            return status == VI_ERROR_TMO ? status : close(status);
         }
-        const int left = wait(deadline);
-        // Looked at before the record: some hosts send old ones without an end.
-        if (left == 0) {
-            return VI_ERROR_TMO;
-        }
-        if (state == RecordReader::State::Complete) {
+        bool hasEnded = false;
+        const auto source = [&](char *to, std::size_t size) -> std::ptrdiff_t {
+            if (millisecondsUntil(deadline, 1) == 0) {
+                return 0; // some hosts send a record without an end
+            }
+            const ssize_t got = ::recv(socket, to, size, 0);
+            hasEnded = got == 0 || (got < 0 && errno != EAGAIN && errno != EINTR);
+            return got;
+        };
+        switch (reader.read(source)) {
+        case wire::RecordReader::State::Complete:
             return VI_SUCCESS;
+        case wire::RecordReader::State::TooLong:
+            return close(VI_ERROR_IO);
+        case wire::RecordReader::State::Incomplete:
+            break;
         }
-        if (!socket.waitForReadyRead(left)) {
-            return failure();
+        if (hasEnded) {
+            return close(VI_ERROR_CONN_LOST);
         }
     }
 }
 
-/// Why waiting failed.
-ViStatus RpcClient::failure()
+/// Wait until bytes can be received or sent. VI_ERROR_TMO, or VI_ERROR_CONN_LOST.
+ViStatus RpcClient::wait(short events, visa::Deadline deadline) const
 {
-    if (socket.error() == QAbstractSocket::SocketTimeoutError) {
-        return VI_ERROR_TMO;
+    pollfd waited{socket, events, 0};
+    for (;;) {
+        const int left = millisecondsUntil(deadline, lostCheckInterval);
+        if (left == 0) {
+            return VI_ERROR_TMO;
+        }
+        if (::poll(&waited, 1, left) > 0) {
+            return VI_SUCCESS;
+        }
+        if (isLost(socket)) {
+            return VI_ERROR_CONN_LOST;
+        }
     }
-    socket.abort();
-    return VI_ERROR_CONN_LOST;
+}
+
+/// Close the connection for the reason that is returned.
+ViStatus RpcClient::close(ViStatus status)
+{
+    if (socket >= 0) {
+        ::close(socket);
+        socket = -1;
+    }
+    return status;
+}
+
+ViStatus findPort(const std::string &address, std::uint16_t mapperPort,
+                  const wire::RpcProcedure &program, visa::Deadline deadline, std::uint16_t *port)
+{
+    RpcClient mapper;
+    ViStatus status = mapper.connectTo(address, mapperPort, deadline);
+    std::string_view results;
+    if (status == VI_SUCCESS) {
+        status =
+            mapper.call({wire::portmapperProgram, wire::portmapperVersion, wire::getPortProcedure},
+                        wire::xdrWords({program.program, program.version, wire::tcpProtocol, 0}),
+                        deadline, &results);
+    }
+    if (status != VI_SUCCESS) {
+        return status == VI_ERROR_TMO ? VI_ERROR_TMO : VI_ERROR_RSRC_NFOUND;
+    }
+    std::uint32_t found = 0; // which is what the portmapper answers, too, when there is none
+    wire::XdrReader(results) >> found;
+    *port = static_cast<std::uint16_t>(found);
+    return found > 0 && found <= std::numeric_limits<std::uint16_t>::max() ? VI_SUCCESS
+                                                                           : VI_ERROR_RSRC_NFOUND;
 }
 
 } // namespace lan

@@ -1,23 +1,26 @@
 #pragma once
 
-#include "visa/Link.h"
+#include "visa/Deadline.h"
 #include "visa/wire/RpcMessage.h"
 
-#include <QTcpSocket>
-
-class QHostAddress;
+#include <string>
+#include <string_view>
 
 namespace lan {
 
-/// A connection to a host, over which procedures are called. It needs no event loop, and threads
-/// may use it in turns. Statuses are VISA's.
+/// A connection to a host, over which procedures are called; threads may use it in turns. Statuses
+/// are VISA's. A host that has acknowledged nothing for 10 s counts as lost.
 class RpcClient
 {
 public:
     RpcClient();
+    RpcClient(const RpcClient &) = delete;
+    RpcClient &operator=(const RpcClient &) = delete;
+    ~RpcClient();
 
-    /// Connect. VI_ERROR_TMO, or VI_ERROR_RSRC_NFOUND when nothing listens there.
-    ViStatus connectTo(const QHostAddress &address, std::uint16_t port, visa::Deadline deadline);
+    /// Connect to a numeric address. VI_ERROR_TMO, or VI_ERROR_RSRC_NFOUND when nothing listens
+    /// there.
+    ViStatus connectTo(const std::string &address, std::uint16_t port, visa::Deadline deadline);
 
     /// Call a procedure and wait for its results, which are there until the next call.
     /// VI_ERROR_TMO; VI_ERROR_NSUP_OPER when the host does not have it; VI_ERROR_IO when the answer
@@ -25,18 +28,25 @@ public:
     ViStatus call(const wire::RpcProcedure &procedure, std::string_view arguments,
                   visa::Deadline deadline, std::string_view *results);
 
-private:
-    ViStatus send(const std::string &record, visa::Deadline deadline);
-    ViStatus receive(visa::Deadline deadline);
-    ViStatus failure();
+    /// Returns whether calls can reach the host, as far as is known.
+    [[nodiscard]] bool isConnected() const { return socket >= 0; }
 
-    QTcpSocket socket;
+private:
+    ViStatus send(std::string_view record, visa::Deadline deadline);
+    ViStatus receive(visa::Deadline deadline);
+    [[nodiscard]] ViStatus wait(short events, visa::Deadline deadline) const;
+    ViStatus close(ViStatus status);
+
+    int socket = -1;
+    int callsWhenLost = 0;
     wire::RecordReader reader;
     std::string answer;
-    quint32 xid;
+    std::uint32_t xid;
 };
 
-/// Milliseconds until a deadline, rounded up; `limit` when there are more.
-int millisecondsUntil(visa::Deadline deadline, int limit);
+/// Ask the portmapper of a host at `mapperPort` for the TCP port of a program. VI_ERROR_TMO, or
+/// VI_ERROR_RSRC_NFOUND when there is no portmapper or no such program.
+ViStatus findPort(const std::string &address, std::uint16_t mapperPort,
+                  const wire::RpcProcedure &program, visa::Deadline deadline, std::uint16_t *port);
 
 } // namespace lan

@@ -1,17 +1,15 @@
 #include "visa/lan/Vxi11Link.h"
 
-#include "visa/lan/OpenLinks.h"
-#include "visa/lan/PortLookup.h"
 #include "visa/wire/Xdr.h"
-
-#include <QThread>
 
 #include <algorithm>
 #include <cstring>
+#include <thread>
 
 namespace lan {
 
 using visa::Deadline;
+using visa::millisecondsUntil;
 using wire::xdrOpaque;
 using wire::XdrReader;
 using wire::xdrWords;
@@ -76,18 +74,12 @@ ViStatus statusOf(std::uint32_t error)
 
 } // namespace
 
-Vxi11Link::Vxi11Link()
-{
-    OpenLinks::instance().add(this);
-}
-
 Vxi11Link::~Vxi11Link()
 {
-    OpenLinks::instance().remove(this);
-    leave(std::chrono::steady_clock::now() + closingTime);
+    close(std::chrono::steady_clock::now() + closingTime);
 }
 
-ViStatus Vxi11Link::open(const QHostAddress &address, std::uint16_t mapperPort,
+ViStatus Vxi11Link::open(const std::string &address, std::uint16_t mapperPort,
                          const std::string &device, Deadline deadline)
 {
     host = address;
@@ -116,15 +108,13 @@ ViStatus Vxi11Link::open(const QHostAddress &address, std::uint16_t mapperPort,
     return isOpen ? VI_SUCCESS : VI_ERROR_IO;
 }
 
-void Vxi11Link::leave(Deadline deadline)
+void Vxi11Link::close(Deadline deadline)
 {
-    const std::unique_lock<std::mutex> guard(calling, std::try_to_lock);
-    if (isOpen && guard.owns_lock() && process == getpid()) {
-        isOpen = false;
+    if (isOpen && process == getpid() && rpc.isConnected()) {
         std::string_view results;
-        rpc.call({vxi11::coreProgram, vxi11::coreVersion, vxi11::DestroyLink}, xdrWords({id}),
-                 deadline, &results);
+        call(vxi11::DestroyLink, xdrWords({id}), deadline, &results);
     }
+    isOpen = false;
 }
 
 /// Call a procedure; the results are those behind the error code, also with an error. They are
@@ -132,7 +122,6 @@ void Vxi11Link::leave(Deadline deadline)
 ViStatus Vxi11Link::call(vxi11::Procedure procedure, std::string_view arguments, Deadline answer,
                          std::string_view *results)
 {
-    const std::lock_guard<std::mutex> guard(calling);
     const ViStatus status =
         rpc.call({vxi11::coreProgram, vxi11::coreVersion, procedure}, arguments, answer, results);
     if (status != VI_SUCCESS) {
@@ -191,7 +180,7 @@ visa::ReadOutcome Vxi11Link::read(ViByte *buffer, std::size_t count,
                 break;
             }
             if (fetched.empty()) {
-                QThread::msleep(1); // it may have nothing for long yet
+                std::this_thread::sleep_for(milliseconds(1)); // it may have nothing for long yet
             }
         }
         outcome.status = fetch(count - outcome.count, termination, deadline);
@@ -217,9 +206,7 @@ ViStatus Vxi11Link::fetch(std::size_t count, std::optional<ViByte> termination, 
              answerBy(deadline), &results);
     std::uint32_t reason = 0;
     XdrReader from(results);
-    std::string_view bytes;
-    from >> reason >> bytes;
-    fetched = bytes;
+    from >> reason >> fetched;
     if (!from.isOk()) {
         return status != VI_SUCCESS ? status : VI_ERROR_IO;
     }
@@ -232,21 +219,22 @@ ViStatus Vxi11Link::fetch(std::size_t count, std::optional<ViByte> termination, 
 bool Vxi11Link::handOut(ViByte *buffer, std::size_t count, std::optional<ViByte> termination,
                         visa::ReadOutcome *outcome)
 {
-    const char *bytes = fetched.data() + handedOut;
-    std::size_t size = std::min(count - outcome->count, fetched.size() - handedOut);
-    const void *terminator = termination ? std::memchr(bytes, *termination, size) : nullptr;
-    if (terminator != nullptr) {
-        size = static_cast<std::size_t>(static_cast<const char *>(terminator) - bytes) + 1;
+    std::string_view part = fetched.substr(0, count - outcome->count);
+    const std::size_t terminator =
+        termination ? part.find(static_cast<char>(*termination)) : std::string_view::npos;
+    const bool isTerminated = terminator != std::string_view::npos;
+    if (isTerminated) {
+        part = part.substr(0, terminator + 1);
     }
-    std::copy_n(bytes, size, buffer + outcome->count);
-    outcome->count += size;
-    handedOut += size;
-    if (fetchedEnd && handedOut == fetched.size()) {
+    std::copy(part.begin(), part.end(), buffer + outcome->count);
+    outcome->count += part.size();
+    fetched.remove_prefix(part.size());
+    if (fetchedEnd && fetched.empty()) {
         forget();
         outcome->end = visa::ReadEnd::End;
         return true;
     }
-    if (terminator != nullptr) {
+    if (isTerminated) {
         outcome->end = visa::ReadEnd::TerminationCharacter;
         return true;
     }
@@ -256,14 +244,13 @@ bool Vxi11Link::handOut(ViByte *buffer, std::size_t count, std::optional<ViByte>
 /// Keep what was fetched and not handed out beyond the next call, in memory of its own.
 void Vxi11Link::keepRest()
 {
-    fetched.erase(0, handedOut);
-    handedOut = 0;
+    kept = std::string(fetched);
+    fetched = kept;
 }
 
 void Vxi11Link::forget()
 {
-    fetched.clear();
-    handedOut = 0;
+    fetched = {};
     fetchedEnd = false;
 }
 
@@ -319,11 +306,6 @@ ViStatus Vxi11Link::unlock(Deadline deadline)
 {
     std::string_view results;
     return call(vxi11::DeviceUnlock, xdrWords({id}), answerBy(deadline), &results);
-}
-
-std::string Vxi11Link::address() const
-{
-    return host.toString().toStdString();
 }
 
 } // namespace lan

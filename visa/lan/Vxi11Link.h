@@ -5,29 +5,23 @@
 #include "visa/VisaTypes.h"
 #include "visa/wire/Vxi11.h"
 
-#include <QHostAddress>
-
-#include <atomic>
-#include <mutex>
 #include <string>
 #include <unistd.h>
 
 namespace lan {
 
-/// A link to a device by VXI-11. It is destroyed with the object, and when the process ends.
+/// A link to a device by VXI-11. A child process does not destroy the links of its parent.
 class Vxi11Link final : public visa::Link
 {
 public:
-    Vxi11Link();
+    Vxi11Link() = default;
     ~Vxi11Link() override;
 
     /// Find the core channel's port with the portmapper at `mapperPort`, connect, create the link.
     /// VI_ERROR_TMO; VI_ERROR_RSRC_NFOUND when there is no such device; VI_ERROR_ALLOC when it has
     /// no link left.
-    ViStatus open(const QHostAddress &address, std::uint16_t mapperPort, const std::string &device,
+    ViStatus open(const std::string &address, std::uint16_t mapperPort, const std::string &device,
                   visa::Deadline deadline);
-    /// Destroy the link unless a call is on its way, or it is another process's.
-    void leave(visa::Deadline deadline);
 
     ViStatus write(const ViByte *bytes, std::size_t count, bool end, visa::Deadline deadline,
                    std::size_t *written) override;
@@ -39,7 +33,8 @@ public:
     ViStatus controlRemote(ViUInt16 mode, visa::Deadline deadline) override;
     ViStatus lock(visa::Deadline deadline) override;
     ViStatus unlock(visa::Deadline deadline) override;
-    [[nodiscard]] std::string address() const override;
+    [[nodiscard]] std::string address() const override { return host; }
+    void close(visa::Deadline deadline) override;
 
 private:
     ViStatus call(wire::vxi11::Procedure procedure, std::string_view arguments,
@@ -53,15 +48,14 @@ private:
     void forget();
 
     RpcClient rpc;
-    QHostAddress host;
-    std::mutex calling; // for the process's end, which other threads do not wait for
+    std::string host;
     const pid_t process = getpid();
-    std::atomic<bool> isOpen = false;
+    bool isOpen = false;
     std::uint32_t id = 0; // every number is a link's, 0 too
     std::uint32_t receiveSize = 0;
-    std::string fetched;       // from the device,
-    std::size_t handedOut = 0; // so much of it to the caller
-    bool fetchedEnd = false;
+    std::string_view fetched; // from the device, and not yet handed out
+    bool fetchedEnd = false;  // its last byte came with END
+    std::string kept;         // what is fetched, from one read to the next
 };
 
 } // namespace lan

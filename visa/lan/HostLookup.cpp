@@ -1,0 +1,59 @@
+#include "visa/lan/HostLookup.h"
+
+#include <array>
+#include <future>
+#include <netdb.h>
+#include <sys/socket.h>
+#include <thread>
+
+namespace lan {
+
+namespace {
+
+constexpr int longestLookup = 3600 * 1000; // ms; resolvers end much sooner
+
+/// Ask the system's resolver.
+std::vector<std::string> lookUp(const std::string &host, int flags)
+{
+    addrinfo hints{};
+    hints.ai_flags = flags;
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo *list = nullptr;
+    std::vector<std::string> addresses;
+    if (::getaddrinfo(host.c_str(), nullptr, &hints, &list) != 0) {
+        return addresses;
+    }
+    for (const addrinfo *entry = list; entry != nullptr; entry = entry->ai_next) {
+        std::array<char, NI_MAXHOST> text{};
+        if (::getnameinfo(entry->ai_addr, entry->ai_addrlen, text.data(), text.size(), nullptr, 0,
+                          NI_NUMERICHOST) == 0) {
+            addresses.emplace_back(text.data());
+        }
+    }
+    ::freeaddrinfo(list);
+    return addresses;
+}
+
+} // namespace
+
+std::optional<std::vector<std::string>> addressesOf(const std::string &host,
+                                                    visa::Deadline deadline)
+{
+    std::vector<std::string> numeric = lookUp(host, AI_NUMERICHOST); // asks no server
+    if (!numeric.empty()) {
+        return numeric;
+    }
+    // The resolver takes no deadline. Its thread may outlast this call and uses nothing of it.
+    std::promise<std::vector<std::string>> promise;
+    std::future<std::vector<std::string>> addresses = promise.get_future();
+    std::thread([host, promise = std::move(promise)]() mutable {
+        promise.set_value(lookUp(host, 0));
+    }).detach();
+    const std::chrono::milliseconds left(visa::millisecondsUntil(deadline, longestLookup));
+    if (addresses.wait_for(left) != std::future_status::ready) {
+        return std::nullopt;
+    }
+    return addresses.get();
+}
+
+} // namespace lan

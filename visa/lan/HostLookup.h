@@ -1,0 +1,16 @@
+#pragma once
+
+#include "visa/Deadline.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace lan {
+
+/// Find the numeric addresses of a host: of an address, itself. Empty when there is no such host;
+/// nothing when the system's resolver does not answer by the deadline.
+std::optional<std::vector<std::string>> addressesOf(const std::string &host,
+                                                    visa::Deadline deadline);
+
+} // namespace lan
