@@ -65,7 +65,7 @@ Error Device::order(const Instrument::Call &call)
     return scpi::noError;
 }
 
-void Device::takeDuration(bool hasAnswer)
+void Device::finish(std::string *answer)
 {
     const Clock::time_point now = Clock::now();
     const double seconds = instrument->takeDuration();
@@ -73,9 +73,13 @@ void Device::takeDuration(bool hasAnswer)
         const bool isMissed = std::exchange(faults.missedTrigger, false);
         readyAt = isMissed ? never : now + inSeconds(seconds * timeScale);
     }
-    if (hasAnswer && faults.late && readyAt != never) {
+    if (!answer->empty() && faults.late && readyAt != never) {
         readyAt = std::max(readyAt, now) + *faults.late;
         faults.late.reset();
+    }
+    if (faults.cutAt && answer->size() > *faults.cutAt) {
+        answer->resize(*faults.cutAt);
+        faults.cutAt.reset();
     }
 }
 

@@ -28,14 +28,14 @@ public:
         bool missedTrigger = false;          ///< what begins next never ends
         Clock::time_point busyUntil;         ///< as if somebody else had locked it
         std::optional<Clock::duration> late; ///< the next answer
-        std::optional<std::size_t> cutAt;    ///< the next answer, bytes
+        std::optional<std::size_t> cutAt;    ///< the next answer with more bytes
     };
 
     /// Durations are multiplied by the scale; with 0 everything is over at once.
     Device(std::string name, std::unique_ptr<Instrument> instrument, double timeScale);
 
-    /// Have what a message began take its time from now on; its answer, if any, may be late.
-    void takeDuration(bool hasAnswer);
+    /// Have what a message began take its time from now on. Its answer, if any, may be late or cut.
+    void finish(std::string *answer);
 
     /// Returns the instant from which others leave the device to a client; `never` while nobody
     /// knows.

@@ -45,7 +45,7 @@ void MessageExchange::receive(std::string_view message)
         return;
     }
     output = device.instrument->execute(message);
-    device.takeDuration(hasAnswer());
+    device.finish(&output);
 }
 
 Clock::time_point MessageExchange::answerAt() const
@@ -68,14 +68,6 @@ std::optional<MessageExchange::Part> MessageExchange::read(std::size_t count,
         bytes = bytes.substr(0, std::min(bytes.find(*termination), bytes.size() - 1) + 1);
     }
     outputRead += bytes.size();
-    if (std::optional<std::size_t> &left = device.faults.cutAt) {
-        bytes = bytes.substr(0, *left);
-        *left -= bytes.size();
-        outputRead = *left == 0 ? output.size() : outputRead;
-        if (!hasAnswer()) {
-            left.reset();
-        }
-    }
     return Part{bytes, !hasAnswer()};
 }
 
@@ -88,8 +80,8 @@ void MessageExchange::clear()
 
 void MessageExchange::trigger()
 {
-    device.instrument->execute("*TRG");
-    device.takeDuration(false);
+    std::string answer = device.instrument->execute("*TRG");
+    device.finish(&answer);
 }
 
 std::uint8_t MessageExchange::statusByte() const

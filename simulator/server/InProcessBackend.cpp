@@ -31,9 +31,10 @@ SharedBench &shared()
 class InProcessLink : public visa::Link
 {
 public:
-    explicit InProcessLink(simulator::Device &device)
-        : device(device), exchange(std::in_place, device)
+    explicit InProcessLink(simulator::Device &device) : device(device)
     {
+        const std::lock_guard guard(shared().mutex);
+        exchange.emplace(device);
     }
     ~InProcessLink() override
     {
@@ -48,7 +49,6 @@ public:
         return use([&] {
             exchange->write({reinterpret_cast<const char *>(bytes), count}, end);
             *written = count;
-            return VI_SUCCESS;
         });
     }
 
@@ -56,51 +56,45 @@ public:
                            visa::Deadline /*deadline*/) override
     {
         visa::ReadOutcome outcome;
+        std::optional<MessageExchange::Part> part;
         outcome.status = use([&] {
-            const auto part = exchange->read(count, termination);
-            if (!part) {
-                return VI_ERROR_TMO;
+            part = exchange->read(count, termination);
+            if (part) {
+                std::copy(part->bytes.begin(), part->bytes.end(), buffer);
             }
-            std::copy(part->bytes.begin(), part->bytes.end(), buffer);
-            outcome.count = part->bytes.size();
-            if (part->isLast) {
-                outcome.end = visa::ReadEnd::End;
-            } else if (termination && buffer[outcome.count - 1] == *termination) {
-                outcome.end = visa::ReadEnd::TerminationCharacter;
-            }
-            return VI_SUCCESS;
         });
+        if (!part) {
+            outcome.status = outcome.status != VI_SUCCESS ? outcome.status : VI_ERROR_TMO;
+            return outcome;
+        }
+        outcome.count = part->bytes.size();
+        if (part->isLast) {
+            outcome.end = visa::ReadEnd::End;
+        } else if (termination && buffer[outcome.count - 1] == *termination) {
+            outcome.end = visa::ReadEnd::TerminationCharacter;
+        }
         return outcome;
     }
 
     ViStatus clear(visa::Deadline /*deadline*/) override
     {
-        return use([&] {
-            exchange->clear();
-            return VI_SUCCESS;
-        });
+        return use([&] { exchange->clear(); });
     }
 
     ViStatus trigger(visa::Deadline /*deadline*/) override
     {
-        return use([&] {
-            exchange->trigger();
-            return VI_SUCCESS;
-        });
+        return use([&] { exchange->trigger(); });
     }
 
     ViStatus readStatusByte(visa::Deadline /*deadline*/, ViUInt8 *statusByte) override
     {
-        return use([&] {
-            *statusByte = exchange->statusByte();
-            return VI_SUCCESS;
-        });
+        return use([&] { *statusByte = exchange->statusByte(); });
     }
 
     /// The instruments have no front panel that remote control would lock.
     ViStatus controlRemote(ViUInt16 /*mode*/, visa::Deadline /*deadline*/) override
     {
-        return use([] { return VI_SUCCESS; });
+        return use([] {});
     }
 
     ViStatus lock(visa::Deadline deadline) override
@@ -142,7 +136,11 @@ private:
         if (!exchange) {
             return VI_ERROR_CONN_LOST;
         }
-        return Clock::now() < exchange->freeAt() ? VI_ERROR_RSRC_LOCKED : body();
+        if (Clock::now() < exchange->freeAt()) {
+            return VI_ERROR_RSRC_LOCKED;
+        }
+        body();
+        return VI_SUCCESS;
     }
 
     void leave()

@@ -15,8 +15,9 @@ std::optional<server::ServerOptions> optionsOf(const QCoreApplication &applicati
                                      "its own, counted from the one "
                                      "after this; elsewhere they share it, as inst0 to inst5.",
                                      "address", usual.address.toString());
-    const QCommandLineOption port("port", "First port of the raw SCPI sockets; 0: any.", "port",
-                                  QString::number(usual.scpiPort));
+    const QCommandLineOption port(
+        "port", "Port of the raw SCPI sockets, at a shared address the first of six; 0: any.",
+        "port", QString::number(usual.scpiPort));
     const QCommandLineOption noPortmapper("no-portmapper",
                                           "Do without port 111, and so without VXI-11 clients.");
     const QCommandLineOption timeScale(
