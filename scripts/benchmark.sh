@@ -11,4 +11,4 @@ build/release/bin/benchmarks --benchmark_format=csv --benchmark_repetitions=5 \
     --benchmark_report_aggregates_only=true "$@" |
     awk -F, -f benchmarks/table.awk
 unshare --user --map-root-user --net sh -c 'ip link set lo up; exec "$@"' sh \
-    build/release/bin/network-benchmarks build/release/lib/orvanta/liborvanta-visa.so
+    taskset --cpu-list 0 build/release/bin/network-benchmarks build/release/lib/orvanta/liborvanta-visa.so

@@ -1,61 +1,152 @@
 #include "ScriptedHost.h"
-#include "ScriptedSteps.h"
+#include "visa/lan/HostLookup.h"
+#include "visa/lan/Vxi11Link.h"
 
 #include <QtTest>
 
+using Script = ScriptedHost::Script;
+using Pieces = ScriptedHost::Pieces;
 using lan::Vxi11Link;
 using wire::RpcCall;
 using wire::RpcOutcome;
-using wire::vxi11::CreateLink;
-using wire::vxi11::DeviceClear;
-using wire::vxi11::DeviceRead;
-using wire::vxi11::DeviceWrite;
-using Pieces = std::vector<std::string>;
+using wire::xdrWords;
+using namespace wire::vxi11;
 
-Q_DECLARE_METATYPE(ScriptedHost::Script)
+/// Something that a client does with a link. Returns what came of it.
+using Step = std::function<QString(Vxi11Link &link)>;
+using Steps = QVector<Step>;
+
+Q_DECLARE_METATYPE(Script)
+Q_DECLARE_METATYPE(Steps)
 
 namespace {
 
-/// A script that sends one answer after the other to the calls of one procedure, the last one ever
-/// after, and the usual ones to all others.
-template <typename... Answers>
-ScriptedHost::Script answers(wire::vxi11::Procedure procedure, Answers... answer)
+constexpr ViUInt32 usualTimeout = 5000; // ms
+constexpr ViUInt32 noTime = 0;
+
+QString text(ViStatus status)
 {
-    return [procedure, left = QList<ScriptedHost::Script>{answer...}](const RpcCall &call) mutable {
+    static const QMap<ViStatus, QString> names = {{VI_SUCCESS, "ok"},
+                                                  {VI_ERROR_TMO, "TMO"},
+                                                  {VI_ERROR_CONN_LOST, "CONN_LOST"},
+                                                  {VI_ERROR_IO, "IO"},
+                                                  {VI_ERROR_NSUP_OPER, "NSUP_OPER"},
+                                                  {VI_ERROR_RSRC_LOCKED, "RSRC_LOCKED"},
+                                                  {VI_ERROR_RSRC_NFOUND, "RSRC_NFOUND"}};
+    return names.value(status, QString::number(status));
+}
+
+/// Read. What came of it is why the read ended, and the bytes.
+Step read(int count, std::optional<ViByte> terminator = std::nullopt,
+          ViUInt32 timeout = usualTimeout)
+{
+    return [=](Vxi11Link &link) {
+        static const QStringList ends = {"COUNT", "TERMINATOR", "END"};
+        QByteArray bytes(count, '\0');
+        const visa::ReadOutcome outcome =
+            link.read(reinterpret_cast<ViByte *>(bytes.data()), std::size_t(count), terminator,
+                      visa::deadlineAfter(timeout));
+        const QString why =
+            outcome.status != VI_SUCCESS ? text(outcome.status) : ends[int(outcome.end)];
+        return why + " " + bytes.left(int(outcome.count));
+    };
+}
+
+/// Write. What came of it is the status and the number of bytes written.
+Step write(const std::string &bytes, bool end = true)
+{
+    return [=](Vxi11Link &link) {
+        std::size_t written = 0;
+        const ViStatus status =
+            link.write(reinterpret_cast<const ViByte *>(bytes.data()), bytes.size(), end,
+                       visa::deadlineAfter(usualTimeout), &written);
+        return text(status) + " " + QString::number(written);
+    };
+}
+
+template <typename Call>
+Step step(Call call, ViUInt32 timeout = usualTimeout)
+{
+    return [=](Vxi11Link &link) { return text((link.*call)(visa::deadlineAfter(timeout))); };
+}
+
+Step control(ViUInt16 mode)
+{
+    return [=](Vxi11Link &link) {
+        return text(link.controlRemote(mode, visa::deadlineAfter(usualTimeout)));
+    };
+}
+
+/// Answers the calls of one procedure, one after the other; the last answer stays.
+template <typename... Answers>
+Script answers(Procedure procedure, Answers... answer)
+{
+    return [procedure, left = QList<Script>{answer...}](const RpcCall &call) mutable {
         const bool isOther = call.procedure.procedure != procedure;
         return isOther ? Pieces() : (left.size() > 1 ? left.takeFirst() : left.first())(call);
     };
 }
 
-/// Answers to a read, and to other calls.
-ScriptedHost::Script data(const std::string &bytes, std::uint32_t reason, std::uint32_t error = 0)
+Script data(const std::string &bytes, std::uint32_t reason, std::uint32_t error = None)
 {
     return [=](const RpcCall &call) { return ScriptedHost::data(call, bytes, reason, error); };
 }
 
-ScriptedHost::Script words(std::initializer_list<std::uint32_t> results,
-                           RpcOutcome outcome = RpcOutcome::Success)
+Script words(std::initializer_list<std::uint32_t> results, RpcOutcome outcome = RpcOutcome::Success)
 {
-    return [encoded = wire::xdrWords(results), outcome](const RpcCall &call) {
+    return [encoded = xdrWords(results), outcome](const RpcCall &call) {
         return ScriptedHost::reply(call, encoded, outcome);
     };
 }
 
-Pieces usual(const RpcCall & /*unused*/)
+/// Answers of the portmapper, which asks by a procedure that the instrument does not have.
+Script mapper(const Script &answer)
 {
-    return {};
+    return answers(static_cast<Procedure>(wire::getPortProcedure), answer);
 }
+
+Script pieces(const Pieces &pieces)
+{
+    return [=](const RpcCall & /*call*/) { return pieces; };
+}
+
+const Script usual = pieces({});
+const Script hangUp = pieces({""});
 
 /// Sends nothing that counts: the answer to another call.
 Pieces mute(RpcCall call)
 {
     --call.xid;
-    return ScriptedHost::data(call, "old", 4);
+    return ScriptedHost::data(call, "old", EndIndicator);
 }
 
-Pieces hangUp(const RpcCall & /*unused*/)
+Pieces byteByByte(const RpcCall &call)
 {
-    return {""};
+    Pieces bytes;
+    for (const char byte : ScriptedHost::data(call, "123", EndIndicator).front().substr(4)) {
+        bytes.push_back(xdrWords({1}));
+        bytes.emplace_back(1, byte);
+    }
+    bytes.push_back(xdrWords({0x80000000}));
+    return bytes;
+}
+
+/// A record of 4096 bytes that does not come to its end.
+Pieces trickle(const RpcCall & /*call*/)
+{
+    Pieces bytes(300, "x");
+    bytes.front() = xdrWords({0x80001000});
+    return bytes;
+}
+
+Pieces answerAndHangUp(const RpcCall &call)
+{
+    return {ScriptedHost::data(call, "1", EndIndicator).front(), ""};
+}
+
+Pieces withoutPadding(const RpcCall &call)
+{
+    return ScriptedHost::reply(call, xdrWords({None, EndIndicator, 1}) + "1");
 }
 
 } // namespace
@@ -65,122 +156,141 @@ class LanTest : public QObject
     Q_OBJECT
 
 private slots:
-    /// What the device does, what the client sees of it and what the device sees.
-    void traps_data()
+    void links_data()
     {
-        QTest::addColumn<ScriptedHost::Script>("script");
-        QTest::addColumn<QString>("steps"); // "-" behind one: without time; none: it does not open
-        QTest::addColumn<QString>("seen");
-        QTest::addColumn<QString>("calls");
-        const auto row = [](const QByteArray &name, const ScriptedHost::Script &script,
-                            const char *steps, const char *seen, const char *calls = "") {
-            QTest::newRow(name) << script << QString(steps) << QString(seen) << QString(calls);
+        QTest::addColumn<Script>("instrument");
+        QTest::addColumn<Steps>("steps");
+        QTest::addColumn<QStringList>("outcomes");
+        QTest::addColumn<QStringList>("received"); // empty: not looked at
+        const auto row = [](const char *name, const Script &instrument, const Steps &steps,
+                            const QStringList &outcomes, const QStringList &received = {}) {
+            QTest::newRow(name) << instrument << steps << outcomes << received;
         };
         const auto reads = [](auto... answer) { return answers(DeviceRead, answer...); };
-        const auto pieces = [](auto script) { return ScriptedHost::Script(script); };
+        const Step trigger = step(&Vxi11Link::trigger);
+        const Step clear = step(&Vxi11Link::clear);
 
-        row("END at the count", reads(data("12345", 5)), "r5", "END 12345", "12 0 5 t 0 0 0");
-        row("END outranks", reads(data("1\n", 6)), "n9", "END 1\n", "12 0 9 t 0 128 10");
-        row("no eye for it", reads(data("1\n2\n", 4), hangUp), "n9|n9", "CHR 1\n|END 2\n");
-        row("not asked for", reads(data("1\n", 2), data("2", 4)), "r9", "END 1\n2");
-        row("more than asked for", reads(data("0123456789", 4), hangUp), "r4|r5|r1",
-            "CNT 0123|CNT 45678|END 9", "12 0 4 t 0 0 0");
-        row("a question drops the rest", reads(data("old", 4), data("new", 4)), "r1|w?|r9",
-            "CNT o|ok 1|END new");
-        row("no other call does", reads(data("old", 4), hangUp), "r1|t|r9", "CNT o|ok|END ld");
-        row("nothing more for ever", reads(data("1", 0), data("", 0)), "r9-", "TMO 1");
-        row("in pieces", reads(data("12", 0), data("", 0), data("3", 1), data("", 4)), "r9",
-            "END 123", "12 0 9 t 0 0 0|12 0 7 t 0 0 0|12 0 7 t 0 0 0|12 0 6 t 0 0 0");
-        row("before an error", reads(data("12", 0), data("3", 0, 15)), "r9", "TMO 123");
-        row("too much at once", reads(data("1", 4)), "r17825792", "END 1", "12 0 16777216 t 0 0 0");
+        row("END at the count", reads(data("12345", EndIndicator | RequestCount)), {read(5)},
+            {"END 12345"}, {"read size 5 timeout"});
+        row("END with the terminator", reads(data("1\n", EndIndicator | TermChar)), {read(9, '\n')},
+            {"END 1\n"}, {"read size 9 timeout terminated terminator 10"});
+        row("a device that ignores the terminator", reads(data("1\n2\n", EndIndicator), hangUp),
+            {read(9, '\n'), read(9, '\n')}, {"TERMINATOR 1\n", "END 2\n"});
+        row("a terminator that was not asked for",
+            reads(data("1\n", TermChar), data("2", EndIndicator)), {read(9)}, {"END 1\n2"});
+        row("more than asked for", reads(data("0123456789", EndIndicator), hangUp),
+            {read(4), read(5), read(1)}, {"COUNT 0123", "COUNT 45678", "END 9"},
+            {"read size 4 timeout"});
+        row("a question drops what is left",
+            reads(data("old", EndIndicator), data("new", EndIndicator)),
+            {read(1), write("?"), read(9)}, {"COUNT o", "ok 1", "END new"});
+        row("a trigger drops nothing", reads(data("old", EndIndicator), hangUp),
+            {read(1), trigger, read(9)}, {"COUNT o", "ok", "END ld"});
+        row("nothing more for ever", reads(data("1", 0), data("", 0)),
+            {read(9, std::nullopt, noTime)}, {"TMO 1"});
+        row("an answer in parts",
+            reads(data("12", 0), data("", 0), data("3", RequestCount), data("", EndIndicator)),
+            {read(9)}, {"END 123"},
+            {"read size 9 timeout", "read size 7 timeout", "read size 7 timeout",
+             "read size 6 timeout"});
+        row("bytes before an error", reads(data("12", 0), data("3", 0, IoTimeout)), {read(9)},
+            {"TMO 123"});
+        row("more than one call can fetch", reads(data("1", EndIndicator)), {read(17 << 20)},
+            {"END 1"}, {"read size 16777216 timeout"});
 
-        row("split", usual, "w0123456789", "ok 10",
-            "11 0 t 0 0 0123|11 0 t 0 0 4567|11 0 t 0 8 89");
-        row("without END", usual, "v01234", "ok 5", "11 0 t 0 0 0123|11 0 t 0 0 4");
-        row("taken in part", answers(DeviceWrite, words({0, 1}), usual), "w0123", "ok 4",
-            "11 0 t 0 8 0123|11 0 t 0 8 123");
-        row("taken too much", answers(DeviceWrite, words({0, 99})), "w01", "ok 2");
-        row("not taken", answers(DeviceWrite, words({0, 0})), "w0", "IO 0");
+        row("a write without END", usual, {write("01234", false)}, {"ok 5"},
+            {"write timeout 0123", "write timeout 4"});
+        row("a write taken in part", answers(DeviceWrite, words({None, 1}), usual), {write("0123")},
+            {"ok 4"}, {"write timeout END 0123", "write timeout END 123"});
+        row("a write taken twice over", answers(DeviceWrite, words({None, 99})), {write("01")},
+            {"ok 2"});
+        row("a write not taken", answers(DeviceWrite, words({None, 0})), {write("0")}, {"IO 0"});
 
-        row("in fragments, byte by byte", reads(pieces([](const RpcCall &call) {
-                Pieces bytes;
-                for (const char byte : ScriptedHost::data(call, "123", 4).front().substr(4)) {
-                    bytes.push_back(wire::xdrWords({1}));
-                    bytes.emplace_back(1, byte);
-                }
-                bytes.push_back(wire::xdrWords({0x80000000}));
-                return bytes;
-            })),
-            "r9", "END 123");
-        row("trickles for ever", reads(pieces([](auto &) {
-                Pieces bytes = {wire::xdrWords({0x80001000})};
-                std::fill_n(std::back_inserter(bytes), 300, "x");
-                return bytes;
-            })),
-            "r9-", "TMO ");
-        row("a fragment without room",
-            reads(pieces([](auto &) { return Pieces{wire::xdrWords({0xFFFFFFFF})}; })), "r9|r9",
-            "IO |CONN_LOST ");
-        row("closed meanwhile", reads(pieces([](const RpcCall &call) {
-                return Pieces{ScriptedHost::data(call, "1", 4).front(), ""};
-            })),
-            "r9|r9|t", "END 1|CONN_LOST |CONN_LOST");
-        row("no answer at all",
-            reads(pieces([](auto &) { return Pieces{wire::asRecord("nonsense")}; }), data("1", 4)),
-            "r9|r9", "IO |END 1");
-        row("without zeros at the end", reads(pieces([](const RpcCall &call) {
-                return ScriptedHost::reply(call, wire::xdrWords({0, 4, 1}) + "1");
-            })),
-            "r9", "END 1");
-        row("more data than there is", reads(words({0, 4, 0xFFFFFFFF, 0})), "r9", "IO ");
+        row("a fragment for each byte", reads(byteByByte), {read(9)}, {"END 123"});
+        row("a record without an end", reads(trickle), {read(9, std::nullopt, noTime)}, {"TMO "});
+        row("a fragment too long", reads(pieces({xdrWords({0xFFFFFFFF})})), {read(9), read(9)},
+            {"IO ", "CONN_LOST "});
+        row("a lost connection", reads(answerAndHangUp), {read(9), read(9), trigger},
+            {"END 1", "CONN_LOST ", "CONN_LOST"});
+        row("a record that is no reply",
+            reads(pieces({wire::asRecord("nonsense")}), data("1", EndIndicator)),
+            {read(9), read(9)}, {"IO ", "END 1"});
+        row("an answer without padding", reads(withoutPadding), {read(9)}, {"END 1"});
+        row("more data announced than sent", reads(words({None, EndIndicator, 0xFFFFFFFF, 0})),
+            {read(9)}, {"IO "});
 
-        row("remote and local", usual, "g0|g1|g2|g3|g4|g5|g6",
-            "NSUP_OPER|NSUP_OPER|NSUP_OPER|ok|NSUP_OPER|ok|ok", "16 0 0 0 t|16 0 0 0 t|17 0 0 0 t");
-        row("lock", answers(wire::vxi11::DeviceLock, usual, words({11})), "l|l-|u", "ok|TMO|ok",
-            "18 0 1 t|18 0 0 0|19 0");
-        row("mute", answers(DeviceClear, mute), "c-|t", "TMO|ok", "15 0 0 0 t|14 0 0 0 t");
-        row("errors", answers(DeviceClear, words({4}), words({11}), words({99})), "c|c|c",
-            "CONN_LOST|RSRC_LOCKED|IO");
-        row("no procedure",
-            answers(DeviceClear, words({0}, RpcOutcome::ProcedureUnavailable),
-                    words({0}, RpcOutcome::GarbageArguments)),
-            "c|c", "NSUP_OPER|IO");
-
-        const auto mapper = [](const ScriptedHost::Script &answer) -> ScriptedHost::Script {
-            return [=](const RpcCall &call) {
-                return call.procedure.program == wire::portmapperProgram ? answer(call) : Pieces();
-            };
-        };
-        row("no VXI-11", mapper(words({0})), "", "RSRC_NFOUND");
-        row("no port", mapper(words({0x10001})), "", "RSRC_NFOUND");
-        row("nobody at the port", mapper(words({1})), "", "RSRC_NFOUND");
-        row("no portmapper 2", mapper(words({0}, RpcOutcome::ProgramMismatch)), "", "RSRC_NFOUND");
-        row("mute portmapper", mapper(mute), "", "TMO");
-        row("closes", answers(CreateLink, hangUp), "", "RSRC_NFOUND");
-        row("a link without number", answers(CreateLink, words({0})), "", "IO");
+        row("remote and local", usual, {control(0), control(1), control(3), control(5), control(6)},
+            {"NSUP_OPER", "NSUP_OPER", "ok", "ok", "ok"},
+            {"remote timeout", "remote timeout", "local timeout"});
+        row("locks", answers(DeviceLock, usual, words({LockedByAnother})),
+            {step(&Vxi11Link::lock), step(&Vxi11Link::lock, noTime), step(&Vxi11Link::unlock)},
+            {"ok", "TMO", "ok"}, {"lock wait timeout", "lock", "unlock"});
+        row("a call that is not answered", answers(DeviceClear, mute),
+            {step(&Vxi11Link::clear, noTime), trigger}, {"TMO", "ok"},
+            {"clear timeout", "trigger timeout"});
+        row("errors",
+            answers(DeviceClear, words({InvalidLink}), words({LockedByAnother}), words({99})),
+            {clear, clear, clear}, {"CONN_LOST", "RSRC_LOCKED", "IO"});
+        row("calls refused",
+            answers(DeviceClear, words({}, RpcOutcome::ProcedureUnavailable),
+                    words({}, RpcOutcome::GarbageArguments)),
+            {clear, clear}, {"NSUP_OPER", "IO"});
     }
-    void traps()
+    void links()
     {
-        QFETCH(ScriptedHost::Script, script);
-        QFETCH(QString, steps);
-        QFETCH(QString, seen);
-        QFETCH(QString, calls);
-        ScriptedHost host(script, 4);
-        QStringList saw;
+        QFETCH(Script, instrument);
+        QFETCH(Steps, steps);
+        QFETCH(QStringList, outcomes);
+        QFETCH(QStringList, received);
+        ScriptedHost host(instrument, 4);
+        QStringList seen;
         {
             Vxi11Link link;
-            const ViStatus opened = open(link, host.port, steps.isEmpty() ? 50 : 5000);
-            QCOMPARE(text(opened), steps.isEmpty() ? seen : "ok");
-            for (const QString &step : steps.split('|', Qt::SkipEmptyParts)) {
-                saw << carryOut(link, QString(step).remove('-'), step.endsWith('-') ? 0 : 5000);
+            QCOMPARE(link.open("127.0.0.1", host.port, "inst0", visa::deadlineAfter(usualTimeout)),
+                     VI_SUCCESS);
+            for (const Step &carryOut : steps) {
+                seen << carryOut(link);
             }
         }
-        QCOMPARE(saw.join('|'), steps.isEmpty() ? "" : seen);
-        const QString transcript = host.finish().join('|');
-        if (!calls.isEmpty()) {
-            QCOMPARE(transcript, "10 t 0 0 inst0|" + calls + "|23 0");
+        QCOMPARE(seen, outcomes);
+        const QStringList calls = host.finish();
+        if (!received.isEmpty()) {
+            QCOMPARE(calls, QStringList("create client inst0") + received + QStringList("destroy"));
         }
-        QVERIFY(!steps.isEmpty() || !transcript.contains("|23 ")); // nothing to leave
+    }
+
+    void noLink_data()
+    {
+        QTest::addColumn<Script>("instrument");
+        QTest::addColumn<QString>("status");
+        const auto row = [](const char *name, const Script &instrument, const char *status) {
+            QTest::newRow(name) << instrument << QString(status);
+        };
+        row("no VXI-11", mapper(words({0})), "RSRC_NFOUND");
+        row("a port beyond the last", mapper(words({0x10001})), "RSRC_NFOUND");
+        row("nobody at the port", mapper(words({1})), "RSRC_NFOUND");
+        row("a mute portmapper", mapper(mute), "TMO");
+        row("hangs up", answers(CreateLink, hangUp), "RSRC_NFOUND");
+        row("a link without number", answers(CreateLink, words({None})), "IO");
+    }
+    void noLink()
+    {
+        QFETCH(Script, instrument);
+        QFETCH(QString, status);
+        ScriptedHost host(instrument);
+        {
+            Vxi11Link link;
+            QCOMPARE(text(link.open("127.0.0.1", host.port, "inst0", visa::deadlineAfter(50))),
+                     status);
+        }
+        QVERIFY(!host.finish().contains("destroy"));
+    }
+
+    void looksUpNames()
+    {
+        const auto found = lan::addressesOf("localhost", visa::deadlineAfter(usualTimeout));
+        QVERIFY(found);
+        QVERIFY(std::count(found->begin(), found->end(), "127.0.0.1") > 0);
     }
 };
 

@@ -6,37 +6,36 @@
 #include "visa/wire/Xdr.h"
 
 #include <QMap>
-#include <QSemaphore>
+#include <QStringList>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QThread>
 
 #include <atomic>
 #include <functional>
+#include <future>
 #include <memory>
+#include <thread>
 #include <vector>
 
-/// A host with its portmapper and its instrument at one port, which answers as the test tells it
-/// to. It keeps a transcript of the numbers of the procedures and of their parameters, in which "t"
-/// is any time-out but 0, and the client's own number: "10 t 0 0 inst0" (create_link), "11 0 t 0 8
-/// *IDN?", "12 0 100 t 0 128 10".
+/// A host with its portmapper and its instrument at one port, which answers as the test says. It
+/// notes the calls to the instrument as text: "write timeout END *IDN?", "read size 100 timeout".
 class ScriptedHost
 {
 public:
-    /// The bytes that come instead of the usual answer to a call; pieces go one by one. After a
-    /// piece without bytes the connection is closed.
-    using Script = std::function<std::vector<std::string>(const wire::RpcCall &call)>;
+    /// Bytes that are sent one piece after the other. The connection is closed at an empty one.
+    using Pieces = std::vector<std::string>;
+    /// Returns what is sent instead of the usual answer to a call; nothing for the usual one.
+    using Script = std::function<Pieces(const wire::RpcCall &call)>;
 
-    /// At any port, unless one is given.
-    explicit ScriptedHost(Script script, std::uint32_t receiveSize = 1024, std::uint16_t port = 0)
-        : port(port), script(std::move(script)), receiveSize(receiveSize)
+    explicit ScriptedHost(Script script, std::uint32_t receiveSize = 1024)
+        : script(std::move(script)), receiveSize(receiveSize)
     {
-        QSemaphore listening;
-        thread.reset(QThread::create([this, &listening] {
+        std::promise<void> listening;
+        thread = std::thread([this, &listening] {
             QTcpServer server;
-            server.listen(QHostAddress::LocalHost, this->port);
-            this->port = server.serverPort();
-            listening.release();
+            server.listen(QHostAddress::LocalHost);
+            port = server.serverPort();
+            listening.set_value();
             while (!isEnding) {
                 server.waitForNewConnection(1);
                 const std::unique_ptr<QTcpSocket> socket(server.nextPendingConnection());
@@ -44,32 +43,34 @@ public:
                     serve(*socket);
                 }
             }
-        }));
-        thread->start();
-        listening.acquire();
+        });
+        listening.get_future().wait();
     }
     ~ScriptedHost() { finish(); }
 
-    /// Serve the connections to their end, and what came over them.
+    /// Serve the connections to their end. Returns the calls that came.
     QStringList finish()
     {
         isEnding = true;
-        thread->wait();
-        return transcript;
+        if (thread.joinable()) {
+            thread.join();
+        }
+        return received;
     }
 
-    static std::vector<std::string> reply(const wire::RpcCall &call, std::string_view results,
-                                          wire::RpcOutcome outcome = wire::RpcOutcome::Success)
+    static Pieces reply(const wire::RpcCall &call, std::string_view results,
+                        wire::RpcOutcome outcome = wire::RpcOutcome::Success)
     {
         return {wire::asRecord(wire::encodedReply(call.xid, outcome, results))};
     }
-    static std::vector<std::string> data(const wire::RpcCall &call, std::string_view bytes,
-                                         std::uint32_t reason, std::uint32_t error = 0)
+    /// Returns the answer to a read.
+    static Pieces data(const wire::RpcCall &call, std::string_view bytes, std::uint32_t reason,
+                       std::uint32_t error = wire::vxi11::None)
     {
         return reply(call, wire::xdrWords({error, reason}) + wire::xdrOpaque(bytes));
     }
 
-    std::uint16_t port;
+    std::uint16_t port = 0;
 
 private:
     void serve(QTcpSocket &socket)
@@ -85,8 +86,10 @@ private:
             }
             const std::string record = reader.take();
             const wire::RpcCall call = wire::decodedCall(record).value();
-            note(call);
-            std::vector<std::string> pieces = script(call);
+            if (call.procedure.program != wire::portmapperProgram) {
+                received << described(call);
+            }
+            const Pieces pieces = script(call);
             for (const std::string &piece : pieces.empty() ? usual(call) : pieces) {
                 if (piece.empty()) {
                     return;
@@ -95,57 +98,67 @@ private:
                 if (!socket.waitForBytesWritten(1000)) {
                     return;
                 }
-                QThread::msleep(pieces.size() > 1 ? 5 : 0);
+                if (pieces.size() > 1) {
+                    std::this_thread::sleep_for(
+                        std::chrono::milliseconds(5)); // each arrives on its own
+                }
             }
         }
     }
 
-    /// To create_link, link 0; to a write, that all was taken. Others look at the first word only.
-    [[nodiscard]] std::vector<std::string> usual(const wire::RpcCall &call) const
+    /// Returns the usual answer to a call: a link with number 0, all taken of a write, no error.
+    Pieces usual(const wire::RpcCall &call) const
     {
         if (call.procedure.program == wire::portmapperProgram) {
             return reply(call, wire::xdrWords({port}));
         }
-        const bool isWrite = call.procedure.procedure == wire::vxi11::DeviceWrite;
         std::string_view written;
-        if (isWrite) {
+        if (call.procedure.procedure == wire::vxi11::DeviceWrite) {
             wire::XdrReader(call.arguments.substr(16)) >> written;
         }
         return reply(call, wire::xdrWords({0, std::uint32_t(written.size()), 0, receiveSize}));
     }
 
-    void note(const wire::RpcCall &call)
+    /// Describe a call of the core channel by its parameters that are not 0.
+    static QString described(const wire::RpcCall &call)
     {
-        if (call.procedure.program == wire::portmapperProgram) {
-            return;
-        }
-        const std::uint32_t procedure = call.procedure.procedure;
-        static const QMap<std::uint32_t, int> wordsBeforeText = {{wire::vxi11::CreateLink, 3},
-                                                                 {wire::vxi11::DeviceWrite, 4}};
-        static const QMap<std::uint32_t, int> timeouts = {
-            {wire::vxi11::CreateLink, 0}, // the client's id
-            {wire::vxi11::DeviceWrite, 1},
-            {wire::vxi11::DeviceRead, 2},
-            {wire::vxi11::DeviceLock, 2}};
-        const int words = wordsBeforeText.value(procedure, int(call.arguments.size() / 4));
+        namespace vxi11 = wire::vxi11;
+        const QString generic = "link flags lockTimeout timeout";
+        const QMap<std::uint32_t, QString> layouts = {
+            {vxi11::CreateLink, "create: client flags lockTimeout data"},
+            {vxi11::DeviceWrite, "write: link timeout lockTimeout flags data"},
+            {vxi11::DeviceRead, "read: link size timeout lockTimeout flags terminator"},
+            {vxi11::DeviceTrigger, "trigger: " + generic},
+            {vxi11::DeviceClear, "clear: " + generic},
+            {vxi11::DeviceRemote, "remote: " + generic},
+            {vxi11::DeviceLocal, "local: " + generic},
+            {vxi11::DeviceLock, "lock: link flags timeout"},
+            {vxi11::DeviceUnlock, "unlock: link"},
+            {vxi11::DestroyLink, "destroy: link"}};
+        const QMap<std::uint32_t, QString> flags = {
+            {vxi11::WaitLock, "wait"}, {vxi11::End, "END"}, {vxi11::TermCharSet, "terminated"}};
         wire::XdrReader from(call.arguments);
-        QStringList entry = {QString::number(procedure)};
-        for (int i = 0; i < words; ++i) {
+        QStringList text;
+        for (const QString &field : layouts.value(call.procedure.procedure).split(' ')) {
             std::uint32_t word = 0;
-            from >> word;
-            entry << (i == timeouts.value(procedure, 3) && word > 0 ? "t" : QString::number(word));
-        }
-        if (wordsBeforeText.contains(procedure)) {
             std::string_view bytes;
-            from >> bytes;
-            entry << QString::fromLatin1(bytes.data(), int(bytes.size()));
+            if (field.endsWith(':')) {
+                text << field.chopped(1);
+            } else if (field == "data") {
+                from >> bytes;
+                text << QString::fromLatin1(bytes.data(), int(bytes.size()));
+            } else if ((from >> word).isOk() && word != 0) {
+                const bool isAny = field == "client" || field == "timeout";
+                const QString value = isAny ? field : field + " " + QString::number(word);
+                text << (field == "flags" ? flags.value(word, "?") : value);
+            }
         }
-        transcript << entry.join(' ');
+        return text.join(' ');
     }
 
     Script script;
     std::uint32_t receiveSize;
-    QStringList transcript;
+    QStringList received;
     std::atomic<bool> isEnding = false;
-    std::unique_ptr<QThread> thread;
+    std::thread thread;
 };

@@ -17,6 +17,12 @@ inline Deadline deadlineAfter(ViUInt32 timeout)
                : std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout);
 }
 
+/// Returns whether a deadline has passed.
+inline bool isOver(Deadline deadline)
+{
+    return std::chrono::steady_clock::now() >= deadline;
+}
+
 /// Returns the milliseconds until a deadline, rounded up; `limit` when there are more.
 inline int millisecondsUntil(Deadline deadline, int limit)
 {

@@ -2,7 +2,7 @@
 
 #include "Require.h"
 #include "tests/ScriptedHost.h"
-#include "tests/ScriptedSteps.h"
+#include "visa/lan/Vxi11Link.h"
 
 #include <fuzzer/FuzzedDataProvider.h>
 
@@ -13,7 +13,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     std::size_t calls = 0;
     const auto bytes = [&](std::size_t most) { return input.ConsumeRandomLengthString(most); };
     // Whatever it is, the connection ends after it: nobody waits for more.
-    const auto script = [&](const wire::RpcCall &call) -> std::vector<std::string> {
+    const auto script = [&](const wire::RpcCall &call) -> ScriptedHost::Pieces {
         if (calls++ < before) {
             return {};
         }
@@ -28,15 +28,16 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     };
     ScriptedHost host(script, input.ConsumeIntegral<std::uint32_t>());
     lan::Vxi11Link link;
-    if (open(link, host.port, 50) != VI_SUCCESS) {
+    const auto soon = [] { return visa::deadlineAfter(50); };
+    if (link.open("127.0.0.1", host.port, "inst0", soon()) != VI_SUCCESS) {
         return 0;
     }
     const std::unique_ptr<ViByte[]> buffer(new ViByte[10]); // of just the size that is allowed
     std::size_t written = 0;
-    link.write(reinterpret_cast<const ViByte *>("*IDN?"), 5, true, in(50), &written);
+    link.write(reinterpret_cast<const ViByte *>("*IDN?"), 5, true, soon(), &written);
     require(written <= 5, "no more is written than there was");
     for (int i = 0; i < 3; ++i) {
-        require(link.read(buffer.get(), 10, '\n', in(50)).count <= 10, "what is read has room");
+        require(link.read(buffer.get(), 10, '\n', soon()).count <= 10, "what is read has room");
     }
     return 0;
 }

@@ -68,18 +68,19 @@ int openSocket(int family)
     return socket;
 }
 
-/// Returns whether the host has acknowledged nothing for too long. TCP_USER_TIMEOUT would count
-/// from the oldest byte that is under way, and several links of a series would be given up one
-/// after the other.
+/// Returns whether the host owes an acknowledgement and has sent none for too long.
+/// TCP_USER_TIMEOUT would count from the oldest byte under way: the links of a series would be
+/// given up one after the other, each after 10 s more.
 bool isLost([[maybe_unused]] int socket)
 {
 #ifdef __linux__
     tcp_info info{};
     socklen_t size = sizeof info;
     return ::getsockopt(socket, IPPROTO_TCP, TCP_INFO, &info, &size) == 0 &&
-           info.tcpi_state == TCP_ESTABLISHED && info.tcpi_last_ack_recv > lostAfter;
+           info.tcpi_state == TCP_ESTABLISHED && info.tcpi_unacked + info.tcpi_probes > 0 &&
+           info.tcpi_last_ack_recv > lostAfter;
 #else
-    return false;                      // macOS gives the connection up by itself, 10 s after it began to send again
+    return false;                      // macOS gives up by itself, 10 s after the first byte that it sent in vain
 #endif
 }
 
@@ -190,7 +191,7 @@ ViStatus RpcClient::receive(visa::Deadline deadline)
         }
         bool hasEnded = false;
         const auto source = [&](char *to, std::size_t size) -> std::ptrdiff_t {
-            if (millisecondsUntil(deadline, 1) == 0) {
+            if (visa::isOver(deadline)) {
                 return 0; // some hosts send a record without an end
             }
             const ssize_t got = ::recv(socket, to, size, 0);

@@ -40,11 +40,6 @@ std::uint32_t ioTimeout(Deadline deadline)
     return static_cast<std::uint32_t>(std::max(1, millisecondsUntil(deadline, longestTimeout)));
 }
 
-bool isOver(Deadline deadline)
-{
-    return millisecondsUntil(deadline, 1) == 0;
-}
-
 /// Returns VISA's status for a device's error code.
 ViStatus statusOf(std::uint32_t error)
 {
@@ -97,8 +92,8 @@ ViStatus Vxi11Link::open(const std::string &address, std::uint16_t mapperPort,
                       deadline, &results);
     }
     if (status != VI_SUCCESS) {
-        const bool isOther = status == VI_ERROR_CONN_LOST || status == VI_ERROR_NSUP_OPER;
-        return isOther ? VI_ERROR_RSRC_NFOUND : status; // something that is no instrument
+        const bool isInstrument = status != VI_ERROR_CONN_LOST && status != VI_ERROR_NSUP_OPER;
+        return isInstrument ? status : VI_ERROR_RSRC_NFOUND;
     }
     std::uint32_t abortPort = 0;
     XdrReader from(results);
@@ -111,8 +106,7 @@ ViStatus Vxi11Link::open(const std::string &address, std::uint16_t mapperPort,
 void Vxi11Link::close(Deadline deadline)
 {
     if (isOpen && process == getpid() && rpc.isConnected()) {
-        std::string_view results;
-        call(vxi11::DestroyLink, xdrWords({id}), deadline, &results);
+        call(vxi11::DestroyLink, xdrWords({id}), deadline);
     }
     isOpen = false;
 }
@@ -122,26 +116,26 @@ void Vxi11Link::close(Deadline deadline)
 ViStatus Vxi11Link::call(vxi11::Procedure procedure, std::string_view arguments, Deadline answer,
                          std::string_view *results)
 {
+    std::string_view received;
     const ViStatus status =
-        rpc.call({vxi11::coreProgram, vxi11::coreVersion, procedure}, arguments, answer, results);
+        rpc.call({vxi11::coreProgram, vxi11::coreVersion, procedure}, arguments, answer, &received);
     if (status != VI_SUCCESS) {
         return status;
     }
     std::uint32_t error = 0;
-    XdrReader from(*results);
+    XdrReader from(received);
     from >> error;
-    *results = from.rest();
+    if (results != nullptr) {
+        *results = from.rest();
+    }
     return from.isOk() ? statusOf(error) : VI_ERROR_IO;
 }
 
 ViStatus Vxi11Link::callGeneric(vxi11::Procedure procedure, Deadline deadline,
                                 std::string_view *results)
 {
-    std::string_view ignored;
-    const std::uint32_t flags = 0;
-    const std::uint32_t lockTimeout = 0;
-    return call(procedure, xdrWords({id, flags, lockTimeout, ioTimeout(deadline)}),
-                answerBy(deadline), results != nullptr ? results : &ignored);
+    // Without flags, and without a wait for another's lock.
+    return call(procedure, xdrWords({id, 0, 0, ioTimeout(deadline)}), answerBy(deadline), results);
 }
 
 ViStatus Vxi11Link::write(const ViByte *bytes, std::size_t count, bool end, Deadline deadline,
@@ -173,20 +167,20 @@ visa::ReadOutcome Vxi11Link::read(ViByte *buffer, std::size_t count,
                                   std::optional<ViByte> termination, Deadline deadline)
 {
     visa::ReadOutcome outcome;
-    for (bool isFirst = true; !handOut(buffer, count, termination, &outcome); isFirst = false) {
-        if (!isFirst) {
-            if (outcome.status != VI_SUCCESS || isOver(deadline)) {
-                outcome.status = outcome.status != VI_SUCCESS ? outcome.status : VI_ERROR_TMO;
-                break;
-            }
-            if (fetched.empty()) {
-                std::this_thread::sleep_for(milliseconds(1)); // it may have nothing for long yet
-            }
-        }
-        outcome.status = fetch(count - outcome.count, termination, deadline);
+    bool isDone = handOut(buffer, count, termination, &outcome); // what an earlier read left
+    while (!isDone && outcome.status == VI_SUCCESS) {
+        const std::size_t before = outcome.count;
+        outcome.status = fetch(count - before, termination, deadline);
         // The longest time-out that can be sent is not the caller's.
         if (outcome.status == VI_ERROR_TMO && ioTimeout(deadline) == longestTimeout) {
             outcome.status = VI_SUCCESS;
+        }
+        isDone = handOut(buffer, count, termination, &outcome);
+        const bool goesOn = !isDone && outcome.status == VI_SUCCESS;
+        if (goesOn && visa::isOver(deadline)) {
+            outcome.status = VI_ERROR_TMO;
+        } else if (goesOn && outcome.count == before) {
+            std::this_thread::sleep_for(milliseconds(1)); // it may have nothing for long yet
         }
     }
     keepRest();
@@ -281,31 +275,26 @@ ViStatus Vxi11Link::controlRemote(ViUInt16 mode, Deadline deadline)
     // VXI-11 knows the device as a whole, not the lines of its bus (VPP-4.3, table 6.5.1).
     constexpr ViUInt16 assertAndAddress = 3;
     constexpr ViUInt16 assertAddressAndLockOut = 5;
-    switch (mode) {
-    case assertAndAddress:
-    case assertAddressAndLockOut:
-        return callGeneric(vxi11::DeviceRemote, deadline);
-    case VI_GPIB_REN_ADDRESS_GTL:
+    if (mode == VI_GPIB_REN_ADDRESS_GTL) {
         return callGeneric(vxi11::DeviceLocal, deadline);
-    default:
-        return VI_ERROR_NSUP_OPER;
     }
+    return mode == assertAndAddress || mode == assertAddressAndLockOut
+               ? callGeneric(vxi11::DeviceRemote, deadline)
+               : VI_ERROR_NSUP_OPER;
 }
 
 ViStatus Vxi11Link::lock(Deadline deadline)
 {
     const auto timeout = static_cast<std::uint32_t>(millisecondsUntil(deadline, longestTimeout));
     const std::uint32_t flags = timeout > 0 ? vxi11::WaitLock : 0U;
-    std::string_view results;
     const ViStatus status =
-        call(vxi11::DeviceLock, xdrWords({id, flags, timeout}), answerBy(deadline), &results);
+        call(vxi11::DeviceLock, xdrWords({id, flags, timeout}), answerBy(deadline));
     return status == VI_ERROR_RSRC_LOCKED ? VI_ERROR_TMO : status; // as viLock has it
 }
 
 ViStatus Vxi11Link::unlock(Deadline deadline)
 {
-    std::string_view results;
-    return call(vxi11::DeviceUnlock, xdrWords({id}), answerBy(deadline), &results);
+    return call(vxi11::DeviceUnlock, xdrWords({id}), answerBy(deadline));
 }
 
 } // namespace lan

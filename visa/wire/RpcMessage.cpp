@@ -85,41 +85,45 @@ std::string asRecord(std::string_view message)
 RecordReader::State RecordReader::read(const Source &source)
 {
     while (missing > 0 || !isLast) {
-        if (missing == 0) {
-            const std::ptrdiff_t got = source(mark.data() + marked, mark.size() - marked);
-            if (got <= 0) {
-                return State::Incomplete;
-            }
-            marked += static_cast<std::size_t>(got);
-            if (marked < mark.size()) {
-                continue;
-            }
-            marked = 0;
-            std::uint32_t word = 0;
-            XdrReader({mark.data(), mark.size()}) >> word;
-            isLast = (word & lastFragment) != 0;
-            missing = word & ~lastFragment;
-            if (missing > limit - record.size()) {
-                return State::TooLong;
-            }
-            continue;
+        if (missing > 0 && filled == record.size()) {
+            record.resize(filled + std::min(missing, pieceSize));
         }
-        const std::size_t room = std::min(missing, pieceSize);
-        const std::size_t before = record.size();
-        record.resize(before + room);
-        const std::ptrdiff_t got = source(record.data() + before, room);
-        record.resize(before + static_cast<std::size_t>(std::max<std::ptrdiff_t>(got, 0)));
+        const bool isMark = missing == 0;
+        const std::ptrdiff_t got =
+            isMark ? source(mark.data() + marked, mark.size() - marked)
+                   : source(record.data() + filled, std::min(missing, record.size() - filled));
         if (got <= 0) {
             return State::Incomplete;
         }
-        missing -= static_cast<std::size_t>(got);
+        if (!isMark) {
+            filled += static_cast<std::size_t>(got);
+            missing -= static_cast<std::size_t>(got);
+        } else if (!takeMark(static_cast<std::size_t>(got))) {
+            return State::TooLong;
+        }
     }
     return State::Complete;
+}
+
+/// Take bytes of a mark; once it is whole, begin its fragment. False when there is no room for it.
+bool RecordReader::takeMark(std::size_t count)
+{
+    marked += count;
+    if (marked < mark.size()) {
+        return true;
+    }
+    marked = 0;
+    std::uint32_t word = 0;
+    XdrReader({mark.data(), mark.size()}) >> word;
+    isLast = (word & lastFragment) != 0;
+    missing = word & ~lastFragment;
+    return missing <= limit - filled;
 }
 
 std::string RecordReader::take()
 {
     isLast = false;
+    record.resize(std::exchange(filled, 0));
     return std::exchange(record, {});
 }
 

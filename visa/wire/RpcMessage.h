@@ -76,15 +76,18 @@ public:
     /// A reader of records of at most `limit` bytes.
     explicit RecordReader(std::size_t limit) : limit(limit) {}
 
-    /// Read on, until the record is complete or nothing more has arrived. Memory is taken for bytes
-    /// that arrive, not for those that a fragment announces.
+    /// Read on, until the record is complete or nothing more has arrived. Memory grows with the
+    /// bytes that arrive, not with those that a fragment announces.
     State read(const Source &source);
     /// Returns the complete record, and begins with the next.
     std::string take();
 
 private:
+    bool takeMark(std::size_t count);
+
     std::size_t limit;
     std::string record;
+    std::size_t filled = 0; ///< bytes of the record that have arrived
     std::array<char, 4> mark{};
     std::size_t marked = 0;  ///< bytes of the mark that have arrived
     std::size_t missing = 0; ///< bytes of the fragment
