@@ -28,7 +28,7 @@ Error parse(std::string_view text, const char *unit, double most, double *value)
 }
 
 /// BENCh:LATency RF|HDMI|SINK,mean,spread
-Error changeLatency(const Call &call, LinkStatistics *statistics)
+Error changeLatency(const Call &call, RadioLinkStatistics *statistics)
 {
     constexpr double longest = 10.0; // s
     for (const auto &[name, latency] : {std::pair{"RF", &statistics->rf},
@@ -49,7 +49,7 @@ Error changeLatency(const Call &call, LinkStatistics *statistics)
 }
 
 /// Have an instrument take the commands that change the link, which all instruments look at.
-void addLinkCommands(Instrument *instrument, LinkModel *link)
+void addLinkCommands(Instrument *instrument, RadioLink *link)
 {
     instrument->onCommand("BENCh:LATency", {3, 3}, [link](const Call &call, std::string *) {
         return changeLatency(call, &link->statistics);
@@ -73,15 +73,15 @@ void addLinkCommands(Instrument *instrument, LinkModel *link)
 Bench::Bench(double timeScale)
 {
     const auto add = [&](const char *name, std::unique_ptr<Instrument> instrument) {
-        addLinkCommands(instrument.get(), &model);
+        addLinkCommands(instrument.get(), &link);
         all.push_back(std::make_unique<Device>(name, std::move(instrument), timeScale));
     };
-    add("scope", std::make_unique<Oscilloscope>(lpa4004Dialect(), model));
-    add("scope-kvx", std::make_unique<Oscilloscope>(kvxDialect(), model));
-    add("analyzer", std::make_unique<SpectrumAnalyzer>(AnalyzerFamily::Plain, model));
-    add("analyzer-qan", std::make_unique<SpectrumAnalyzer>(AnalyzerFamily::Qan, model));
-    add("analyzer-qel", std::make_unique<SpectrumAnalyzer>(AnalyzerFamily::Qel, model));
-    add("video", std::make_unique<VideoAnalyzer>(model));
+    add("scope", std::make_unique<Oscilloscope>(lpa4004Dialect(), link));
+    add("scope-kvx", std::make_unique<Oscilloscope>(kvxDialect(), link));
+    add("analyzer", std::make_unique<SpectrumAnalyzer>(AnalyzerFamily::Plain, link));
+    add("analyzer-qan", std::make_unique<SpectrumAnalyzer>(AnalyzerFamily::Qan, link));
+    add("analyzer-qel", std::make_unique<SpectrumAnalyzer>(AnalyzerFamily::Qel, link));
+    add("video", std::make_unique<VideoAnalyzer>(link));
 }
 
 Device *Bench::find(std::string_view name) const

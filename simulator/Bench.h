@@ -1,7 +1,7 @@
 #pragma once
 
 #include "simulator/Device.h"
-#include "simulator/LinkModel.h"
+#include "simulator/RadioLink.h"
 
 #include <memory>
 #include <string_view>
@@ -22,10 +22,10 @@ public:
     /// Returns all devices in the handbook's order.
     [[nodiscard]] const std::vector<std::unique_ptr<Device>> &devices() const { return all; }
 
-    LinkModel &link() { return model; }
+    RadioLink &radioLink() { return link; }
 
 private:
-    LinkModel model;
+    RadioLink link;
     std::vector<std::unique_ptr<Device>> all;
 };
 
