@@ -1,11 +1,9 @@
 #pragma once
 
+#include "simulator/Device.h"
 #include "simulator/RadioLink.h"
-#include "simulator/scpi/Instrument.h"
 
-#include <map>
 #include <memory>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -16,18 +14,19 @@ namespace simulator {
 class Bench
 {
 public:
-    Bench();
+    /// A second of the instruments lasts so many seconds; with 0 nothing takes time.
+    explicit Bench(double timeScale = 0.0);
 
-    /// Find the instrument with this host name, in any letter case; null when there is none.
-    [[nodiscard]] Instrument *find(std::string_view host) const;
-    /// List the host names of all instruments.
-    [[nodiscard]] std::vector<std::string> hosts() const;
+    /// Find a device by its name, in any letter case; null when there is none.
+    [[nodiscard]] Device *find(std::string_view name) const;
+    /// Returns all devices in the handbook's order.
+    [[nodiscard]] const std::vector<std::unique_ptr<Device>> &devices() const { return all; }
 
     RadioLink &radioLink() { return link; }
 
 private:
     RadioLink link;
-    std::map<std::string, std::unique_ptr<Instrument>> instruments;
+    std::vector<std::unique_ptr<Device>> all;
 };
 
 } // namespace simulator

@@ -42,7 +42,7 @@ struct Instruments
     {
         QString text;
         for (const QString &host : qAsConst(hosts)) {
-            auto &errors = ::bench().find(host.toStdString())->errors();
+            auto &errors = ::bench().find(host.toStdString())->instrument->errors();
             while (!errors.isEmpty()) {
                 text += QString::fromStdString(errors.next());
             }

@@ -18,6 +18,7 @@ private slots:
         };
         row("short", "TCPIP::scope", "TCPIP0::scope::inst0::INSTR");
         row("full", "tcpip7::a-b_c.D::gpib0,5::instr", "TCPIP7::a-b_c.D::gpib0,5::INSTR");
+        row("pasted", " \tTCPIP0::a::INSTR\r\n", "TCPIP0::a::inst0::INSTR");
         row("socket", "TCPIP::a::5025::socket", "TCPIP0::a::5025::SOCKET");
         row("interface itself", "GPIB0::INTFC", "GPIB0::INTFC");
         row("longer interface", "gpib-vxi2::9", "GPIB-VXI2::9::INSTR");

@@ -12,7 +12,7 @@ namespace {
 /// Executes a message and returns the answer.
 QByteArray ask(const Bench &bench, const QByteArray &host, const QByteArray &message)
 {
-    Instrument *instrument = bench.find(host.toStdString());
+    Instrument *instrument = bench.find(host.toStdString())->instrument.get();
     return QByteArray::fromStdString(instrument->execute(message.toStdString())).trimmed();
 }
 

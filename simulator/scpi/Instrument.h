@@ -39,9 +39,6 @@ public:
     /// 4 that the client has an answer to read.
     [[nodiscard]] std::uint8_t statusByte(bool messageAvailable) const;
 
-    [[nodiscard]] bool isRemote() const { return remote; }
-    void setRemote(bool on) { remote = on; }
-
     /// A command or query as a client sent it.
     struct Call
     {
@@ -109,7 +106,6 @@ private:
     Setting *eventEnable = nullptr;
     Setting *serviceEnable = nullptr;
     bool hasAnswered = false; // whether the present message has an answer so far
-    bool remote = false;
     double duration = 0.0;
 };
 

@@ -7,10 +7,20 @@ namespace server {
 
 using namespace wire::vxi11;
 
-std::optional<CoreCall> decodedCoreCall(const wire::RpcCall &call)
+std::variant<CoreCall, wire::RpcOutcome> decodedCoreCall(const wire::RpcCall &call)
 {
+    if (call.procedure.program != coreProgram) {
+        return wire::RpcOutcome::ProgramUnavailable;
+    }
+    if (call.procedure.version != coreVersion) {
+        return wire::RpcOutcome::ProgramMismatch;
+    }
     CoreCall core;
     core.procedure = call.procedure.procedure;
+    if (core.procedure != Null &&
+        (core.procedure < CreateLink || core.procedure > DestroyInterruptChannel)) {
+        return wire::RpcOutcome::ProcedureUnavailable;
+    }
     wire::XdrReader from(call.arguments);
     std::uint32_t ignored = 0;
     std::uint32_t lockDevice = 0;
@@ -44,7 +54,10 @@ std::optional<CoreCall> decodedCoreCall(const wire::RpcCall &call)
     default: // nobody looks at those of others
         break;
     }
-    return from.isOk() ? std::optional(core) : std::nullopt;
+    if (!from.isOk()) {
+        return wire::RpcOutcome::GarbageArguments;
+    }
+    return core;
 }
 
 } // namespace server

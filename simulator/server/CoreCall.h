@@ -2,7 +2,8 @@
 
 #include "visa/wire/RpcMessage.h"
 
-#include <optional>
+#include <string_view>
+#include <variant>
 
 namespace server {
 
@@ -20,7 +21,8 @@ struct CoreCall
     std::string_view data; ///< what is written; the name of a device
 };
 
-/// Decode the parameters of a call, whose bytes they share. Nothing when some are missing.
-std::optional<CoreCall> decodedCoreCall(const wire::RpcCall &call);
+/// Decode a call, whose bytes the parameters share. Returns how it fails when it is none of the
+/// core channel's, or parameters are missing.
+std::variant<CoreCall, wire::RpcOutcome> decodedCoreCall(const wire::RpcCall &call);
 
 } // namespace server

@@ -3,20 +3,23 @@
 #include "visa/wire/Vxi11.h"
 #include "visa/wire/Xdr.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace server {
 
 using namespace wire::vxi11;
+using simulator::Device;
+using simulator::MessageExchange;
 using wire::RpcOutcome;
 using wire::xdrWords;
+using Answer = CoreChannel::Answer;
 
 namespace {
 
 constexpr std::size_t callLimit = 1 << 20; // bytes
 constexpr std::uint32_t receiveSize = 65536;
-constexpr int linksPerDevice = 16; // as hardware has them
-constexpr int retryInterval = 1;   // ms
+constexpr int clientsPerDevice = 16; // as hardware has them
 
 /// The results of a procedure that failed, whose other words are there, too (VXI-11 1.0, C.1).
 std::string error(Error code, std::uint32_t procedure)
@@ -35,102 +38,131 @@ std::string error(Error code, std::uint32_t procedure)
     }
 }
 
-bool isOver(Clock::time_point until)
+/// The answer to a call while others have locked the device; nothing when they have not.
+std::optional<Answer> answerIfLocked(const CoreCall &call, const Device &device,
+                                     const MessageExchange *client, Clock::time_point began)
 {
-    return Clock::now() >= until;
+    const Clock::time_point now = Clock::now();
+    const Clock::time_point freeAt = device.freeAt(client);
+    if (now >= freeAt) {
+        return std::nullopt;
+    }
+    const bool waits = (call.flags & WaitLock) != 0;
+    const Clock::time_point until = waits ? device.timeOut(began, call.lockTimeout) : began;
+    if (now < until) {
+        return std::min(freeAt, until);
+    }
+    return error(LockedByAnother, call.procedure);
 }
 
-/// Whether the call's link has to do without the device, which is locked.
-bool isLockedOut(const Device &device, const void *link)
+Answer read(const CoreCall &call, MessageExchange &client, Clock::time_point began)
 {
-    const bool isLocked = device.lockHolder != nullptr && device.lockHolder != link;
-    return isLocked || !isOver(device.faults.busyUntil);
+    const Clock::time_point until = client.device.timeOut(began, call.ioTimeout);
+    const Clock::time_point retryAt = std::min(client.answerAt(), until);
+    if (Clock::now() < retryAt) {
+        return retryAt;
+    }
+    std::optional<char> termination;
+    if ((call.flags & TermCharSet) != 0) {
+        termination = static_cast<char>(call.terminator);
+    }
+    const auto part = client.read(call.requestSize, termination);
+    if (!part) {
+        return error(IoTimeout, DeviceRead);
+    }
+    const bool isTerminated =
+        termination && !part->bytes.empty() && part->bytes.back() == termination;
+    const std::uint32_t reason = (part->isLast ? EndIndicator : 0U) |
+                                 (isTerminated ? TermChar : 0U) |
+                                 (part->bytes.size() == call.requestSize ? RequestCount : 0U);
+    return xdrWords({None, reason}) + wire::xdrOpaque(part->bytes);
 }
 
-/// Until when a call waits for another's lock.
-Clock::time_point lockTimeOut(const CoreCall &call, const Device &device, Clock::time_point began)
+/// Answer a call to a device that no other client has locked.
+Answer answerOn(MessageExchange &client, const CoreCall &call, Clock::time_point began)
 {
-    return (call.flags & WaitLock) != 0 ? device.timeOut(began, call.lockTimeout) : began;
+    switch (call.procedure) {
+    case DeviceWrite:
+        client.write(call.data, (call.flags & End) != 0);
+        return xdrWords({None, static_cast<std::uint32_t>(call.data.size())});
+    case DeviceRead:
+        return read(call, client, began);
+    case DeviceReadStb:
+        return xdrWords({None, client.statusByte()});
+    case DeviceTrigger:
+        client.trigger();
+        break;
+    case DeviceClear:
+        client.clear();
+        break;
+    case DeviceLock:
+        client.lock();
+        break;
+    case DeviceUnlock:
+        return error(client.unlock() ? None : NoLockHeld, DeviceUnlock);
+    default: // DeviceRemote and DeviceLocal: there is no front panel
+        break;
+    }
+    return error(None, call.procedure);
 }
 
 } // namespace
 
-CoreChannel::CoreChannel(QTcpSocket *socket, Laboratory &laboratory, Device *device)
-    : QObject(socket), socket(socket), laboratory(laboratory), ownDevice(device), reader(callLimit)
+CoreChannel::CoreChannel(QTcpSocket *socket, SharedBench &shared, Devices numbered)
+    : RpcConnection(socket, callLimit), shared(shared), numbered(std::move(numbered))
 {
-    socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    retry.setTimerType(Qt::PreciseTimer);
-    connect(&retry, &QTimer::timeout, this, &CoreChannel::serve);
-    connect(socket, &QTcpSocket::readyRead, this, &CoreChannel::serve);
-    connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+    connect(&shared.changed, &QTimer::timeout, this, &CoreChannel::serve);
 }
 
 CoreChannel::~CoreChannel()
 {
-    while (!links.empty()) {
-        destroyLink(links.begin()->first);
-    }
+    shared.changed.start(); // its locks go
 }
 
-void CoreChannel::serve()
+bool CoreChannel::serveNext()
 {
-    for (;;) {
-        if (!waiting) {
-            const wire::RecordReader::State state = reader.read([this](char *to, std::size_t size) {
-                return socket->read(to, static_cast<qint64>(size));
-            });
-            if (state == wire::RecordReader::State::Incomplete) {
-                return;
-            }
-            if (state == wire::RecordReader::State::TooLong) {
-                socket->abort();
-                return;
-            }
-            waiting = reader.take();
-            waitingSince = Clock::now();
-        }
-        const auto call = wire::decodedCall(*waiting);
-        if (!call) {
-            socket->abort();
-            return;
-        }
-        const auto reply = answer(*call, waitingSince);
-        if (!reply) {
-            retry.start(retryInterval);
-            return;
-        }
-        retry.stop();
-        waiting.reset();
-        const std::string record = wire::asRecord(*reply);
-        socket->write(record.data(), static_cast<qint64>(record.size()));
-        socket->flush();
+    if (!pending) {
+        return takeCall();
     }
+    const Answer answered = answer(*pending, pendingSince);
+    if (const auto *retryAt = std::get_if<Clock::time_point>(&answered)) {
+        serveAt(*retryAt);
+        return false;
+    }
+    pending.reset();
+    send(wire::encodedReply(xid, RpcOutcome::Success, std::get<std::string>(answered)));
+    shared.changed.start();
+    return true;
 }
 
-std::optional<std::string> CoreChannel::answer(const wire::RpcCall &call, Clock::time_point began)
+/// Take the next call; one that is none of the core channel's is refused at once. Returns false
+/// when there is no call.
+bool CoreChannel::takeCall()
 {
-    const wire::RpcProcedure &what = call.procedure;
-    if (what.program != coreProgram) {
-        return wire::encodedReply(call.xid, RpcOutcome::ProgramUnavailable);
+    std::optional<std::string> next = takeRecord();
+    if (!next) {
+        return false;
     }
-    if (what.version != coreVersion) {
-        return wire::encodedReply(call.xid, RpcOutcome::ProgramMismatch,
-                                  xdrWords({coreVersion, coreVersion}));
+    record = std::move(*next);
+    const auto call = wire::decodedCall(record);
+    if (!call) {
+        socket->abort();
+        return false;
     }
-    if (what.procedure != Null &&
-        (what.procedure < CreateLink || what.procedure > DestroyInterruptChannel)) {
-        return wire::encodedReply(call.xid, RpcOutcome::ProcedureUnavailable);
+    xid = call->xid;
+    const auto decoded = decodedCoreCall(*call);
+    if (const auto *outcome = std::get_if<RpcOutcome>(&decoded)) {
+        const bool isMismatch = *outcome == RpcOutcome::ProgramMismatch;
+        send(wire::encodedReply(xid, *outcome,
+                                isMismatch ? xdrWords({coreVersion, coreVersion}) : ""));
+        return true;
     }
-    const auto core = decodedCoreCall(call);
-    if (!core) {
-        return wire::encodedReply(call.xid, RpcOutcome::GarbageArguments);
-    }
-    const Results answered = results(*core, began);
-    return answered ? std::optional(wire::encodedReply(call.xid, RpcOutcome::Success, *answered))
-                    : std::nullopt;
+    pending = std::get<CoreCall>(decoded);
+    pendingSince = Clock::now();
+    return true;
 }
 
-CoreChannel::Results CoreChannel::results(const CoreCall &call, Clock::time_point began)
+Answer CoreChannel::answer(const CoreCall &call, Clock::time_point began)
 {
     switch (call.procedure) {
     case Null:
@@ -138,7 +170,7 @@ CoreChannel::Results CoreChannel::results(const CoreCall &call, Clock::time_poin
     case CreateLink:
         return createLink(call, began);
     case DestroyLink:
-        return destroyLink(call.link);
+        return error(links.erase(call.link) == 1 ? None : InvalidLink, DestroyLink);
     case DeviceWrite:
     case DeviceRead:
     case DeviceReadStb:
@@ -156,118 +188,45 @@ CoreChannel::Results CoreChannel::results(const CoreCall &call, Clock::time_poin
     if (found == links.end()) {
         return error(InvalidLink, call.procedure);
     }
-    Link &link = *found->second;
-    if (std::exchange(link.device.faults.connectionLost, false)) {
+    MessageExchange &client = *found->second;
+    if (std::exchange(client.device.faults.connectionLost, false)) {
         socket->abort();
-        return std::nullopt;
+        return simulator::never;
     }
-    if (call.procedure != DeviceUnlock && isLockedOut(link.device, &link)) {
-        return isOver(lockTimeOut(call, link.device, began))
-                   ? Results(error(LockedByAnother, call.procedure))
-                   : std::nullopt;
-    }
-    return linkResults(call, link, began);
+    const auto locked = answerIfLocked(call, client.device, &client, began);
+    return locked && call.procedure != DeviceUnlock ? *locked : answerOn(client, call, began);
 }
 
-CoreChannel::Results CoreChannel::createLink(const CoreCall &call, Clock::time_point began)
+Device *CoreChannel::find(std::string_view name) const
 {
-    const bool isOwn = simulator::upperCase(call.data) == "INST0";
-    Device *device = isOwn ? ownDevice : laboratory.find(std::string(call.data));
+    for (std::size_t i = 0; i < numbered.size(); ++i) {
+        if (simulator::upperCase(name) == "INST" + std::to_string(i)) {
+            return numbered[i];
+        }
+    }
+    return shared.bench.find(name);
+}
+
+Answer CoreChannel::createLink(const CoreCall &call, Clock::time_point began)
+{
+    Device *device = find(call.data);
     if (device == nullptr) {
         return error(NotAccessible, CreateLink);
     }
-    if (device->links == linksPerDevice) {
+    if (device->clients >= clientsPerDevice) {
         return error(OutOfResources, CreateLink);
     }
-    if (call.lockDevice && isLockedOut(*device, nullptr)) {
-        return isOver(lockTimeOut(call, *device, began))
-                   ? Results(error(LockedByAnother, CreateLink))
-                   : std::nullopt;
+    const auto locked = answerIfLocked(call, *device, nullptr, began);
+    if (locked && call.lockDevice) {
+        return *locked;
     }
-    const std::uint32_t id = laboratory.nextLink++;
-    links[id] = std::make_unique<Link>(*device);
-    ++device->links;
+    const std::uint32_t id = shared.nextLink++;
+    links[id] = std::make_unique<MessageExchange>(*device);
     if (call.lockDevice) {
-        device->lockHolder = links[id].get();
+        links[id]->lock();
     }
     const std::uint32_t abortPort = 0; // nothing here takes long enough to be aborted
     return xdrWords({None, id, abortPort, receiveSize});
-}
-
-std::string CoreChannel::destroyLink(std::uint32_t id)
-{
-    const auto link = links.find(id);
-    if (link == links.end()) {
-        return error(InvalidLink, DestroyLink);
-    }
-    Device &device = link->second->device;
-    --device.links;
-    if (device.lockHolder == link->second.get()) {
-        device.lockHolder = nullptr;
-    }
-    links.erase(link);
-    return error(None, DestroyLink);
-}
-
-CoreChannel::Results CoreChannel::linkResults(const CoreCall &call, Link &link,
-                                              Clock::time_point began)
-{
-    Device &device = link.device;
-    switch (call.procedure) {
-    case DeviceWrite:
-        device.write(link.client, call.data, (call.flags & End) != 0);
-        return xdrWords({None, static_cast<std::uint32_t>(call.data.size())});
-    case DeviceRead:
-        return read(call, link, device.timeOut(began, call.ioTimeout));
-    case DeviceReadStb:
-        return xdrWords({None, device.statusByte(link.client)});
-    case DeviceTrigger:
-        device.trigger(link.client);
-        break;
-    case DeviceClear:
-        device.clear(link.client);
-        break;
-    case DeviceRemote:
-        link.client.setRemote(true);
-        break;
-    case DeviceLocal:
-        link.client.setRemote(false);
-        break;
-    case DeviceLock:
-        device.lockHolder = &link;
-        break;
-    default: // DeviceUnlock
-        if (device.lockHolder != &link) {
-            return error(NoLockHeld, DeviceUnlock);
-        }
-        device.lockHolder = nullptr;
-    }
-    return error(None, call.procedure);
-}
-
-CoreChannel::Results CoreChannel::read(const CoreCall &call, Link &link, Clock::time_point until)
-{
-    const bool hasAnswer = link.client.hasAnswer();
-    if (!link.device.isReady() || !hasAnswer) {
-        if (!isOver(until)) {
-            return std::nullopt;
-        }
-        if (!hasAnswer) {
-            link.device.read(link.client, call.requestSize, {}); // which is the client's error
-        }
-        return error(IoTimeout, DeviceRead);
-    }
-    std::optional<char> termination;
-    if ((call.flags & TermCharSet) != 0) {
-        termination = static_cast<char>(call.terminator);
-    }
-    const Device::Part part = link.device.read(link.client, call.requestSize, termination);
-    const bool isTerminated =
-        termination && !part.bytes.empty() && part.bytes.back() == termination;
-    const std::uint32_t reason = (part.isLast ? EndIndicator : 0U) |
-                                 (isTerminated ? TermChar : 0U) |
-                                 (part.bytes.size() == call.requestSize ? RequestCount : 0U);
-    return xdrWords({None, reason}) + wire::xdrOpaque(part.bytes);
 }
 
 } // namespace server

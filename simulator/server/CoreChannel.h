@@ -1,58 +1,49 @@
 #pragma once
 
+#include "simulator/MessageExchange.h"
+#include "simulator/server/Connection.h"
 #include "simulator/server/CoreCall.h"
-#include "simulator/server/Laboratory.h"
-#include "visa/wire/RpcMessage.h"
-
-#include <QObject>
-#include <QTcpSocket>
-#include <QTimer>
 
 #include <map>
 #include <memory>
 #include <optional>
+#include <string>
+#include <variant>
+#include <vector>
 
 namespace server {
 
 /// One client's connection to the core channel (VXI-11 1.0, B.6), with its links. It answers one
-/// call after the other, and deletes itself when the client has gone.
-class CoreChannel : public QObject
+/// call after the other.
+class CoreChannel : public RpcConnection
 {
     Q_OBJECT
 
 public:
-    /// Serve a connection to the host where this device is "inst0"; null where none is.
-    CoreChannel(QTcpSocket *socket, Laboratory &laboratory, Device *device);
+    using Devices = std::vector<simulator::Device *>;
+
+    /// Serve a connection to a host whose devices are "inst0", "inst1" and so on in this order.
+    CoreChannel(QTcpSocket *socket, SharedBench &shared, Devices numbered);
     ~CoreChannel() override;
 
-    /// Answer a call, also with an error; nothing while it is to wait. `began` is when it came.
-    std::optional<std::string> answer(const wire::RpcCall &call, Clock::time_point began);
+    /// The results of a call, or the instant at which it is to be tried again.
+    using Answer = std::variant<std::string, Clock::time_point>;
+    /// Try to answer a call that came when it began.
+    Answer answer(const CoreCall &call, Clock::time_point began);
 
 private:
-    struct Link
-    {
-        explicit Link(Device &device) : device(device), client(device.instrument) {}
-        Device &device;
-        simulator::Client client;
-    };
-    /// What a call answers; nothing while it is to wait.
-    using Results = std::optional<std::string>;
+    bool serveNext() override;
+    bool takeCall();
+    [[nodiscard]] simulator::Device *find(std::string_view name) const;
+    Answer createLink(const CoreCall &call, Clock::time_point began);
 
-    void serve();
-    Results results(const CoreCall &call, Clock::time_point began);
-    Results createLink(const CoreCall &call, Clock::time_point began);
-    std::string destroyLink(std::uint32_t id);
-    static Results linkResults(const CoreCall &call, Link &link, Clock::time_point began);
-    static Results read(const CoreCall &call, Link &link, Clock::time_point until);
-
-    QTcpSocket *socket;
-    Laboratory &laboratory;
-    Device *ownDevice;
-    wire::RecordReader reader;
-    QTimer retry;
-    std::optional<std::string> waiting; // a call
-    Clock::time_point waitingSince;
-    std::map<std::uint32_t, std::unique_ptr<Link>> links;
+    SharedBench &shared;
+    Devices numbered;
+    std::string record; // of the call
+    std::uint32_t xid = 0;
+    std::optional<CoreCall> pending; // the call that is not answered yet
+    Clock::time_point pendingSince;
+    std::map<std::uint32_t, std::unique_ptr<simulator::MessageExchange>> links;
 };
 
 } // namespace server

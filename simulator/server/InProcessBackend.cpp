@@ -1,6 +1,6 @@
 #include "simulator/server/InProcessBackend.h"
 
-#include "simulator/Client.h"
+#include "simulator/MessageExchange.h"
 #include "visa/Link.h"
 #include "visa/ResourceName.h"
 
@@ -10,38 +10,44 @@
 
 namespace {
 
-/// The bench, which takes one call at a time, and who has locked which instrument.
-struct Laboratory
+using simulator::Clock;
+using simulator::MessageExchange;
+
+/// The bench of the process, on which nothing takes time. Whoever uses it holds the mutex.
+struct SharedBench
 {
     simulator::Bench bench;
     std::mutex mutex;
     std::condition_variable unlocked;
-    std::map<const simulator::Instrument *, const visa::Link *> holders;
 };
 
-Laboratory &laboratory()
+SharedBench &shared()
 {
     // Never destroyed: other threads may use it until the process has ended.
-    static Laboratory &laboratory = *new Laboratory;
-    return laboratory;
+    static SharedBench &shared = *new SharedBench;
+    return shared;
 }
 
-/// Nothing takes any time here: a read without an answer fails at once.
 class InProcessLink : public visa::Link
 {
 public:
-    explicit InProcessLink(simulator::Instrument &instrument)
-        : instrument(instrument), client(instrument)
+    explicit InProcessLink(simulator::Device &device) : device(device)
     {
+        const std::lock_guard guard(shared().mutex);
+        exchange.emplace(device);
     }
-    ~InProcessLink() override { release(); }
+    ~InProcessLink() override
+    {
+        const std::lock_guard guard(shared().mutex);
+        leave();
+    }
 
     ViStatus write(const ViByte *bytes, std::size_t count, bool end, visa::Deadline /*deadline*/,
                    std::size_t *written) override
     {
         *written = 0;
         return use([&] {
-            client.write({reinterpret_cast<const char *>(bytes), count}, end);
+            exchange->write({reinterpret_cast<const char *>(bytes), count}, end);
             *written = count;
         });
     }
@@ -50,17 +56,19 @@ public:
                            visa::Deadline /*deadline*/) override
     {
         visa::ReadOutcome outcome;
-        std::optional<simulator::Client::Part> part;
+        std::optional<MessageExchange::Part> part;
         outcome.status = use([&] {
-            part = client.read(count, termination);
+            part = exchange->read(count, termination);
             if (part) {
-                outcome.count =
-                    std::size_t(std::copy(part->bytes.begin(), part->bytes.end(), buffer) - buffer);
+                std::copy(part->bytes.begin(), part->bytes.end(), buffer);
             }
         });
-        if (outcome.status != VI_SUCCESS || !part) {
+        if (!part) {
             outcome.status = outcome.status != VI_SUCCESS ? outcome.status : VI_ERROR_TMO;
-        } else if (part->isLast) {
+            return outcome;
+        }
+        outcome.count = part->bytes.size();
+        if (part->isLast) {
             outcome.end = visa::ReadEnd::End;
         } else if (termination && buffer[outcome.count - 1] == *termination) {
             outcome.end = visa::ReadEnd::TerminationCharacter;
@@ -70,74 +78,79 @@ public:
 
     ViStatus clear(visa::Deadline /*deadline*/) override
     {
-        return use([&] { client.clear(); });
+        return use([&] { exchange->clear(); });
     }
 
     ViStatus trigger(visa::Deadline /*deadline*/) override
     {
-        return use([&] { client.trigger(); });
+        return use([&] { exchange->trigger(); });
     }
 
     ViStatus readStatusByte(visa::Deadline /*deadline*/, ViUInt8 *statusByte) override
     {
-        return use([&] { *statusByte = client.statusByte(); });
+        return use([&] { *statusByte = exchange->statusByte(); });
     }
 
-    /// The modes of VPP-4.3, table 6.5.1: 0, 2 and 6 let the instrument go local. 1 and 4 only
-    /// assert REN, and an instrument turns remote when it is addressed, not before.
-    ViStatus controlRemote(ViUInt16 mode, visa::Deadline /*deadline*/) override
+    /// The instruments have no front panel that remote control would lock.
+    ViStatus controlRemote(ViUInt16 /*mode*/, visa::Deadline /*deadline*/) override
     {
-        return use([&] {
-            if (mode != 1 && mode != 4) {
-                client.setRemote(mode == 3 || mode == 5);
-            }
-        });
+        return use([] {});
     }
 
     ViStatus lock(visa::Deadline deadline) override
     {
-        std::unique_lock lock(laboratory().mutex);
-        const auto isFree = [this] { return laboratory().holders.count(&instrument) == 0; };
-        if (!laboratory().unlocked.wait_until(lock, deadline, isFree)) {
-            return VI_ERROR_TMO;
+        std::unique_lock guard(shared().mutex);
+        while (exchange && Clock::now() < exchange->freeAt()) {
+            if (Clock::now() >= deadline) {
+                return VI_ERROR_TMO;
+            }
+            shared().unlocked.wait_until(guard, std::min(deadline, exchange->freeAt()));
         }
-        laboratory().holders[&instrument] = this;
+        if (!exchange) {
+            return VI_ERROR_CONN_LOST;
+        }
+        exchange->lock();
         return VI_SUCCESS;
     }
 
     ViStatus unlock(visa::Deadline /*deadline*/) override
     {
-        release();
+        const std::lock_guard guard(shared().mutex);
+        if (exchange && exchange->unlock()) {
+            shared().unlocked.notify_all();
+        }
         return VI_SUCCESS;
     }
 
     [[nodiscard]] std::string address() const override { return "127.0.0.1"; }
 
 private:
+    /// Carry out a call, unless the connection is lost or others have locked the device.
     template <typename Body>
     ViStatus use(Body body)
     {
-        const std::lock_guard lock(laboratory().mutex);
-        const auto holder = laboratory().holders.find(&instrument);
-        if (holder != laboratory().holders.end() && holder->second != this) {
+        const std::lock_guard guard(shared().mutex);
+        if (std::exchange(device.faults.connectionLost, false)) {
+            leave();
+        }
+        if (!exchange) {
+            return VI_ERROR_CONN_LOST;
+        }
+        if (Clock::now() < exchange->freeAt()) {
             return VI_ERROR_RSRC_LOCKED;
         }
         body();
         return VI_SUCCESS;
     }
 
-    void release()
+    void leave()
     {
-        const std::lock_guard lock(laboratory().mutex);
-        const auto holder = laboratory().holders.find(&instrument);
-        if (holder != laboratory().holders.end() && holder->second == this) {
-            laboratory().holders.erase(holder);
-            laboratory().unlocked.notify_all();
-        }
+        exchange.reset();
+        shared().unlocked.notify_all();
     }
 
-    simulator::Instrument &instrument;
-    simulator::Client client;
+    simulator::Device &device;
+    std::optional<MessageExchange> exchange; // none once the connection is lost
 };
 
 class InProcessBackend : public visa::Backend
@@ -146,21 +159,20 @@ public:
     ViStatus open(const visa::ResourceName &name, visa::Deadline /*deadline*/,
                   std::unique_ptr<visa::Link> *link) override
     {
-        simulator::Instrument *instrument = simulator::upperCase(name.device) == "INST0"
-                                                ? laboratory().bench.find(name.host)
-                                                : nullptr;
-        if (instrument == nullptr) {
+        simulator::Device *device =
+            simulator::upperCase(name.device) == "INST0" ? shared().bench.find(name.host) : nullptr;
+        if (device == nullptr) {
             return VI_ERROR_RSRC_NFOUND;
         }
-        *link = std::make_unique<InProcessLink>(*instrument);
+        *link = std::make_unique<InProcessLink>(*device);
         return VI_SUCCESS;
     }
 
     std::vector<std::string> list() override
     {
         std::vector<std::string> names;
-        for (const std::string &host : laboratory().bench.hosts()) {
-            names.push_back("TCPIP0::" + host + "::inst0::INSTR");
+        for (const auto &device : shared().bench.devices()) {
+            names.push_back("TCPIP0::" + device->name + "::inst0::INSTR");
         }
         return names;
     }
@@ -170,7 +182,7 @@ public:
 
 simulator::Bench &bench()
 {
-    return laboratory().bench;
+    return shared().bench;
 }
 
 visa::Backend &visa::backend()

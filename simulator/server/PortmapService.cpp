@@ -8,6 +8,7 @@ namespace server {
 
 namespace {
 
+constexpr std::size_t callLimit = 1024; // bytes
 constexpr std::uint32_t nullProcedure = 0;
 constexpr std::uint32_t dumpProcedure = 4;
 
@@ -47,8 +48,27 @@ std::string portmapAnswer(const wire::RpcCall &call, std::uint16_t corePort)
     default:
         return encodedReply(call.xid, RpcOutcome::ProcedureUnavailable);
     }
-    return from.isOk() ? encodedReply(call.xid, RpcOutcome::Success, results)
-                       : encodedReply(call.xid, RpcOutcome::GarbageArguments);
+    if (!from.isOk()) {
+        return encodedReply(call.xid, RpcOutcome::GarbageArguments);
+    }
+    return encodedReply(call.xid, RpcOutcome::Success, results);
+}
+
+PortmapConnection::PortmapConnection(QTcpSocket *socket, std::uint16_t corePort)
+    : RpcConnection(socket, callLimit), corePort(corePort)
+{
+}
+
+bool PortmapConnection::serveNext()
+{
+    const std::optional<std::string> record = takeRecord();
+    if (!record) {
+        return false;
+    }
+    if (const auto call = wire::decodedCall(*record)) {
+        send(portmapAnswer(*call, corePort));
+    }
+    return true;
 }
 
 } // namespace server

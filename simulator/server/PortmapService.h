@@ -1,11 +1,25 @@
 #pragma once
 
-#include "visa/wire/RpcMessage.h"
+#include "simulator/server/Connection.h"
 
 namespace server {
 
 /// Answer a call to the portmapper (RFC 1833, version 2) of a host whose only program is VXI-11's
 /// core channel at this TCP port. Clients ask for versions 3 and 4 first.
 std::string portmapAnswer(const wire::RpcCall &call, std::uint16_t corePort);
+
+/// One client's connection to the portmapper.
+class PortmapConnection : public RpcConnection
+{
+    Q_OBJECT
+
+public:
+    PortmapConnection(QTcpSocket *socket, std::uint16_t corePort);
+
+private:
+    bool serveNext() override;
+
+    std::uint16_t corePort;
+};
 
 } // namespace server

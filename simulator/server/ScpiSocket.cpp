@@ -8,43 +8,38 @@ namespace server {
 namespace {
 
 constexpr qint64 pieceSize = 65536; // bytes
-constexpr int retryInterval = 1;    // ms
 
 } // namespace
 
-ScpiSocket::ScpiSocket(QTcpSocket *socket, Device &device)
-    : QObject(socket), socket(socket), device(device), client(device.instrument)
+ScpiSocket::ScpiSocket(QTcpSocket *socket, SharedBench &shared, simulator::Device &device)
+    : Connection(socket, pieceSize), shared(shared), exchange(device)
 {
-    socket->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    retry.setTimerType(Qt::PreciseTimer);
-    connect(&retry, &QTimer::timeout, this, &ScpiSocket::serve);
-    connect(socket, &QTcpSocket::readyRead, this, &ScpiSocket::serve);
-    connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+    connect(&shared.changed, &QTimer::timeout, this, &ScpiSocket::serve);
 }
 
-void ScpiSocket::serve()
+bool ScpiSocket::serveNext()
 {
-    for (;;) {
-        if (client.hasAnswer()) { // which leaves before the next line is looked at
-            if (!device.isReady()) {
-                retry.start(retryInterval);
-                return;
-            }
-            if (std::exchange(device.faults.connectionLost, false)) {
-                socket->abort();
-                return;
-            }
-            const Device::Part part =
-                device.read(client, std::numeric_limits<std::size_t>::max(), {});
-            socket->write(part.bytes.data(), static_cast<qint64>(part.bytes.size()));
-        }
-        retry.stop();
+    if (!exchange.hasAnswer()) {
         const QByteArray line = socket->readLine(pieceSize);
         if (line.isEmpty()) {
-            return;
+            return false;
         }
-        device.write(client, {line.constData(), static_cast<std::size_t>(line.size())}, false);
+        exchange.write({line.constData(), static_cast<std::size_t>(line.size())}, false);
+        shared.changed.start();
+        return true;
     }
+    // The answer leaves before the next line is looked at.
+    if (Clock::now() < exchange.answerAt()) {
+        serveAt(exchange.answerAt());
+        return false;
+    }
+    if (std::exchange(exchange.device.faults.connectionLost, false)) {
+        socket->abort();
+        return false;
+    }
+    const auto part = exchange.read(std::numeric_limits<std::size_t>::max(), {});
+    socket->write(part->bytes.data(), static_cast<qint64>(part->bytes.size()));
+    return true;
 }
 
 } // namespace server

@@ -1,29 +1,23 @@
 #pragma once
 
-#include "simulator/server/Device.h"
-
-#include <QObject>
-#include <QTcpSocket>
-#include <QTimer>
+#include "simulator/MessageExchange.h"
+#include "simulator/server/Connection.h"
 
 namespace server {
 
-/// One client's connection to a raw socket of an instrument: lines of SCPI in, answers out. It
-/// deletes itself when the client has gone.
-class ScpiSocket : public QObject
+/// One client's connection to a raw socket of an instrument: lines of SCPI in, answers out.
+class ScpiSocket : public Connection
 {
     Q_OBJECT
 
 public:
-    ScpiSocket(QTcpSocket *socket, Device &device);
+    ScpiSocket(QTcpSocket *socket, SharedBench &shared, simulator::Device &device);
 
 private:
-    void serve();
+    bool serveNext() override;
 
-    QTcpSocket *socket;
-    Device &device;
-    simulator::Client client;
-    QTimer retry;
+    SharedBench &shared;
+    simulator::MessageExchange exchange;
 };
 
 } // namespace server

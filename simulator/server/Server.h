@@ -1,9 +1,8 @@
 #pragma once
 
-#include "simulator/server/Laboratory.h"
+#include "simulator/server/CoreChannel.h"
 
 #include <QHostAddress>
-#include <QObject>
 #include <QStringList>
 
 class QTcpServer;
@@ -16,41 +15,38 @@ struct ServerOptions
     QHostAddress address{QHostAddress::LocalHost}; ///< IPv4, as resource strings have no other
     quint16 scpiPort = 5025;                       ///< of the first raw socket; 0: any
     bool hasPortmapper = true;
-    quint16 mapperPort = 111;
     double timeScale = 1.0;
 };
 
-/// Serves every instrument of the bench by VXI-11 and as a raw socket. On loopback each has an
-/// address of its own, counted from the one after that of the options, since VXI-11 clients ask
-/// for "inst0"; elsewhere they share the address and go by their names.
-class Server : public QObject
+/// Serves every instrument of the bench by VXI-11 and as a raw socket. On loopback each is the only
+/// one at an address of its own, counted from the one after that of the options in the order of
+/// their names. Elsewhere they share the address, as "inst0" to "inst5" and with consecutive ports,
+/// in the handbook's order.
+class Server
 {
-    Q_OBJECT
-
 public:
     explicit Server(const ServerOptions &options);
 
-    /// Listen. Returns why that failed, or nothing.
+    /// Listen. Returns why that failed and what may help, or nothing.
     QString start();
 
-    /// Its name and the resource strings by which it can be reached, for each instrument.
+    /// Returns the names of the instruments and the resource strings by which they can be reached,
+    /// a line for each instrument and address.
     [[nodiscard]] QStringList resources() const { return listening; }
 
-    /// Tell whether a failure to listen was for want of a privilege.
-    [[nodiscard]] bool isUnprivileged() const { return unprivileged; }
-
 private:
-    QString startHost(const QHostAddress &address, Device *device);
-    QString startScpi(const QHostAddress &address, quint16 port, Device &device,
+    QString startOnLoopback();
+    QString startAtOneAddress();
+    QString startVxi11(const QHostAddress &address, const CoreChannel::Devices &numbered);
+    QString startScpi(const QHostAddress &address, quint16 port, simulator::Device &device,
                       quint16 *listeningPort);
-    QString listen(QTcpServer *server, const QHostAddress &address, quint16 port);
-    QString failure(const QHostAddress &address, quint16 port, const QString &reason,
-                    bool isRefused);
+    void addResource(const QHostAddress &address, const simulator::Device &device,
+                     std::size_t number, quint16 scpiPort);
 
     ServerOptions options;
-    Laboratory laboratory;
+    SharedBench shared;
+    QObject sockets; // the parent of all, which need the bench when they go
     QStringList listening;
-    bool unprivileged = false;
 };
 
 } // namespace server

@@ -10,13 +10,14 @@ namespace {
 std::optional<server::ServerOptions> optionsOf(const QCoreApplication &application)
 {
     const server::ServerOptions usual;
-    const QCommandLineOption address(
-        "address",
-        "Listen there. On loopback every instrument has an address of its own, counted from this "
-        "one on; elsewhere they share it, and are VXI-11 devices by their names.",
-        "address", usual.address.toString());
-    const QCommandLineOption port("port", "First port of the raw SCPI sockets; 0: any.", "port",
-                                  QString::number(usual.scpiPort));
+    const QCommandLineOption address("address",
+                                     "Listen there. On loopback every instrument has an address of "
+                                     "its own, counted from the one "
+                                     "after this; elsewhere they share it, as inst0 to inst5.",
+                                     "address", usual.address.toString());
+    const QCommandLineOption port(
+        "port", "Port of the raw SCPI sockets, at a shared address the first of six; 0: any.",
+        "port", QString::number(usual.scpiPort));
     const QCommandLineOption noPortmapper("no-portmapper",
                                           "Do without port 111, and so without VXI-11 clients.");
     const QCommandLineOption timeScale(
@@ -61,21 +62,13 @@ int main(int argc, char *argv[])
     const QString error = server.start();
     if (!error.isEmpty()) {
         err << error << "\n";
-        if (server.isUnprivileged()) {
-            err << "VXI-11 clients ask at port 111, which needs a privilege: type 'sudo setcap "
-                   "cap_net_bind_service=+ep "
-                << QCoreApplication::applicationFilePath()
-                << "' once, or have a network of your own by 'unshare --user --map-root-user --net "
-                   "sh -c \"ip link set lo up; exec $SHELL\"' and start this and its clients "
-                   "there.\n";
-        }
         return 1;
     }
     out << server.resources().join("\n") << "\n"
         << "Any of them answers BENCH:EVENT? with the truth of the last event.\n";
     if (!options->address.isLoopback()) {
-        out << "Whoever reaches " << options->address.toString()
-            << " can use the bench: VXI-11 has neither passwords nor encryption.\n";
+        out << "Whoever reaches the address can use the bench: VXI-11 has neither passwords nor "
+               "encryption.\n";
     }
     out.flush();
     return QCoreApplication::exec();

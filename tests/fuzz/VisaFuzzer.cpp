@@ -72,10 +72,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     ViSession manager = 0;
     viOpenDefaultRM(&manager);
     std::deque<ViObject> handles = {manager};
-    for (const std::string &host : bench().hosts()) {
+    for (const auto &device : bench().devices()) {
         ViSession session = 0;
-        bench().find(host)->execute("*RST;*CLS"); // the same settings for every input
-        viOpen(manager, ("TCPIP::" + host).c_str(), VI_NO_LOCK, 0, &session);
+        device->instrument->execute("*RST;*CLS;BENCH:FAULT NONE"); // the same for every input
+        viOpen(manager, ("TCPIP::" + device->name).c_str(), VI_NO_LOCK, 0, &session);
         handles.push_back(session);
     }
     while (input.remaining_bytes() > 0 && handles.size() < 16) {

@@ -2,11 +2,13 @@
 instrument that is not ours; in a network of this process alone.
 Usage: network_test.py ORVANTABENCH INSTRUMENT-SERVER [LIBORVANTA-VISA]"""
 
+import itertools
 import re
 import socket
 import struct
 import subprocess
 import sys
+import threading
 import unittest
 
 import numpy
@@ -18,14 +20,22 @@ FOREIGN_ADDRESS = "127.0.1.1"
 places = {}  # addresses of the instruments, by their names
 
 
+def ip(arguments):
+    subprocess.run(["ip", *arguments.split()], check=True)
+
+
+def start(add_cleanup, *command):
+    """Start a server, and return the lines that it prints about its instruments."""
+    server = subprocess.Popen(command, stdout=subprocess.PIPE, text=True)
+    add_cleanup(lambda: (server.kill(), server.communicate()))
+    lines = iter(server.stdout.readline, "Listening\n")
+    return list(itertools.takewhile(lambda line: line and "BENCH:EVENT?" not in line, lines))
+
+
 def setUpModule():
-    subprocess.run(["ip", "link", "set", "lo", "up"], check=True)
+    ip("link set lo up")
     for command in [BENCH], [INSTRUMENT, FOREIGN_ADDRESS]:
-        server = subprocess.Popen(command, stdout=subprocess.PIPE, text=True)
-        unittest.addModuleCleanup(lambda server=server: (server.kill(), server.communicate()))
-        for line in iter(server.stdout.readline, "Listening\n"):
-            if "BENCH:EVENT?" in line:
-                break
+        for line in start(unittest.addModuleCleanup, *command):
             name, address = re.match(r"(.+): TCPIP0::(.+?)::inst0::INSTR", line).groups()
             places[name] = address
 
@@ -42,6 +52,14 @@ class NetworkTest(unittest.TestCase):
         self.addCleanup(opened.close)
         return opened
 
+    def connect(self, address, port=5025):
+        """Connect to a raw socket, and return it with a reader of its lines."""
+        connection = socket.create_connection((address, port), timeout=60)
+        self.addCleanup(connection.close)
+        answers = connection.makefile("rb")
+        self.addCleanup(answers.close)
+        return connection, answers
+
     def assert_fails(self, status, call, *arguments):
         with self.assertRaises(pyvisa.VisaIOError) as caught:
             call(*arguments)
@@ -54,6 +72,57 @@ class NetworkTest(unittest.TestCase):
                 self.assertRegex(subprocess.check_output(command, text=True), "^Varnholt,", name)
         command = ["lxi", "benchmark", "--count", "500", "--address", address]
         self.assertIn("requests/second", subprocess.check_output(command, text=True))
+
+    def test_another_host(self):
+        names = ("scope", "scope-kvx", "analyzer", "analyzer-qan", "analyzer-qel", "video")
+        for address in "10.9.8.2", "0.0.0.0":
+            script = f"""ip link add host type veth peer name here netns $PPID
+ip address add 10.9.8.2/24 broadcast + dev host && ip link set host up
+exec "{BENCH}" --address {address}"""
+            lines = start(self.addCleanup, "unshare", "--net", "sh", "-ec", script)
+            self.addCleanup(ip, "link delete here")
+            ip("address add 10.9.8.1/24 broadcast + dev here")
+            ip("link set here up")
+            found = subprocess.check_output(["lxi", "discover"], text=True)
+            self.assertRegex(found, 'Found "Varnholt,LPA4004.*" on address 10.9.8.2')
+            managers = [self.visa(library) for library in ("@py", *OUR_LIBRARIES)]
+            for i, name in enumerate(names):
+                vxi11, raw = lines[i].removeprefix(name + ": ").strip().split(", ")
+                self.assertEqual(vxi11, f"TCPIP0::10.9.8.2::inst{i}::INSTR")
+                for manager in managers:
+                    identity = self.open(manager, "10.9.8.2", name).query("*IDN?")
+                    with manager.open_resource(vxi11, write_termination="\n") as device:
+                        self.assertEqual(device.query("*IDN?"), identity)
+                with managers[0].open_resource(raw, read_termination="\n") as device:
+                    self.assertEqual(device.query("*IDN?") + "\n", identity)
+            self.doCleanups()
+
+    def test_options(self):
+        printed_by = lambda *options: start(self.addCleanup, BENCH, *options)
+        self.assertEqual(
+            printed_by("--address", "127.0.2.0", "--port", "6000", "--no-portmapper")[5],
+            "video: TCPIP0::127.0.2.6::6000::SOCKET\n",
+        )
+        line = printed_by("--address=127.0.3.0", "--port=0", "--time-scale=0")[3]
+        port = int(re.fullmatch(r"scope: .*, TCPIP0::127.0.3.4::(\d+)::SOCKET\n", line)[1])
+        connection, answers = self.connect("127.0.3.4", port)
+        connection.sendall(b"TIM:RANG 600;:SING;*TRG;*OPC?\n")
+        self.assertEqual(answers.readline(), b"1\n")
+        for options, status, text in (
+            (["--version"], 0, "OrvantaBench"),
+            (["--address", "printer"], 2, "no IPv4 address"),
+            (["--address", "::1"], 2, "no IPv4 address"),
+            (["--port", "65536"], 2, "no port"),
+            (["--time-scale", "-1"], 2, "no time scale"),
+            (["here"], 2, "--help"),
+            (["--address", "10.0.0.1", "--port", "65531"], 1, "6 ports from 65531"),
+            (["--address", "10.0.0.1"], 1, "Cannot listen at 10.0.0.1"),
+            ([], 1, "port 111.*\n.*rpcbind"),
+            (["--no-portmapper"], 1, "port 5025.*\n.*already running"),
+        ):
+            run = subprocess.run([BENCH, *options], capture_output=True, text=True, check=False)
+            self.assertEqual(run.returncode, status, options)
+            self.assertRegex(run.stdout + run.stderr, text)
 
     def test_portmapper_by_datagram(self):
         rpcb = struct.pack(">3I4s2I", 0x0607AF, 1, 3, b"tcp", 0, 0)  # no address, no owner
@@ -106,17 +175,82 @@ class NetworkTest(unittest.TestCase):
                 one.timeout = 10000
                 self.assertEqual(one.read(), "1\n")
 
-    def test_fault(self):
+    def test_faults(self):
+        idn, cut = "Varnholt,KVX1044,100101,1.00\n", "Varnh"
+        late, locked = StatusCode.error_timeout, StatusCode.error_resource_locked
+        lost = StatusCode.error_connection_lost
+        for order, query, outcomes in (
+            # The outcomes are those of the query, sent as often.
+            ("BENCH:FAULT LATE,600s", "*IDN?", [late]),
+            ("BENCH:FAULT CUT,5", "*IDN?", [cut, idn]),
+            ("BENCH:FAULT BUSY,600s", "*IDN?", [locked, locked]),
+            ("BENCH:FAULT TRIGGER;:TIM:RANG 1ms;:SING;*TRG", "*IDN?", [late]),
+            ("BENCH:FAULT LATE,600s;:BENCH:FAULT NONE", "*IDN?", [idn]),
+            ("BENCH:FAULT LOST", "*IDN?", [lost, lost]),
+        ):
+            for library in OUR_LIBRARIES:
+                with self.subTest(order, library=library):
+                    device = self.open(self.visa(library), places["scope-kvx"])
+                    device.timeout = 300
+                    device.write(order)
+                    for outcome in outcomes:
+                        if isinstance(outcome, str):
+                            self.assertEqual(device.query(query), outcome)
+                        else:
+                            self.assert_fails(outcome, device.query, query)
+            other, answers = self.connect(places["scope-kvx"])
+            other.sendall(b"BENCH:FAULT NONE\n*CLS;SYST:ERR?\n")
+            self.assertEqual(answers.readline(), b'0,"No error"\n', order)
+
+    def test_orders_for_the_link(self):
+        connection, answers = self.connect(places["scope-kvx"])
+        number, source, rf, hdmi, sink, overload = range(6)
+        for order, field, least, most in (
+            ("BENCH:LATENCY RF,60ms,0", rf, 60, 60),
+            ("BENCH:LATENCY HDMI,10ms,0", hdmi, 10, 10),
+            ("BENCH:LATENCY SINK,200ms,0", sink, 200, 220),  # a frame later, and it rises
+            ("BENCH:OVERLOAD 1", overload, 1, 1),
+            ("BENCH:OVERLOAD 0", overload, 0, 0),
+        ):
+            connection.sendall(f"{order};:TIM:RANG 1ms;:SING;*TRG;BENCH:EVENT?\n".encode())
+            value = float(answers.readline().split(b",")[field])
+            self.assertTrue(least - 1e-9 <= value <= most + 1e-9, f"{order}: {value}")
+        events = []
+        for seed in 7, 7, 8:
+            connection.sendall(f"BENCH:SEED {seed};:SING;*TRG;BENCH:EVENT?\n".encode())
+            events.append(answers.readline().split(b",")[source:])
+        self.assertEqual(events[0], events[1])
+        self.assertNotEqual(events[0], events[2])
+
+    def test_a_client_that_never_reads(self):
+        greedy, records = self.connect(places["scope-kvx"])
+        queries = b"CHAN1:DATA?\n" * 50
+        greedy.sendall(b"ACQ:POIN MAX;:FORM REAL,32\n" + queries + b"CHAN1:SCAL 0.123;SCAL?\n")
+        other, answers = self.connect(places["scope-kvx"])
+        other.sendall(b"CHAN1:SCAL?\n")
+        self.assertEqual(answers.readline(), b"0.2\n")
+        for _ in range(50):
+            self.assertEqual(len(records.read(2000010)), 2000010)
+        self.assertEqual(records.readline(), b"0.123\n")
+        other.sendall(b"*RST\n")
+
+    def test_who_waits_is_told(self):
+        waiting, answers = self.connect(places["scope"])
+        waiting.sendall(b"BENCH:FAULT TRIG;:SING;*TRG;*OPC?\n")
+        other, _ = self.connect(places["scope"])
+        other.sendall(b"BENCH:FAULT NONE\n")
+        self.assertEqual(answers.readline(), b"1\n")
         for library in OUR_LIBRARIES:
             manager = self.visa(library)
-            device = self.open(manager, places["scope-kvx"])
-            device.write("BENCH:FAUL CUT,5")
-            self.assertEqual(device.query("*IDN?"), "Varnh")
-            device.write("BENCH:FAUL LOST")
-            for _ in range(2):
-                self.assert_fails(StatusCode.error_connection_lost, device.query, "*IDN?")
-            again = self.open(manager, places["scope-kvx"])
-            self.assertEqual(again.query("*CLS;SYST:ERR?"), '0,"No error"\n')
+            one, two = (self.open(manager, places["video"]) for _ in range(2))
+            one.lock_excl()
+            locking = threading.Thread(target=two.lock_excl, args=[600000])
+            locking.start()
+            self.assertEqual(one.query("*OPC?"), "1\n")
+            one.unlock()
+            locking.join(60)
+            self.assertFalse(locking.is_alive())
+            self.assert_fails(StatusCode.error_resource_locked, one.query, "*OPC?")
 
     def test_links_of_a_process_that_ends(self):
         script = """import pyvisa, sys

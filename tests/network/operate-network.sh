@@ -6,19 +6,8 @@
 set -euo pipefail
 # shellcheck source-path=SCRIPTDIR source=../../scripts/desktop/operator.sh
 source "$(dirname "$0")/../../scripts/desktop/operator.sh"
-
-start_bench() {
-    "$BENCH" >"$folder/bench.log" &
-    bench=$!
-    disown
-    await "instruments" grep --quiet EVENT "$folder/bench.log"
-}
-
-# Enters the resource string that the bench has printed for an instrument.
-enter() {
-    click "$1"
-    xdotool key ctrl+a type "$(sed --quiet "s/^$2: \([^,]*\),.*/\1/p" "$folder/bench.log")"
-}
+# shellcheck source-path=SCRIPTDIR source=bench.sh
+source "$(dirname "$0")/bench.sh"
 
 # Takes a series, and the truth of its last event from an instrument.
 measure() {
@@ -27,8 +16,7 @@ measure() {
     screenshot "$1.png"
     xdotool key Return
     await_window Orvanta
-    sed --quiet 's/^scope: TCPIP0::\(.*\)::inst0.*/\1/p' "$folder/bench.log" |
-        xargs -I{} lxi scpi --address {} 'BENCH:EVENT?' >"$folder/$1.truth"
+    ask_scope 'BENCH:EVENT?' >"$folder/$1.truth"
 }
 
 ip link set lo up

@@ -1,12 +1,19 @@
 #!/usr/bin/env bash
-# An impatient operator, who clicks and types at everything while a series of slow instruments runs
-# and while one is set up. Only what was pressed first may happen: one series, one dialog, one file.
-# Usage: impatient-operator.sh EXECUTABLE FOLDER DPI
+# An impatient operator, who clicks and types at everything while a series runs and while an
+# instrument is set up; both take their time on OrvantaBench. Only what was pressed first may happen:
+# one series, one dialog, one file. In a network of its own.
+# Usage: BENCH=ORVANTABENCH impatient-operator.sh EXECUTABLE FOLDER DPI
 set -euo pipefail
 # shellcheck source-path=SCRIPTDIR source=../../scripts/desktop/operator.sh
 source "$(dirname "$0")/../../scripts/desktop/operator.sh"
+# shellcheck source-path=SCRIPTDIR source=bench.sh
+source "$(dirname "$0")/bench.sh"
 
+ip link set lo up
+start_bench
 start_program
+enter OsIp scope
+enter SaIp analyzer
 initialise
 click SaveData
 click MeasCnt
@@ -22,9 +29,11 @@ await_window Dialog
 xdotool key Return
 
 await_window Orvanta
+ask_scope 'BENCH:FAULT LATE,0.4s'
 click OsInit
 click Start
 leave_program
+kill "$bench"
 
 results=("$folder"/data/Varnholt/*Results.txt)
 if ((${#results[@]} != 1)) || (($(head -1 "${results[0]}" | wc -w) != 2 + 3)); then

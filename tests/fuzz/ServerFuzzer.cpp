@@ -7,20 +7,29 @@
 #include "visa/wire/Vxi11.h"
 #include "visa/wire/Xdr.h"
 
+#include <QCoreApplication>
+
 #include <fuzzer/FuzzedDataProvider.h>
+
+namespace {
+
+int argumentCount = 0;
+const QCoreApplication application(argumentCount, nullptr); // for timers
+
+} // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     FuzzedDataProvider input(data, size);
-    static server::Laboratory laboratory(0.0);
-    laboratory.nextLink = 0; // every input starts alike
-    for (const auto &device : laboratory.devices) {
-        device->instrument.execute("*RST;*CLS;BENCH:FAULT NONE");
+    static server::SharedBench shared(0.0);
+    shared.nextLink = 0; // every input starts alike
+    for (const auto &device : shared.bench.devices()) {
+        device->instrument->execute("*RST;*CLS;BENCH:FAULT NONE");
     }
     {
         QTcpSocket socket;
         auto *const channel =
-            new server::CoreChannel(&socket, laboratory, laboratory.find("scope"));
+            new server::CoreChannel(&socket, shared, {shared.bench.find("scope")});
         while (input.remaining_bytes() > 0) {
             const std::string bytes = input.ConsumeRandomLengthString(300);
             wire::decodedCall(bytes);
@@ -44,14 +53,17 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
                             bytes;
             }
             call.arguments = arguments;
-            channel->answer(call, server::Clock::now());
+            const auto core = server::decodedCoreCall(call);
+            if (std::holds_alternative<server::CoreCall>(core)) {
+                channel->answer(std::get<server::CoreCall>(core), server::Clock::now());
+            }
             call.procedure = {wire::portmapperProgram, input.ConsumeIntegralInRange(2U, 4U),
                               input.ConsumeIntegralInRange(0U, 5U)};
             server::portmapAnswer(call, 1);
         }
     }
-    for (const auto &device : laboratory.devices) {
-        require(device->links == 0 && device->lockHolder == nullptr, "who goes leaves nothing");
+    for (const auto &device : shared.bench.devices()) {
+        require(device->clients == 0 && device->lockHolder == nullptr, "who goes leaves nothing");
     }
     return 0;
 }

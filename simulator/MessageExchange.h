@@ -1,0 +1,70 @@
+#pragma once
+
+#include "simulator/Device.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace simulator {
+
+/// One client's exchange of messages with a device (IEEE 488.2, 6): what of a message has come so
+/// far, the unread answer, and the client's lock. Everything else is the device's, which all of its
+/// clients share.
+class MessageExchange
+{
+public:
+    explicit MessageExchange(Device &device) : device(device) { ++device.clients; }
+    /// Leave the device, and release the lock if the client has it.
+    ~MessageExchange();
+    MessageExchange(const MessageExchange &) = delete; // the device knows who has locked it
+    MessageExchange &operator=(const MessageExchange &) = delete;
+
+    /// Send bytes: every line is a message, and with END so is what follows the last.
+    void write(std::string_view bytes, bool end);
+
+    [[nodiscard]] bool hasAnswer() const { return unread() > 0; }
+    /// Returns the instant from which the answer can be read; `never` while nobody knows.
+    [[nodiscard]] Clock::time_point answerAt() const;
+    /// A part of an answer, valid until the next call.
+    struct Part
+    {
+        std::string_view bytes;
+        bool isLast; ///< nothing of the answer is left
+    };
+    /// Take up to count bytes of the answer, up to the termination character if there is one.
+    /// Nothing while the answer is not ready; nor when there is none, which leaves an error in the
+    /// instrument's queue.
+    std::optional<Part> read(std::size_t count, std::optional<char> termination);
+
+    /// Drop the answer and an incomplete message, as a device clear does. The device gives up what
+    /// it is doing.
+    void clear();
+    /// Trigger the instrument as *TRG does.
+    void trigger();
+    /// Returns the status byte, in which an answer counts once it can be read.
+    [[nodiscard]] std::uint8_t statusByte() const;
+
+    /// Returns the instant from which others leave the device to this client; `never` while nobody
+    /// knows.
+    [[nodiscard]] Clock::time_point freeAt() const { return device.freeAt(this); }
+    /// Lock the device for this client; it is free.
+    void lock() { device.lockHolder = this; }
+    /// Release the lock. Returns false when this client does not have it.
+    bool unlock();
+
+    Device &device;
+
+private:
+    void receive(std::string_view message);
+    void dropAnswer();
+    [[nodiscard]] std::size_t unread() const { return output.size() - outputRead; }
+
+    std::string input; // the beginning of a message
+    std::string output;
+    std::size_t outputRead = 0; // bytes of the output that are already read
+};
+
+} // namespace simulator
