@@ -8,7 +8,7 @@ namespace server {
 namespace {
 
 constexpr qint64 pieceSize = 65536; // bytes
-constexpr int retryInterval = 1;    // ms
+constexpr int pollInterval = 1;     // ms
 
 } // namespace
 
@@ -27,7 +27,7 @@ void ScpiSocket::serve()
     for (;;) {
         if (client.hasAnswer()) { // which leaves before the next line is looked at
             if (!device.isReady()) {
-                retry.start(retryInterval);
+                retry.start(pollInterval);
                 return;
             }
             if (std::exchange(device.faults.connectionLost, false)) {
