@@ -13,36 +13,96 @@ constexpr double noHdmiEvent = -230.0; // what the video analyzer says without a
 // it is triggered, so only a slow or noisy rise moves it.
 constexpr double sourceTolerance = 0.01;
 
-/// Where delays lie that end at an end of the axis, in milliseconds.
+/// Where delays lie that end at an end of an axis, in milliseconds.
 struct AxisEnds
 {
-    AxisEnds(int samples, const Recognition &recognition)
-    {
-        constexpr double milliseconds = 1000.0;
-        if (!recognition.type || samples < 2) {
-            return;
+    double early;
+    double late;
+    double tolerance;
+};
+
+/// The ends of the axis, or of both types' axes while the type is not known, the longer one last.
+QVector<AxisEnds> axisEnds(int samples, const Recognition &recognition)
+{
+    constexpr double milliseconds = 1000.0;
+    QVector<AxisEnds> all;
+    for (const OscilloscopeType type : {OscilloscopeType::Kvx, OscilloscopeType::Lpa4004}) {
+        if (type != recognition.type.value_or(type)) {
+            continue;
         }
-        const double halfSpan = recordSpan(*recognition.type) / 2;
+        const double halfSpan = recordSpan(type) / 2;
+        const double end = samples < 2 ? halfSpan : sampleInstant(samples, samples, type);
         double source = recognition.instants.source;
         if (std::abs(source) >= halfSpan) {
             source = 0.0; // the last record has no source edge; then the trigger must do
         }
-        tolerance = sourceTolerance * 2 * halfSpan * milliseconds;
-        late = (sampleInstant(samples, samples, *recognition.type) - source) * milliseconds;
-        early = (-halfSpan - source) * milliseconds;
+        all += {(-halfSpan - source) * milliseconds, (end - source) * milliseconds,
+                sourceTolerance * 2 * halfSpan * milliseconds};
     }
+    return all;
+}
 
-    [[nodiscard]] bool has(double delay) const
-    {
-        return std::abs(delay - late) <= tolerance || std::abs(delay - early) <= tolerance;
+bool isAtEnd(double delay, const QVector<AxisEnds> &all)
+{
+    return std::any_of(all.begin(), all.end(), [delay](const AxisEnds &ends) {
+        return std::abs(delay - ends.late) <= ends.tolerance ||
+               std::abs(delay - ends.early) <= ends.tolerance;
+    });
+}
+
+/// Flag RF and sink where both are those of the measurement before. Where RF or the sink repeats so
+/// often alone that chance has both do it, nothing is flagged.
+void flagRepeated(const QVector<double> &toRf, const QVector<double> &toSink, SeriesFlags *flags)
+{
+    int rfAlone = 0;
+    int sinkAlone = 0;
+    int neither = 0;
+    QVector<int> both;
+    for (int i = 1; i < toRf.size(); ++i) {
+        const bool rf = toRf[i] == toRf[i - 1];
+        const bool sink = toSink[i] == toSink[i - 1];
+        if (rf && sink) {
+            both += i;
+        } else {
+            ++(rf ? rfAlone : sink ? sinkAlone : neither);
+        }
     }
-    /// Only an RF edge counted from the start of the axis is further than its end.
-    [[nodiscard]] bool isPast(double delay) const { return delay > late + tolerance; }
+    // Chance brings rfAlone * sinkAlone / neither of them. Each is counted from 1: what did not
+    // happen among a few pairs may still be likely.
+    if ((rfAlone + 1.0) * (sinkAlone + 1.0) > neither + 1.0) {
+        return;
+    }
+    for (const int i : both) {
+        (*flags)[0][i] |= Flag::Repeated;
+        (*flags)[2][i] |= Flag::Repeated;
+    }
+}
 
-    double late = std::numeric_limits<double>::infinity();
-    double early = -late;
-    double tolerance = -1.0; // nothing lies at an unknown end
-};
+/// Flag runs of equal delays if chance would bring one so long less than once in a hundred such
+/// series. Values with another flag are in no run: their reason is known.
+void flagStuck(const QVector<double> &values, QVector<Flags> *flags)
+{
+    constexpr double rare = 0.01;
+    const QVector<Flags> others = *flags;
+    int pairs = 0;
+    int equal = 0;
+    QVector<bool> repeats(values.size() + 1); // the value before; the end of the last run is false
+    for (int i = 1; i < values.size(); ++i) {
+        const bool isPair = !others[i - 1] && !others[i];
+        repeats[i] = isPair && values[i] == values[i - 1];
+        pairs += int(isPair);
+        equal += int(repeats[i]);
+    }
+    for (int first = 0, end = 1; first < values.size(); first = end++) {
+        while (repeats[end]) {
+            ++end;
+        }
+        const int length = end - first;
+        if (length > 1 && values.size() * std::pow(double(equal) / pairs, length - 1) < rare) {
+            std::fill(flags->begin() + first, flags->begin() + end, Flag::Stuck);
+        }
+    }
+}
 
 } // namespace
 
@@ -51,7 +111,9 @@ SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognit
     const QVector<double> &toRf = results.sourceToRf.values;
     const QVector<double> &toHdmi = results.sourceToHdmi.values;
     const QVector<double> &toSink = results.sourceToSink.values;
-    const AxisEnds ends(samples, recognition);
+    const QVector<AxisEnds> ends = axisEnds(samples, recognition);
+    // Only an RF edge counted from the start of the axis is further than its end.
+    const double furthest = ends.last().late + ends.last().tolerance;
     const bool hdmiUsed = isHdmiUsed(results);
 
     SeriesFlags flags;
@@ -62,20 +124,16 @@ SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognit
         Flags &rf = flags[0][i];
         Flags &hdmi = flags[1][i];
         Flags &sink = flags[2][i];
-        rf.setFlag(Flag::EndOfAxis, ends.has(toRf[i]));
-        sink.setFlag(Flag::EndOfAxis, ends.has(toSink[i]));
+        rf.setFlag(Flag::EndOfAxis, isAtEnd(toRf[i], ends));
+        sink.setFlag(Flag::EndOfAxis, isAtEnd(toSink[i], ends));
         if (toRf[i] == 0.0 && toSink[i] == 0.0) {
             rf |= Flag::NothingArrived;
             sink |= Flag::NothingArrived;
-        } else if (ends.isPast(toRf[i]) || (toRf[i] == 0.0 && toSink[i] < 0.0)) {
+        } else if (toRf[i] > furthest || (toRf[i] == 0.0 && toSink[i] < 0.0)) {
             rf |= Flag::NoSource;
             sink |= Flag::NoSource;
         } else if (toRf[i] == 0.0) {
             rf |= Flag::OnTrigger;
-        }
-        if (i > 0 && toRf[i] == toRf[i - 1] && toSink[i] == toSink[i - 1]) {
-            rf |= Flag::Repeated;
-            sink |= Flag::Repeated;
         }
         hdmi.setFlag(Flag::NoHdmiValue, hdmiUsed && toHdmi[i] == 0.0);
         hdmi.setFlag(Flag::NoHdmiEvent, toHdmi[i] == noHdmiEvent);
@@ -83,6 +141,10 @@ SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognit
             flags[static_cast<std::size_t>(kind)][i].setFlag(
                 Flag::NotFinite, !std::isfinite(valuesOf(results, kind)[i]));
         }
+    }
+    flagRepeated(toRf, toSink, &flags);
+    for (const DelayKind kind : delayKinds) {
+        flagStuck(valuesOf(results, kind), &flags[static_cast<std::size_t>(kind)]);
     }
     return flags;
 }
@@ -100,8 +162,9 @@ bool isMeasured(const SeriesResults &results, DelayKind kind)
 
 QVector<Flag> allFlags()
 {
-    return {Flag::EndOfAxis, Flag::NoSource,    Flag::NothingArrived, Flag::OnTrigger,
-            Flag::Repeated,  Flag::NoHdmiValue, Flag::NoHdmiEvent,    Flag::NotFinite};
+    return {Flag::EndOfAxis,   Flag::NoSource,    Flag::NothingArrived,
+            Flag::OnTrigger,   Flag::Repeated,    Flag::Stuck,
+            Flag::NoHdmiValue, Flag::NoHdmiEvent, Flag::NotFinite};
 }
 
 QString flagReason(Flag flag)
@@ -117,6 +180,8 @@ QString flagReason(Flag flag)
         return "no delay: 0 is written when the RF edge lies on the trigger itself";
     case Flag::Repeated:
         return "nothing new arrived: RF and sink are those of the measurement before";
+    case Flag::Stuck:
+        return "stuck: more equal delays in a row than chance brings";
     case Flag::NoHdmiValue:
         return "no value from the video analyzer";
     case Flag::NoHdmiEvent:

@@ -8,14 +8,14 @@ namespace simulator {
 
 Bench::Bench()
 {
-    instruments["scope"] = std::make_unique<Oscilloscope>(lpa4004Dialect(), model);
-    instruments["scope-kvx"] = std::make_unique<Oscilloscope>(kvxDialect(), model);
+    instruments["scope"] = std::make_unique<Oscilloscope>(lpa4004Dialect(), link);
+    instruments["scope-kvx"] = std::make_unique<Oscilloscope>(kvxDialect(), link);
     for (const auto &[host, family] : {std::pair{"analyzer", AnalyzerFamily::Plain},
                                        {"analyzer-qan", AnalyzerFamily::Qan},
                                        {"analyzer-qel", AnalyzerFamily::Qel}}) {
-        instruments[host] = std::make_unique<SpectrumAnalyzer>(family, model);
+        instruments[host] = std::make_unique<SpectrumAnalyzer>(family, link);
     }
-    instruments["video"] = std::make_unique<VideoAnalyzer>(model);
+    instruments["video"] = std::make_unique<VideoAnalyzer>(link);
 }
 
 Instrument *Bench::find(std::string_view host) const

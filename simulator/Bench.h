@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/LinkModel.h"
+#include "simulator/RadioLink.h"
 #include "simulator/scpi/Instrument.h"
 
 #include <map>
@@ -23,10 +23,10 @@ public:
     /// List the host names of all instruments.
     [[nodiscard]] std::vector<std::string> hosts() const;
 
-    LinkModel &link() { return model; }
+    RadioLink &radioLink() { return link; }
 
 private:
-    LinkModel model;
+    RadioLink link;
     std::map<std::string, std::unique_ptr<Instrument>> instruments;
 };
 

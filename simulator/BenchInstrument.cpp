@@ -4,8 +4,8 @@
 
 namespace simulator {
 
-BenchInstrument::BenchInstrument(const std::string &identity, LinkModel &link)
-    : Instrument(identity), model(link)
+BenchInstrument::BenchInstrument(const std::string &identity, RadioLink &link)
+    : Instrument(identity), link(link)
 {
     onQuery("BENCh:EVENt", {},
             [this](const Call &, std::string *answer) { return answerEvent(answer); });
@@ -13,12 +13,12 @@ BenchInstrument::BenchInstrument(const std::string &identity, LinkModel &link)
 
 Error BenchInstrument::answerEvent(std::string *answer) const
 {
-    if (model.eventCount() == 0) {
+    if (link.eventCount() == 0) {
         return scpi::dataStale;
     }
-    const LinkEvent &event = model.lastEvent();
-    const Instants &truth = event.instants();
-    *answer = std::to_string(model.eventCount());
+    const RadioLinkEvent &event = link.lastEvent();
+    const TrueInstants &truth = event.instants();
+    *answer = std::to_string(link.eventCount());
     for (const double value : {truth.source, 1e3 * (truth.rf - truth.source), truth.hdmiDelayMs,
                                1e3 * (truth.sink - truth.source)}) {
         *answer += ',' + numberText(value);

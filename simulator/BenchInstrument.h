@@ -1,25 +1,26 @@
 #pragma once
 
-#include "simulator/LinkModel.h"
+#include "simulator/RadioLink.h"
 #include "simulator/scpi/Instrument.h"
 
 #include <string>
 
 namespace simulator {
 
-/// An instrument that looks at the link. All of them tell the truth when they are asked for it.
+/// An instrument that observes the radio link. Each can be asked for the true delays of the last
+/// event, so that a client can check what it measured.
 class BenchInstrument : public Instrument
 {
 public:
-    BenchInstrument(const std::string &identity, LinkModel &link);
+    BenchInstrument(const std::string &identity, RadioLink &link);
 
 protected:
-    LinkModel &link() { return model; }
+    RadioLink &radioLink() { return link; }
 
 private:
     Error answerEvent(std::string *answer) const;
 
-    LinkModel &model;
+    RadioLink &link;
 };
 
 } // namespace simulator

@@ -3,6 +3,7 @@
 #include "simulator/scpi/Number.h"
 
 #include <algorithm>
+#include <array>
 
 namespace simulator {
 
@@ -12,9 +13,7 @@ constexpr double verticalDivisions = 10.0;
 
 } // namespace
 
-// Both families: RANGe is the whole screen of ten vertical divisions, SCALe one of them; the time
-// base likewise with the family's number of horizontal divisions.
-Oscilloscope::Oscilloscope(const OscilloscopeDialect &dialect, LinkModel &link)
+Oscilloscope::Oscilloscope(const OscilloscopeDialect &dialect, RadioLink &link)
     : BenchInstrument(dialect.identity, link),
       divisions(dialect.divisions),
       channelState(add(dialect.channelState)),
@@ -33,6 +32,7 @@ Oscilloscope::Oscilloscope(const OscilloscopeDialect &dialect, LinkModel &link)
     for (const Setting &setting : dialect.others) {
         add(setting);
     }
+    // SCALe is one division, RANGe the whole screen.
     addMultiple("CHANnel<4>:RANGe", scale, verticalDivisions);
     addMultiple("TIMebase:RANGe", timeScale, divisions);
     addFormatCommands();
@@ -45,14 +45,14 @@ Oscilloscope::Oscilloscope(const OscilloscopeDialect &dialect, LinkModel &link)
 void Oscilloscope::addRunControl(bool continuousCommands)
 {
     const auto enter = [this](Acquisition next) { return [this, next] { acquisition = next; }; };
-    onEvent("RUN", enter(Acquisition::Running));
-    onEvent("STOP", enter(Acquisition::Stopped));
-    onEvent("SINGle", enter(Acquisition::Armed));
+    onAction("RUN", enter(Acquisition::Running));
+    onAction("STOP", enter(Acquisition::Stopped));
+    onAction("SINGle", enter(Acquisition::Armed));
     onCommand("*TRG", {}, [this](const Call &, std::string *) { return trigger(); });
     if (!continuousCommands) {
         return;
     }
-    onEvent("RUNContinuous", enter(Acquisition::Running));
+    onAction("RUNContinuous", enter(Acquisition::Running));
     onCommand("INITiate:CONTinuous", {1, 1}, [this](const Call &call, std::string *) {
         bool isOn = false;
         const Error error = parseBoolean(call.parameters[0], &isOn);
@@ -78,9 +78,9 @@ Error Oscilloscope::trigger()
     if (acquisition == Acquisition::Stopped) {
         return scpi::triggerIgnored;
     }
-    link().trigger(level());
-    record = link().lastRecord();
-    begin(timeGrid().span);
+    radioLink().trigger(level());
+    record = radioLink().lastRecord();
+    setDuration(timeGrid().span);
     if (acquisition == Acquisition::Armed) {
         acquisition = Acquisition::Stopped;
     }
@@ -89,10 +89,12 @@ Error Oscilloscope::trigger()
 
 std::optional<double> Oscilloscope::level() const
 {
-    const bool triggers =
-        std::all_of(triggerConditions.begin(), triggerConditions.end(),
-                    [](const auto &condition) { return condition.first->is(condition.second); });
-    return triggers ? std::optional(triggerLevel.value()) : std::nullopt;
+    for (const auto &[setting, needed] : triggerConditions) {
+        if (!setting->is(needed)) {
+            return std::nullopt;
+        }
+    }
+    return triggerLevel.value();
 }
 
 TimeGrid Oscilloscope::timeGrid() const
@@ -104,12 +106,9 @@ TimeGrid Oscilloscope::timeGrid() const
 
 std::vector<float> Oscilloscope::samples(std::size_t channel)
 {
-    const AnalyzerOutput &output = link().analyzerOutput();
-    const Signal signal = channel == 1   ? Signal::Source
-                          : channel == 2 ? Signal::Sink
-                          : channel == 3 ? output.signal
-                                         : Signal::Unconnected;
-    std::vector<float> samples = record.trace(signal, timeGrid(), output.receiver);
+    const AnalyzerOutput &output = radioLink().analyzerOutput();
+    const std::array inputs{Signal::Source, Signal::Sink, output.signal, Signal::Unconnected};
+    std::vector<float> samples = record.trace(inputs.at(channel - 1), timeGrid(), output.receiver);
 
     const double division = scale.value(channel);
     const double centre = offset.value(channel) - division * position.value(channel);

@@ -9,45 +9,45 @@
 
 namespace simulator {
 
-/// What one family of oscilloscopes has of its own.
+/// What distinguishes one family of oscilloscopes from another.
 struct OscilloscopeDialect
 {
     std::string identity;
-    double divisions;        ///< across the screen
-    bool continuousCommands; ///< INITiate:CONTinuous and RUNContinuous
+    double divisions;        ///< horizontal ones of the screen
+    bool continuousCommands; ///< whether it has INITiate:CONTinuous and RUNContinuous
     Setting channelState;
     Setting horizontalPosition;
     Setting points;
     Setting triggerLevel;
-    std::vector<std::pair<Setting, int>> triggerConditions; ///< the values with which it triggers
-    std::vector<Setting> others;                            ///< without an effect on the record
+    std::vector<std::pair<Setting, int>> triggerConditions; ///< it triggers only with these values
+    std::vector<Setting> others;                            ///< no effect on the record
 };
 
 /// The families "KVx" and "LPA4004".
 OscilloscopeDialect kvxDialect();
 OscilloscopeDialect lpa4004Dialect();
 
-/// An oscilloscope with the source on channel 1, the sink on channel 2, the analyzers' output on
-/// channel 3 and nothing on channel 4.
+/// An oscilloscope. Channel 1 is wired to the source, channel 2 to the sink and channel 3 to the
+/// analyzers' output; channel 4 is open.
 class Oscilloscope : public BenchInstrument
 {
 public:
-    Oscilloscope(const OscilloscopeDialect &dialect, LinkModel &link);
+    Oscilloscope(const OscilloscopeDialect &dialect, RadioLink &link);
 
 protected:
     void reset() override;
 
 private:
-    /// Running acquires all the time, Armed waits for one trigger, Stopped keeps its record.
     enum class Acquisition
     {
-        Running,
-        Armed,
-        Stopped,
+        Running, ///< every trigger makes a new record
+        Armed,   ///< the next trigger makes a new record and stops the acquisition
+        Stopped, ///< the record stays
     };
 
     void addRunControl(bool continuousCommands);
     Error trigger();
+    /// Returns the trigger level in volts; nothing when the settings allow no trigger.
     [[nodiscard]] std::optional<double> level() const;
     [[nodiscard]] TimeGrid timeGrid() const;
     [[nodiscard]] std::vector<float> samples(std::size_t channel);
@@ -65,7 +65,7 @@ private:
     Setting &triggerLevel;
     std::vector<std::pair<const Setting *, int>> triggerConditions;
     Acquisition acquisition = Acquisition::Running;
-    LinkEvent record{0, 0.0};
+    RadioLinkEvent record{0, 0.0};
 };
 
 } // namespace simulator

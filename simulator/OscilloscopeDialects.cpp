@@ -18,7 +18,7 @@ enum class Slope
 
 } // namespace
 
-// Choices are those that the bench's wiring can show.
+// The choices are those that the bench's wiring allows.
 
 OscilloscopeDialect kvxDialect()
 {
@@ -61,7 +61,7 @@ OscilloscopeDialect lpa4004Dialect()
         integer("ACQuire:POINts", 12000.0, 12000.0, 12000.0),
         number("TRIGger:A:LEVel<5>", -10.0, 10.0, powerUpTriggerLevel, "V"),
         {
-            // On channel 1 the step rises; no other source is wired to the trigger.
+            // Only the source on channel 1 is wired to the trigger, and its signal rises.
             {choice<OscilloscopeTrigger>("TRIGger:A:SOURce",
                                          {{"CH1", OscilloscopeTrigger::Channel1},
                                           {"EXTernal", OscilloscopeTrigger::External}}),

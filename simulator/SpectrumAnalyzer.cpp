@@ -33,7 +33,7 @@ const char *identityOf(AnalyzerFamily family)
 
 } // namespace
 
-SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, LinkModel &link)
+SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link)
     : BenchInstrument(identityOf(family), link),
       frequency(add(number("FREQuency:CENTer", 0.0, 40e9, 2.437e9, "HZ"))),
       triggerSource(add(choice<AnalyzerTrigger>(
@@ -47,10 +47,10 @@ SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, LinkModel &link)
 {
     add(number("DISPlay[:WINDow]:TRACe<1>:Y[:SCALe]:RLEVel", -130.0, 30.0, 0.0, "DBM"));
     add(number("INPut<1>:ATTenuation", 0.0, 75.0, 10.0, "DB"));
-    add(number("FREQuency:SPAN", 0.0, 0.0, 0.0, "HZ")); // the bench knows zero span only
+    add(number("FREQuency:SPAN", 0.0, 0.0, 0.0, "HZ")); // zero span only
     add(choice("TRIGger<1>[:SEQuence]:SLOPe", {"POSitive", "NEGative"}));
     add(choice("SWEep:TYPE", {"AUTO", "SWEep", "FFT"}));
-    add(choice("SWEep:OPTimize", {"AUTO", "DYNamic", "SPEed"}).bare());
+    add(choice("SWEep:OPTimize", {"AUTO", "DYNamic", "SPEed"}).withOptionalParameter());
     add(choice("BWIDth:FFT", {"AUTO", "WIDE", "NARRow"}));
     add(number("BWIDth:VIDeo", 1.0, 80e6, 3e6, "HZ"));
     if (family == AnalyzerFamily::Qan) {
@@ -62,17 +62,17 @@ SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, LinkModel &link)
         outputFrequency = &add(number("OUTPut<1>:IF:IFFRequency", 0.0, 1e9, 2.0, "HZ"));
     }
     addFormatCommands();
-    onEvent("INITiate<1>[:IMMediate]", [this] { startSweep(); });
-    onEvent("*TRG", [this] { startSweep(); });
-    onEvent("ABORt", [] {}); // a sweep is over as soon as it starts
+    onAction("INITiate<1>[:IMMediate]", [this] { startSweep(); });
+    onAction("*TRG", [this] { startSweep(); });
+    onAction("ABORt", [] {}); // a sweep is over as soon as it starts
     onQuery("TRACe<1>[:DATA]", {1, 2},
             [this](const Call &call, std::string *answer) { return answerTrace(call, answer); });
 }
 
 void SpectrumAnalyzer::startSweep()
 {
-    sweep = link().freeSweep();
-    begin(sweepTime.value());
+    sweep = radioLink().freeSweep();
+    setDuration(sweepTime.value());
 }
 
 Receiver SpectrumAnalyzer::receiver() const
@@ -81,10 +81,11 @@ Receiver SpectrumAnalyzer::receiver() const
             outputFrequency != nullptr ? outputFrequency->value() : 0.0};
 }
 
-void SpectrumAnalyzer::executed()
+void SpectrumAnalyzer::messageExecuted()
 {
     if (output != nullptr) {
-        link().connect({output->is(Output::Video) ? Signal::Video : Signal::Carrier, receiver()});
+        radioLink().connect(
+            {output->is(Output::Video) ? Signal::Video : Signal::Carrier, receiver()});
     }
 }
 
@@ -107,7 +108,7 @@ Error SpectrumAnalyzer::answerTrace(const Call &call, std::string *answer)
     if (!isTriggered && continuous.isOn()) {
         startSweep();
     }
-    const LinkEvent &shown = isTriggered ? link().lastRecord() : sweep;
+    const RadioLinkEvent &shown = isTriggered ? radioLink().lastRecord() : sweep;
     std::vector<float> samples =
         shown.trace(Signal::RfPower,
                     {isTriggered ? holdOff.value() : 0.0, sweepTime.value(),

@@ -4,24 +4,24 @@
 
 namespace simulator {
 
-/// The families of spectrum analyzers: a plain one, one with a frequency mode (QAN), one without
-/// an IF output (QEL).
+/// The families of spectrum analyzers.
 enum class AnalyzerFamily
 {
     Plain,
-    Qan,
-    Qel,
+    Qan, ///< has a frequency mode
+    Qel, ///< has no IF output
 };
 
-/// A spectrum analyzer in zero span, triggered by the oscilloscope that triggered last. The output
-/// of the one that was spoken to last goes to the oscilloscopes' channel 3.
+/// A spectrum analyzer in zero span. Its external trigger comes from the oscilloscopes. All
+/// analyzers share the cable to the oscilloscopes' channel 3; it carries the output of the analyzer
+/// that received the last message.
 class SpectrumAnalyzer : public BenchInstrument
 {
 public:
-    SpectrumAnalyzer(AnalyzerFamily family, LinkModel &link);
+    SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link);
 
 protected:
-    void executed() override;
+    void messageExecuted() override;
 
 private:
     void startSweep();
@@ -35,9 +35,9 @@ private:
     Setting &points;
     Setting &bandwidth;
     Setting &continuous;
-    Setting *output = nullptr; // null where there is none
-    Setting *outputFrequency = nullptr;
-    LinkEvent sweep{0, 0.0}; // the last one that nothing triggered
+    Setting *output = nullptr;          // null where there is no IF output
+    Setting *outputFrequency = nullptr; // as above
+    RadioLinkEvent sweep{0, 0.0};       // the last one without an external trigger
 };
 
 } // namespace simulator

@@ -11,16 +11,16 @@ namespace simulator {
 class VideoAnalyzer : public BenchInstrument
 {
 public:
-    explicit VideoAnalyzer(LinkModel &link);
+    explicit VideoAnalyzer(RadioLink &link);
 
 protected:
     void reset() override;
 
 private:
-    [[nodiscard]] std::uint32_t count();
+    [[nodiscard]] std::uint32_t count(); // of the events since the measurement started
     Error answerDelay(std::string *answer);
 
-    std::optional<std::uint32_t> eventsBefore; // the measurement was started, if it was
+    std::optional<std::uint32_t> eventsBefore; // when the measurement started, if it did
 };
 
 } // namespace simulator

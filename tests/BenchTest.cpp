@@ -87,7 +87,7 @@ private slots:
         QTest::newRow("analyzer-qel") << 100.0; // its sweep begins 0.1 s earlier than a record
     }
 
-    /// The program's delays against the instants that only the bench's link model knows. Each time
+    /// The program's delays against the instants that only the bench's radio link knows. Each time
     /// after a series in which a call timed out, or the connection was lost for a while.
     void truth()
     {
@@ -111,7 +111,7 @@ private slots:
             QCOMPARE(bench.run(), 0);
             bench.line.fails = [](auto &) { return VI_SUCCESS; };
             QCOMPARE(bench.run(), 0);
-            const simulator::Instants &truth = ::bench().link().lastEvent().instants();
+            const simulator::TrueInstants &truth = ::bench().radioLink().lastEvent().instants();
             const double rfError =
                 bench.results.sourceToRf.mean - rfLate - (truth.rf - truth.source) * 1000;
             const double sinkError =

@@ -11,54 +11,70 @@ class ResourceTest : public QObject
 private slots:
     void names_data()
     {
-        QTest::addColumn<QByteArray>("full"); // empty when the name is malformed
-        using Row = std::pair<QByteArray, QByteArray>;
-        for (const auto &[name, full] :
-             {Row{"TCPIP::scope", "TCPIP0::scope::inst0::INSTR"},
-              {"tcpip7::Scope::GPIB0,5::instr", "TCPIP7::Scope::GPIB0,5::INSTR"},
-              {"tcpip0::a-b_c.d::instr", "TCPIP0::a-b_c.d::inst0::INSTR"},
-              {"GPIB0::INTFC", "GPIB0::INTFC"},
-              {"gpib-vxi2::9", "GPIB-VXI2::9::INSTR"},
-              {"ASRL3::INSTR", "ASRL3::INSTR"},
-              {"TCPIP::a::5025::socket", "TCPIP0::a::5025::SOCKET"}}) {
-            QTest::newRow(name) << full;
-        }
-        for (const QByteArray &name :
-             QByteArrayList{"", "scope", "TCPIP0::INSTR", "TCPIP0::::INSTR", "TCPIPx::a::INSTR",
-                            "TCPIP0::a::INSTR ", "TCPIP0::a::b::c::INSTR", "TCPIP0:a:INSTR",
-                            "TCPIP0::a b::INSTR", "TCPIP0::a::x::SOCKET", "TCPIP65536::a::INSTR",
-                            QByteArray(300, 'a'), "TCPIP::" + QByteArray(235, 'a') + "::INSTR"}) {
-            QTest::newRow(name) << QByteArray();
-        }
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("canonical"); // empty when the name is malformed
+        const auto row = [](const char *title, const QString &name, const char *canonical = "") {
+            QTest::newRow(title) << name << canonical;
+        };
+        row("short", "TCPIP::scope", "TCPIP0::scope::inst0::INSTR");
+        row("full", "tcpip7::a-b_c.D::gpib0,5::instr", "TCPIP7::a-b_c.D::gpib0,5::INSTR");
+        row("socket", "TCPIP::a::5025::socket", "TCPIP0::a::5025::SOCKET");
+        row("interface itself", "GPIB0::INTFC", "GPIB0::INTFC");
+        row("longer interface", "gpib-vxi2::9", "GPIB-VXI2::9::INSTR");
+        row("no interface", "scope");
+        row("empty host", "TCPIP0::::INSTR");
+        row("board is no number", "TCPIPx::a::INSTR");
+        row("board beyond 16 bits", "TCPIP65536::a::INSTR");
+        row("blank in the host", "TCPIP0::a b::INSTR");
+        row("too many parts", "TCPIP0::a::b::c::INSTR");
+        row("port is no number", "TCPIP0::a::x::SOCKET");
+        row("too long in canonical form", "TCPIP::" + QString(235, 'a'));
     }
 
     void names()
     {
-        QFETCH(const QByteArray, full);
-        const auto name = visa::parseResourceName(QTest::currentDataTag());
-        QCOMPARE(name ? QByteArray::fromStdString(name->full) : QByteArray(), full);
+        QFETCH(const QString, name);
+        const auto parsed = visa::parseResourceName(name.toStdString());
+        QTEST(parsed ? QString::fromStdString(parsed->full) : "", "canonical");
     }
 
     void expressions_data()
     {
-        QTest::addColumn<int>("matches"); // of "TCPIP0::a-b.c::INSTR"; -1: there is no such
-        const auto rows = [](int matches, const QByteArrayList &expressions) {
-            for (const QByteArray &expression : expressions) {
-                QTest::newRow(expression) << matches;
-            }
-        };
-        rows(1, {"?*", "tcpip?*instr", "?*::[^k]\\-b?c::?*", "?*(x|a-[a-c])[.]+c::?*|y",
-                 "((((?*)*)+)*)+", "TCPIP0::a-b.c::INSTR"});
-        rows(0, {"", "?*::INST", "TCPIP0.?*", "?*$", "^?*", "TCPIP0\\?*"});
-        rows(-1,
-             {"(?*", "?*)", "TCPIP0[z-a]::?*", "*", "?**", "?*\\", "?*{VI_ATTR_INTF_NUM == 0}"});
+        QTest::addColumn<QString>("expression");
+        QTest::addColumn<QString>("outcome"); // with "TCPIP0::a-b.c::INSTR"
+        QTest::newRow("letter case") << "tcpip?*instr"
+                                     << "matches";
+        QTest::newRow("any character") << "?*::[^k]\\-b?c::?*"
+                                       << "matches";
+        QTest::newRow("alternatives") << "?*(x|a-[a-c])[.]+c::?*|y"
+                                      << "matches";
+        QTest::newRow("nested repetitions") << "((((?*)*)+)*)+"
+                                            << "matches";
+        QTest::newRow("part of the text") << "?*::INST"
+                                          << "differs";
+        QTest::newRow("dot for itself") << "TCPIP0.?*"
+                                        << "differs";
+        QTest::newRow("caret for itself") << "^?*"
+                                          << "differs";
+        QTest::newRow("question mark for itself") << "TCPIP0\\?*"
+                                                  << "differs";
+        QTest::newRow("range backwards") << "TCPIP0[z-a]::?*"
+                                         << "malformed";
+        QTest::newRow("nothing to repeat") << "*"
+                                           << "malformed";
+        QTest::newRow("backslash at the end") << "?*\\"
+                                              << "malformed";
+        QTest::newRow("condition") << "?*{VI_ATTR_INTF_NUM == 0}"
+                                   << "malformed";
     }
 
     void expressions()
     {
+        QFETCH(const QString, expression);
         const auto matches =
-            visa::matchesExpression(QTest::currentDataTag(), "TCPIP0::a-b.c::INSTR");
-        QTEST(matches ? int(*matches) : -1, "matches");
+            visa::matchesExpression(expression.toStdString(), "TCPIP0::a-b.c::INSTR");
+        const QString outcome = matches.value_or(false) ? "matches" : "differs";
+        QTEST(matches ? outcome : "malformed", "outcome");
     }
 };
 

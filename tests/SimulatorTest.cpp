@@ -9,33 +9,28 @@ using namespace simulator;
 
 namespace {
 
-/// Asks an instrument.
-QByteArray ask(const Bench &bench, const char *host, const QByteArray &message)
+/// Executes a message and returns the answer.
+QByteArray ask(const Bench &bench, const QByteArray &host, const QByteArray &message)
 {
-    return QByteArray::fromStdString(bench.find(host)->execute(message.toStdString())).trimmed();
+    Instrument *instrument = bench.find(host.toStdString());
+    return QByteArray::fromStdString(instrument->execute(message.toStdString())).trimmed();
 }
 
-QVector<float> trace(const Bench &bench, const char *host, const char *query)
+/// Asks for a trace in binary and returns its samples.
+QVector<float> trace(const Bench &bench, const QByteArray &host, const QByteArray &query)
 {
-    const QByteArray block = ask(bench, host, QByteArray(":FORM REAL,32;:") + query);
+    const QByteArray block = ask(bench, host, ":FORM REAL,32;:" + query);
     return floatsOf(block.mid(2 + block.mid(1, 1).toInt()));
 }
 
-float least(const QVector<float> &samples)
-{
-    return *std::min_element(samples.begin(), samples.end());
-}
-
-float greatest(const QVector<float> &samples)
+float maximum(const QVector<float> &samples)
 {
     return *std::max_element(samples.begin(), samples.end());
 }
 
-const QByteArray tuned = "FREQ:CENT 5.192GHz;:TRIG1:SOUR EXT;HOLD -0.6;:SWE:TIME 1.2;";
-
 } // namespace
 
-/// The laboratory without VISA.
+/// The laboratory without VISA: its instruments execute messages.
 class SimulatorTest : public QObject
 {
     Q_OBJECT
@@ -45,44 +40,49 @@ private slots:
     {
         QTest::addColumn<QByteArray>("host");
         QTest::addColumn<QByteArray>("message");
-        QTest::addColumn<QByteArray>("expected"); // the answer, and the first error that is left
-        const char *const lpa = "scope";
-        const char *const kvx = "scope-kvx";
-        const char *const spa = "analyzer";
-        const char *const qan = "analyzer-qan";
-        const char *const video = "video";
-        using Exchange = std::tuple<const char *, const char *, const char *>;
-        for (const auto &[host, message, expected] : std::initializer_list<Exchange>{
-                 {lpa, "chan:scal .05;POSITION -3;:channel1:scale?;pos?", "0.05;-3 / 0"},
-                 {lpa, "CHAN4:SCAL 0.5;:CHAN2:SCAL?;:CHAN4:SCAL?", "0.2;0.5 / 0"},
-                 {lpa, "CHAN1:RANG 0.5;SCAL?;RANG? MAX;:TIM:RANG?", "0.05;100;1.2 / 0"},
-                 {lpa, "FOO;*OPC?", "1 / -113"},
-                 {lpa, "CHAN5:SCAL 1", " / -114"},
-                 {lpa, "CHAN1:SCAL nan;SCAL?", "0.2 / -104"},
-                 {lpa, "CHAN1:SCAL:;:CHAN1:STAT 2;STAT?", "1 / -113"},
-                 {lpa, "FORM REAL,32;FORM?;*RST;FORM?", "REAL,32;ASC,0 / 0"},
-                 {lpa, "STOP;*TRG", " / -211"},
-                 {lpa, "CHAN2:DATA?;*OPC?", "1 / -221"},
-                 {lpa, "*CLS;'a;b';SYST:ERR?;SYST:ERR?",
-                  R"(-113,"Undefined header";0,"No error" / 0)"},
-                 {lpa, "*ESR?;FOO;TIM:REF 101;*OPC;*ESR?;*ESR?;*CLS", "128;49;0 / 0"},
-                 {lpa, "*CLS;*ESE 32;*SRE 36;*STB?;FOO;*STB?;*RST;*ESE?;*SRE?;*CLS;*STB?",
-                  "0;116;32;36;16 / 0"},
-                 {kvx, "TIM:RANG 2s;TIM:SCAL?;:ACQ:POIN 1999.6;POIN?", "0.2;2000 / 0"},
-                 {kvx, "TRIG2:LEV3 1;LEV3?;LEV4?;:TRIG3:LEV3?", "1;0.027;0.027 / 0"},
-                 {kvx, "INIT:CONT?;CONT OFF;CONT?;*TRG;:INIT:CONT?;:RUNC;INIT:CONT?",
-                  "1;0;0;1 / 0"},
-                 {spa, "FREQ:MODE SW", " / -113"},
-                 {spa, "FREQ:CENT 5192 MHZ;CENT?;CENT 5.192GHZ;CENT?", "5192000000;5192000000 / 0"},
-                 {spa, "SWE:POIN 101;:TRAC? TRACE1,0", " / -222"},
-                 {spa, "SWE:POIN 101;:TRAC? TRACE1,102", " / -222"},
-                 {qan, "FREQ:MODE SW;MODE?;:OUTP:IF VID;:OUTP1:IF:SOUR?", "SW;VID / 0"},
-                 {video, "READ:AVDA:TTV:STAT?;VAL?", "0 / -230"},
-                 {video, "INIT:AVDA;READ:AVDA:TTV:STAT?;COUN?;VAL?;*RST;STAT?;*TRG",
-                  "1;0;0 / -230"}}) {
-            QTest::addRow("%s: %s", host, message)
-                << QByteArray(host) << QByteArray(message) << QByteArray(expected);
-        }
+        QTest::addColumn<QByteArray>("answer");
+        QTest::addColumn<QByteArray>("error"); // the first in the queue
+        using Text = const char *;
+        const Text noEvent = R"(-230,"Data corrupt or stale")";
+        const auto row = [](Text name, Text host, Text message, Text answer,
+                            Text error = R"(0,"No error")") {
+            QTest::newRow(name) << QByteArray(host) << QByteArray(message) << QByteArray(answer)
+                                << QByteArray(error);
+        };
+        row("forms and paths", "scope", "chan:scal .05;POSITION -3;:channel1:scale?;pos?",
+            "0.05;-3");
+        row("channels", "scope", "CHAN4:SCAL 0.5;:CHAN2:SCAL?;:CHAN4:SCAL?", "0.2;0.5");
+        row("whole screen", "scope", "CHAN1:RANG 0.5;SCAL?;RANG? MAX;:TIM:RANG?", "0.05;100;1.2");
+        row("mega, not milli", "analyzer", "FREQ:CENT 5192 MHZ;CENT?", "5192000000");
+        row("rounding", "scope-kvx", "ACQ:POIN 1999.6;POIN?", "2000");
+        row("two suffixes", "scope-kvx", "TRIG2:LEV3 1;LEV3?;LEV4?;:TRIG3:LEV3?", "1;0.027;0.027");
+        row("continuous acquisition", "scope-kvx",
+            "INIT:CONT?;CONT OFF;CONT?;*TRG;:INIT:CONT?;:RUNC;INIT:CONT?", "1;0;0;1");
+        row("reset format", "scope", "FORM REAL,32;*RST;FORM?", "ASC,0");
+        row("frequency mode", "analyzer-qan", "FREQ:MODE SW;MODE?", "SW");
+        row("unknown header", "scope", "FOO;*OPC?", "1", R"(-113,"Undefined header")");
+        row("other family's header", "analyzer", "FREQ:MODE SW", "", R"(-113,"Undefined header")");
+        row("colon at the end", "scope", "CHAN1:SCAL:", "", R"(-113,"Undefined header")");
+        row("quoted semicolon", "scope", "'a;b';SYST:ERR?;SYST:ERR?",
+            R"(-113,"Undefined header";0,"No error")");
+        row("fifth channel", "scope", "CHAN5:SCAL 1", "", R"(-114,"Header suffix out of range")");
+        row("no number", "scope", "CHAN1:SCAL nan;SCAL?", "0.2", R"(-104,"Data type error")");
+        row("wrong unit", "scope", "CHAN1:SCAL 1HZ;SCAL?", "0.2", R"(-131,"Invalid suffix")");
+        row("trigger while stopped", "scope", "STOP;*TRG", "", R"(-211,"Trigger ignored")");
+        row("channel off", "scope", "CHAN2:DATA?;*OPC?", "1", R"(-221,"Settings conflict")");
+        row("level below the source's", "scope", "TRIG:A:LEV1 0.005;*TRG;BENC:EVEN?", "", noEvent);
+        row("level above the source's", "scope", "TRIG:A:LEV1 0.15;*TRG;BENC:EVEN?", "", noEvent);
+        row("falling slope", "scope", "TRIG:A:EDGE:SLOP NEG;*TRG;BENC:EVEN?", "", noEvent);
+        row("external trigger", "scope", "TRIG:A:SOUR EXT;*TRG;BENC:EVEN?", "", noEvent);
+        row("disabled trigger", "scope", "TRIG:A:ENAB OFF;*TRG;BENC:EVEN?", "", noEvent);
+        row("no points", "analyzer", "TRAC? TRACE1,0", "", R"(-222,"Data out of range")");
+        row("too many points", "analyzer", "SWE:POIN 101;:TRAC? TRACE1,102", "",
+            R"(-222,"Data out of range")");
+        row("no event", "video", "INIT:AVDA;READ:AVDA:TTV:STAT?;COUN?;VAL?;*RST;STAT?", "1;0;0",
+            noEvent);
+        row("event status", "scope", "*ESR?;FOO;TIM:REF 101;*OPC;*ESR?;*ESR?;*CLS", "128;49;0");
+        row("status byte", "scope",
+            "*CLS;*ESE 32;*SRE 36;*STB?;FOO;*STB?;*RST;*ESE?;*SRE?;*CLS;*STB?", "0;116;32;36;16");
     }
 
     void messages()
@@ -90,82 +90,60 @@ private slots:
         QFETCH(const QByteArray, host);
         QFETCH(const QByteArray, message);
         const Bench bench;
-        const QByteArray outcome = ask(bench, host, message) + " / ";
-        QTEST(outcome + ask(bench, host, "SYST:ERR?").split(',')[0], "expected");
+        QTEST(ask(bench, host, message), "answer");
+        QTEST(ask(bench, host, "SYST:ERR?"), "error");
     }
 
-    /// As much as queues hold, and more.
-    void limits()
+    void responseLimit()
     {
         const Bench bench;
         ask(bench, "scope-kvx", "ACQ:POIN MAX;:FORM REAL,32"); // 2,000,009 bytes each
-        QByteArray records = QByteArray(":CHAN1:DATA?;").repeated(16);
-        QVERIFY(bench.find("scope-kvx")->execute(records.toStdString()).size() > 32000000);
-        records += ":CHAN1:DATA?";
-        QCOMPARE(ask(bench, "scope-kvx", records), QByteArray());
-        QVERIFY(ask(bench, "scope-kvx", "SYST:ERR?").startsWith("-430,"));
-
-        for (const int errors : {30, 31}) {
-            ask(bench, "scope", QByteArray("FOO;").repeated(errors));
-            const QByteArray all = ask(bench, "scope", QByteArray(":SYST:ERR?;").repeated(31));
-            QCOMPARE(all.count("-113,"), errors == 30 ? 30 : 29);
-            QCOMPARE(all.count("-350,"), errors - 30);
-            QVERIFY(all.endsWith(";0,\"No error\""));
-        }
+        const QByteArray query = ":CHAN1:DATA?;";
+        QCOMPARE(ask(bench, "scope-kvx", query.repeated(16)).size(), 16 * 2000010 - 1);
+        QCOMPARE(ask(bench, "scope-kvx", query.repeated(17)), QByteArray());
+        QCOMPARE(ask(bench, "scope-kvx", "SYST:ERR?"), QByteArray(R"(-430,"Query DEADLOCKED")"));
     }
 
-    void formatsCarryTheSameRecord()
+    void errorQueueOverflows()
     {
         const Bench bench;
-        ask(bench, "scope-kvx", "ACQ:POIN 1000;*TRG");
-        const auto texts = ask(bench, "scope-kvx", "CHAN1:DATA?").split(',');
-        const QByteArray block = ask(bench, "scope-kvx", "FORM REAL,32;:CHAN1:DATA?");
-        QVERIFY(block.startsWith("#44000"));
-        const auto values = floatsOf(block.mid(6));
-        QVERIFY(texts.size() == 1000 && values.size() == 1000);
-        for (int k = 0; k < 1000; ++k) {
-            QCOMPARE(texts[k].toFloat(), values[k]);
-        }
+        ask(bench, "scope", QByteArray("FOO;").repeated(31));
+        const QByteArray all = ask(bench, "scope", QByteArray(":SYST:ERR?;").repeated(31));
+        QCOMPARE(all.count(R"(-113,"Undefined header")"), 29);
+        QVERIFY(all.endsWith(R"(;-350,"Queue overflow";0,"No error")"));
     }
 
-    void everyInstrumentTellsTheTruth()
+    /// The handbook prints this event. Every bench has it first.
+    void firstEvent()
     {
-        Bench bench;
+        const Bench bench;
         ask(bench, "video", "INIT:AVDA");
-        const auto instants = [&] { return bench.link().lastEvent().instants(); };
-        for (const auto &[settings, events] :
-             std::initializer_list<std::pair<const char *, const char *>>{
-                 {"", "1"},
-                 {"TRIG:A:LEV1 0.005", "1"}, // nothing triggers beyond the step
-                 {"TRIG:A:LEV1 0.15", "1"},
-                 {"TRIG:A:EDGE:SLOP NEG", "1"},
-                 {"TRIG:A:SOUR EXT", "1"},
-                 {"TRIG:A:ENAB OFF", "1"},
-                 {"TRIG:A:LEV1 0.1;:CHAN2:STAT ON", "2"}}) {
-            ask(bench, "scope", "*RST;" + QByteArray(settings) + ";*TRG");
-            QVERIFY2(ask(bench, "video", "READ:AVDA:TTV:COUN?") == events, settings);
-            const float source = greatest(trace(bench, "scope", "CHAN1:DATA?"));
-            QVERIFY2((source > 0.1F) == (qstrlen(settings) == 0 || *events == '2'), settings);
+        ask(bench, "scope", "*TRG");
+        const auto answer = ask(bench, "analyzer-qel", "BENC:EVEN?").split(',');
+        const QList<double> expected = {
+            1, 0.000108363408160115, 44.6016055680811, 97.9632020955905, 117.469681170266, 0};
+        QCOMPARE(answer.size(), expected.size());
+        for (int i = 0; i < expected.size(); ++i) {
+            QCOMPARE(answer[i].toDouble(), expected[i]);
         }
-        const auto truth = ask(bench, "analyzer-qel", "BENCh:EVENt?").split(',');
-        QCOMPARE(truth.size(), 6);
-        QCOMPARE(truth[0].toInt(), 2);
-        QCOMPARE(truth[1].toDouble(), instants().source);
-        QCOMPARE(truth[2].toDouble(), 1000 * (instants().rf - instants().source));
-        QCOMPARE(truth[3].toDouble(), instants().hdmiDelayMs);
-        QCOMPARE(truth[4].toDouble(), 1000 * (instants().sink - instants().source));
-        QCOMPARE(ask(bench, "video", "READ:AVDA:TTV:VAL?"), truth[3]);
-        ask(bench, "video", "INIT:AVDA;READ:AVDA:TTV:VAL?");
-        QVERIFY(ask(bench, "video", "SYST:ERR?").startsWith("-230,"));
+        QCOMPARE(ask(bench, "video", "READ:AVDA:TTV:VAL?"), answer[3]);
+        QCOMPARE(ask(bench, "video", "READ:AVDA:TTV:COUN?;*RST;COUN?"), QByteArray("1;0"));
     }
 
-    /// An oscilloscope's record is its own, and STOP keeps it.
+    void recordWithoutEventIsDark()
+    {
+        const Bench bench;
+        ask(bench, "scope", "*TRG;:TRIG:A:ENAB OFF;*TRG");
+        QVERIFY(maximum(trace(bench, "scope", "CHAN1:DATA?")) < 0.1F);
+    }
+
+    /// Other instruments' triggers do not change a record, and STOP keeps it.
     void recordsStay()
     {
         const Bench bench;
         ask(bench, "scope", "SING;*TRG");
         const auto record = trace(bench, "scope", "CHAN1:DATA?");
-        ask(bench, "scope", "STOP;*TRG");
+        ask(bench, "scope", "*TRG");
         ask(bench, "scope-kvx", "*TRG");
         QCOMPARE(trace(bench, "scope", "CHAN1:DATA?"), record);
         ask(bench, "scope", "SING;*TRG");
@@ -176,39 +154,37 @@ private slots:
 
     void analyzersHearTheirFrequency_data()
     {
-        QTest::addColumn<QByteArray>("settings");
+        QTest::addColumn<int>("MHz"); // of the centre; the bandwidth is 50 MHz
         QTest::addColumn<bool>("isHeard");
-        QTest::newRow("on it") << QByteArray("BWID 1e6") << true;
-        QTest::newRow("within the bandwidth") << QByteArray("BWID 50e6;:FREQ:CENT 5.226e9") << true;
-        QTest::newRow("beside it") << QByteArray("BWID 50e6;:FREQ:CENT 5.228e9") << false;
-        QTest::newRow("below it") << QByteArray("BWID 50e6;:FREQ:CENT 5.156e9") << false;
-        QTest::newRow("elsewhere") << QByteArray("FREQ:CENT 2.437e9") << false;
+        QTest::newRow("within the bandwidth") << 5226 << true;
+        QTest::newRow("above the channel") << 5228 << false;
+        QTest::newRow("below the channel") << 5156 << false;
     }
 
     void analyzersHearTheirFrequency()
     {
-        QFETCH(const QByteArray, settings);
+        QFETCH(const int, MHz);
         QFETCH(const bool, isHeard);
         const Bench bench;
-        ask(bench, "analyzer", tuned + "OUTP:IF VID;:" + settings);
+        ask(bench, "analyzer", "TRIG1:SOUR EXT;HOLD -0.6;:SWE:TIME 1.2;:OUTP:IF VID;:BWID 50MHz");
+        ask(bench, "analyzer", "FREQ:CENT " + QByteArray::number(MHz) + "MHz");
         ask(bench, "scope", "*TRG");
-        QCOMPARE(greatest(trace(bench, "analyzer", "TRAC? TRACE1")) > -30.0F, isHeard);
+        QCOMPARE(maximum(trace(bench, "analyzer", "TRAC? TRACE1")) > -30.0F, isHeard);
         const auto video = trace(bench, "scope", "CHAN3:DATA?");
-        QCOMPARE(greatest(video) > 0.7F, isHeard);
-        QVERIFY(least(video) > 0.2F); // 10 mV per dB: the floor is at 0.25 V
+        QCOMPARE(maximum(video) > 0.7F, isHeard);
+        QVERIFY(maximum(video) > 0.2F); // 10 mV per dB: the floor is at 0.25 V
         ask(bench, "analyzer", "OUTP:IF IF;IFFR 1kHz");
-        const auto carrier = trace(bench, "scope", "CHAN3:DATA?");
-        QCOMPARE(greatest(carrier) > 0.5F, isHeard);
-        QCOMPARE(least(carrier) < -0.5F, isHeard);
+        QCOMPARE(maximum(trace(bench, "scope", "CHAN3:DATA?")) > 0.5F, isHeard);
     }
 
-    void sweepsThatNothingTriggers()
+    void sweepsWithoutTrigger()
     {
         const Bench bench;
         ask(bench, "analyzer", "FREQ:CENT 5.192e9");
         const auto sweep = [&] { return trace(bench, "analyzer", "TRAC? TRACE1"); };
-        QVERIFY(sweep() != sweep());
-        QCOMPARE(greatest(sweep()) > -50.0F, true); // beacons
+        const auto first = sweep();
+        QVERIFY(maximum(first) > -50.0F); // beacons
+        QVERIFY(sweep() != first);
         ask(bench, "analyzer", "INIT:CONT OFF;:INIT");
         const auto single = sweep();
         QCOMPARE(sweep(), single);

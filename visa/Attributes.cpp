@@ -10,40 +10,39 @@ namespace visa {
 
 namespace {
 
-/// A numeric attribute: how wide it is, what it is at first, and what clients may set it to.
+/// A numeric attribute: its width, its first value and the values that clients may set.
 struct Number
 {
     ViAttr attribute;
     unsigned width; // bytes
     ViAttrState initial;
-    unsigned uses = 0;
-    ViAttrState least = 0;
-    ViAttrState greatest = 0;
+    unsigned flags = 0;
+    ViAttrState minimum = 0;
+    ViAttrState maximum = 0;
 };
 
-// What a number's uses are.
-constexpr unsigned managers = 1; // resource managers have it, too
+// Flags of a number.
+constexpr unsigned ofManagers = 1; // resource managers have it as well as sessions
 constexpr unsigned writable = 2;
-constexpr unsigned both = managers | writable;
 
-constexpr ViAttrState words = 0xFFFFFFFF;
+constexpr ViAttrState maximum32 = 0xFFFFFFFF;
 
-// Of what this library does not do, clients may set what it does anyway.
+// The numeric attributes. A setting with a single supported value accepts only that value.
 constexpr std::array table{
-    Number{VI_ATTR_RSRC_IMPL_VERSION, 4, ORVANTA_VERSION_NUMBER, managers},
-    Number{VI_ATTR_RSRC_LOCK_STATE, 4, VI_NO_LOCK, managers},
-    Number{VI_ATTR_MAX_QUEUE_LENGTH, 4, 50, both, 1, words},
-    Number{VI_ATTR_USER_DATA_32, 4, 0, both, 0, words},
-    Number{VI_ATTR_USER_DATA, 8, 0, both, 0, ~ViAttrState{0}},
-    Number{VI_ATTR_RSRC_SPEC_VERSION, 4, 0x00300000, managers}, // VISA 3.0
-    Number{VI_ATTR_RSRC_MANF_ID, 2, 0x0FFF, managers},
+    Number{VI_ATTR_RSRC_IMPL_VERSION, 4, ORVANTA_VERSION_NUMBER, ofManagers},
+    Number{VI_ATTR_RSRC_LOCK_STATE, 4, VI_NO_LOCK, ofManagers},
+    Number{VI_ATTR_MAX_QUEUE_LENGTH, 4, 50, ofManagers | writable, 1, maximum32},
+    Number{VI_ATTR_USER_DATA_32, 4, 0, ofManagers | writable, 0, maximum32},
+    Number{VI_ATTR_USER_DATA, 8, 0, ofManagers | writable, 0, ~ViAttrState{0}},
+    Number{VI_ATTR_RSRC_SPEC_VERSION, 4, 0x00300000, ofManagers}, // VISA 3.0
+    Number{VI_ATTR_RSRC_MANF_ID, 2, 0x0FFF, ofManagers},
     Number{VI_ATTR_SEND_END_EN, 2, 1, writable, 0, 1},
     Number{VI_ATTR_TERMCHAR, 1, '\n', writable, 0, 0xFF},
     Number{VI_ATTR_TERMCHAR_EN, 2, 0, writable, 0, 1},
-    Number{VI_ATTR_TMO_VALUE, 4, 2000, writable, 0, words},
+    Number{VI_ATTR_TMO_VALUE, 4, 2000, writable, 0, maximum32},
     Number{VI_ATTR_IO_PROT, 2, VI_PROT_NORMAL, writable, VI_PROT_NORMAL, VI_PROT_NORMAL},
     Number{VI_ATTR_DMA_ALLOW_EN, 2, 0, writable, 0, 1},
-    Number{VI_ATTR_RD_BUF_OPER_MODE, 2, 3, writable, 3, 3}, // never flushed but by viFlush
+    Number{VI_ATTR_RD_BUF_OPER_MODE, 2, 3, writable, 3, 3}, // only viFlush flushes it
     Number{VI_ATTR_RD_BUF_SIZE, 4, 0},
     Number{VI_ATTR_WR_BUF_OPER_MODE, 2, 2, writable, 2, 2}, // flushed when full
     Number{VI_ATTR_WR_BUF_SIZE, 4, 0},
@@ -56,14 +55,14 @@ constexpr std::array table{
     Number{VI_ATTR_INTF_NUM, 2, 0},
 };
 
-const Number &row(ViAttr attribute)
+const Number &definitionOf(ViAttr attribute)
 {
     return *std::find_if(table.begin(), table.end(),
                          [=](const Number &number) { return number.attribute == attribute; });
 }
 
-/// The part of a value that an attribute of so many bytes has.
-ViAttrState cut(ViAttrState value, unsigned width)
+/// Returns the lowest `width` bytes of a value.
+ViAttrState lowestBytes(ViAttrState value, unsigned width)
 {
     return width == 8 ? value : value & ((ViAttrState{1} << 8 * width) - 1);
 }
@@ -80,7 +79,7 @@ void store(ViAttrState number, void *target)
 Attributes::Attributes() : texts{{VI_ATTR_RSRC_MANF_NAME, "Varnholt"}}
 {
     for (const Number &number : table) {
-        if ((number.uses & managers) != 0) {
+        if ((number.flags & ofManagers) != 0) {
             numbers[number.attribute] = number.initial;
         }
     }
@@ -98,8 +97,8 @@ Attributes::Attributes(const ResourceName &name, const std::string &address, ViS
     for (const Number &number : table) {
         numbers[number.attribute] = number.initial;
     }
-    put(VI_ATTR_RM_SESSION, manager);
-    put(VI_ATTR_INTF_NUM, name.board);
+    assign(VI_ATTR_RM_SESSION, manager);
+    assign(VI_ATTR_INTF_NUM, name.board);
 }
 
 ViStatus Attributes::set(ViAttr attribute, ViAttrState value)
@@ -108,15 +107,15 @@ ViStatus Attributes::set(ViAttr attribute, ViAttrState value)
     if (found == numbers.end()) {
         return texts.count(attribute) != 0 ? VI_ERROR_ATTR_READONLY : VI_ERROR_NSUP_ATTR;
     }
-    const Number &number = row(attribute);
-    if ((number.uses & writable) == 0) {
+    const Number &number = definitionOf(attribute);
+    if ((number.flags & writable) == 0) {
         return VI_ERROR_ATTR_READONLY;
     }
-    // Clients that declare the argument with 32 bits leave the rest of its register undefined; a
-    // narrow negative number comes with its sign.
-    const auto wanted =
-        cut(value, number.width == 8 || attribute == VI_ATTR_TRIG_ID ? number.width : 4);
-    if (wanted < number.least || wanted > number.greatest) {
+    // Clients that declare the argument with 32 bits leave the other half of its register
+    // undefined. VI_ATTR_TRIG_ID is signed: -1 arrives with its sign extended beyond 16 bits.
+    const bool isFullWidth = number.width == 8 || attribute == VI_ATTR_TRIG_ID;
+    const ViAttrState wanted = lowestBytes(value, isFullWidth ? number.width : 4);
+    if (wanted < number.minimum || wanted > number.maximum) {
         return VI_ERROR_NSUP_ATTR_STATE;
     }
     found->second = wanted;
@@ -133,7 +132,7 @@ ViStatus Attributes::get(ViAttr attribute, void *value) const
     if (found == numbers.end()) {
         return VI_ERROR_NSUP_ATTR;
     }
-    switch (row(attribute).width) {
+    switch (definitionOf(attribute).width) {
     case 1:
         store<ViByte>(found->second, value);
         break;

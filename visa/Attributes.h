@@ -13,24 +13,25 @@ struct ResourceName;
 class Attributes
 {
 public:
-    /// Make those of a resource manager.
+    /// Make the attributes of a resource manager.
     Attributes();
-    /// Make those of a session with a device, opened by the manager.
+    /// Make the attributes of a session that the manager has opened.
     Attributes(const ResourceName &name, const std::string &address, ViSession manager);
 
-    /// Set one, as a client may. Returns VI_ERROR_NSUP_ATTR, VI_ERROR_ATTR_READONLY or
-    /// VI_ERROR_NSUP_ATTR_STATE when it cannot be.
+    /// Set an attribute for a client. On failure returns VI_ERROR_NSUP_ATTR,
+    /// VI_ERROR_ATTR_READONLY or VI_ERROR_NSUP_ATTR_STATE.
     ViStatus set(ViAttr attribute, ViAttrState value);
-    /// Write exactly the attribute's width, a text with its zero byte; or VI_ERROR_NSUP_ATTR.
+    /// Write a number in the attribute's width, or a text with its zero byte. Returns
+    /// VI_ERROR_NSUP_ATTR when there is no such attribute.
     ViStatus get(ViAttr attribute, void *value) const;
 
-    /// Tell a number that is known to be there.
+    /// Returns the value of a numeric attribute that the object has.
     [[nodiscard]] ViUInt32 number(ViAttr attribute) const
     {
         return static_cast<ViUInt32>(numbers.at(attribute));
     }
-    /// Set a number, whether clients may or not.
-    void put(ViAttr attribute, ViUInt32 value) { numbers[attribute] = value; }
+    /// Set a numeric attribute, even if it is read-only for clients.
+    void assign(ViAttr attribute, ViUInt32 value) { numbers[attribute] = value; }
 
 private:
     std::map<ViAttr, ViAttrState> numbers;

@@ -1,4 +1,4 @@
-// Resource managers, what they find and open, and what all objects have.
+// The VISA functions of resource managers and find lists, and those of all objects.
 
 #include "visa/Deadline.h"
 #include "visa/Guard.h"
@@ -19,10 +19,10 @@ using visa::with;
 
 namespace {
 
-/// Connecting takes time, and clients who do not care ask for none.
-constexpr ViUInt32 usualOpenTimeout = 5000; // ms
+/// The time-out of viOpen for clients that give none, in milliseconds.
+constexpr ViUInt32 usualOpenTimeout = 5000;
 
-/// Copy a text with its zero byte, where the caller has a buffer for it.
+/// Copy a text with its zero byte, unless the caller's buffer is null.
 void copyText(ViChar *buffer, std::string_view text)
 {
     if (buffer != nullptr) {
@@ -60,19 +60,22 @@ ViStatus openSession(ViSession manager, const visa::ResourceName &name, ViAccess
     if ((accessMode & VI_EXCLUSIVE_LOCK) != 0) {
         status = object->link->lock(deadline);
         object->locks = 1;
-        object->attributes.put(VI_ATTR_RSRC_LOCK_STATE, VI_EXCLUSIVE_LOCK);
+        object->attributes.assign(VI_ATTR_RSRC_LOCK_STATE, VI_EXCLUSIVE_LOCK);
     }
     return status == VI_SUCCESS ? handles().add(object, session) : status;
 }
 
-/// Run an operation of a session's or a resource manager's attributes.
+/// Run an operation on the attributes of a session or a resource manager.
 template <typename Body>
 ViStatus withAttributes(ViObject handle, Body body) noexcept
 {
     return guarded([&] {
         const auto object = handles().find(handle);
-        if (object == nullptr || object->kind == Object::Kind::List) {
-            return object == nullptr ? VI_ERROR_INV_OBJECT : VI_ERROR_NSUP_OPER;
+        if (object == nullptr) {
+            return VI_ERROR_INV_OBJECT;
+        }
+        if (object->kind == Object::Kind::List) {
+            return VI_ERROR_NSUP_OPER;
         }
         const std::lock_guard lock(object->mutex);
         return body(object->attributes);
@@ -93,8 +96,11 @@ ViStatus viFindRsrc(ViSession resourceManager, const ViChar *expression, ViFindL
                     ViUInt32 *count, ViChar *description)
 {
     return with(resourceManager, Object::Kind::Manager, [=](Object &) {
-        if (expression == nullptr || description == nullptr) {
-            return expression == nullptr ? VI_ERROR_INV_EXPR : VI_ERROR_USER_BUF;
+        if (expression == nullptr) {
+            return VI_ERROR_INV_EXPR;
+        }
+        if (description == nullptr) {
+            return VI_ERROR_USER_BUF;
         }
         const auto found = std::make_shared<Object>();
         found->kind = Object::Kind::List;
@@ -115,8 +121,11 @@ ViStatus viFindRsrc(ViSession resourceManager, const ViChar *expression, ViFindL
 ViStatus viFindNext(ViFindList list, ViChar *description)
 {
     return with(list, Object::Kind::List, [=](Object &object) {
-        if (description == nullptr || object.names.empty()) {
-            return description == nullptr ? VI_ERROR_USER_BUF : VI_ERROR_RSRC_NFOUND;
+        if (description == nullptr) {
+            return VI_ERROR_USER_BUF;
+        }
+        if (object.names.empty()) {
+            return VI_ERROR_RSRC_NFOUND;
         }
         copyText(description, object.names.front());
         object.names.pop_front();
@@ -131,7 +140,7 @@ ViStatus viParseRsrc(ViSession resourceManager, const ViChar *resourceName, ViUI
                          nullptr, nullptr);
 }
 
-// Names are only taken apart: whether the device is there is up to viOpen.
+// Only the name is examined; viOpen finds out whether there is such a device.
 ViStatus viParseRsrcEx(ViSession resourceManager, const ViChar *resourceName,
                        ViUInt16 *interfaceType, ViUInt16 *interfaceNumber, ViChar *resourceClass,
                        ViChar *expandedName, ViChar *alias)
@@ -153,7 +162,8 @@ ViStatus viParseRsrcEx(ViSession resourceManager, const ViChar *resourceName,
     });
 }
 
-// The manager is not held meanwhile: a device that does not answer holds up nobody else.
+// The manager's mutex is not held while the device is opened, so that a device that does not answer
+// blocks no other thread.
 ViStatus viOpen(ViSession resourceManager, const ViChar *resourceName, ViAccessMode accessMode,
                 ViUInt32 timeoutMs, ViSession *session)
 {
@@ -168,7 +178,7 @@ ViStatus viOpen(ViSession resourceManager, const ViChar *resourceName, ViAccessM
     }
     return guarded([=] {
         if ((accessMode & ~(VI_EXCLUSIVE_LOCK | VI_LOAD_CONFIG)) != 0) {
-            return VI_ERROR_INV_ACC_MODE; // locks are not shared
+            return VI_ERROR_INV_ACC_MODE; // shared locks are not supported
         }
         const auto name = visa::parseResourceName(resourceName == nullptr ? "" : resourceName);
         if (!name) {
@@ -213,11 +223,14 @@ ViStatus viSetAttribute(ViObject object, ViAttr attribute, ViAttrState value)
 ViStatus viGetAttribute(ViObject object, ViAttr attribute, void *value)
 {
     return withAttributes(object, [=](const Attributes &attributes) {
-        return value == nullptr ? VI_ERROR_USER_BUF : attributes.get(attribute, value);
+        if (value == nullptr) {
+            return VI_ERROR_USER_BUF;
+        }
+        return attributes.get(attribute, value);
     });
 }
 
-// No events are raised, and none can be enabled.
+// This library raises no events: they are always disabled, and their queue is empty.
 ViStatus viDisableEvent(ViSession session, ViEventType /*type*/, ViUInt16 /*mechanism*/)
 {
     return withAttributes(session, [](const Attributes &) { return VI_SUCCESS_EVENT_DIS; });

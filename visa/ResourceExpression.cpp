@@ -6,7 +6,7 @@ namespace visa {
 
 namespace {
 
-/// Write an expression of viFindRsrc as RE2 has it.
+/// Returns an expression of viFindRsrc in the syntax of RE2.
 std::string re2Expression(const std::string &expression)
 {
     std::string result;

@@ -5,10 +5,10 @@
 
 namespace visa {
 
-/// Tell whether a regular expression of viFindRsrc (VPP-4.3: ? for any character, lists in
-/// brackets, * and + for repetitions, |, parentheses, a backslash before an ordinary character)
-/// matches all of the text, in any letter case. Nothing when it is malformed, or has conditions on
-/// attributes.
+/// Returns whether a regular expression of viFindRsrc matches the whole text, in any letter case.
+/// VPP-4.3 defines: ? for any character, lists in brackets, * and + for repetitions, |,
+/// parentheses, and a backslash before a character that stands for itself. Returns nothing when the
+/// expression is malformed or has conditions on attributes, which are not supported.
 std::optional<bool> matchesExpression(const std::string &expression, const std::string &text);
 
 } // namespace visa

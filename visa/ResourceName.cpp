@@ -10,7 +10,7 @@ namespace visa {
 
 namespace {
 
-constexpr std::size_t longest = VI_FIND_BUFLEN - 1; // what a client's buffer holds
+constexpr std::size_t maximumLength = VI_FIND_BUFLEN - 1; // a client's buffer has a zero byte, too
 
 constexpr std::array<std::pair<std::string_view, ViUInt16>, 7> interfaces{{
     {"TCPIP", VI_INTF_TCPIP},
@@ -34,13 +34,13 @@ std::string upperCase(std::string_view text)
     return result;
 }
 
-bool isNumber(std::string_view text, ViUInt16 *value)
+bool parseNumber(std::string_view text, ViUInt16 *value)
 {
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), *value);
     return error == std::errc() && end == text.data() + text.size();
 }
 
-/// Whether it is a host name, an address, or the name of a device at one, such as "gpib0,5".
+/// Returns whether a text can be a host name, an address or a device name such as "gpib0,5".
 bool isName(std::string_view text)
 {
     return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) {
@@ -60,15 +60,15 @@ std::vector<std::string> splitAtDoubleColons(std::string_view text)
     return parts;
 }
 
-/// Read "TCPIP0" and the like; a missing number is 0.
+/// Parse an interface such as "TCPIP0"; a missing number is 0.
 bool parseInterface(const std::string &text, ResourceName *name)
 {
-    for (const auto &[word, type] : interfaces) {
-        if (text.compare(0, word.size(), word) == 0) {
+    for (const auto &[interface, type] : interfaces) {
+        if (text.compare(0, interface.size(), interface) == 0) {
             name->interfaceType = type;
-            name->full = word;
-            return text.size() == word.size() ||
-                   isNumber(std::string_view(text).substr(word.size()), &name->board);
+            name->full = interface;
+            return text.size() == interface.size() ||
+                   parseNumber(std::string_view(text).substr(interface.size()), &name->board);
         }
     }
     return false;
@@ -78,7 +78,7 @@ bool parseInterface(const std::string &text, ResourceName *name)
 
 std::optional<ResourceName> parseResourceName(const std::string &text)
 {
-    std::vector<std::string> parts = splitAtDoubleColons(text.substr(0, longest + 1));
+    std::vector<std::string> parts = splitAtDoubleColons(text.substr(0, maximumLength + 1));
     ResourceName name;
     if (!parseInterface(upperCase(parts.front()), &name)) {
         return std::nullopt;
@@ -99,7 +99,7 @@ std::optional<ResourceName> parseResourceName(const std::string &text)
             parts.emplace_back("inst0");
         }
         ViUInt16 port = 0;
-        if (parts.size() != 2 || (isSocket && !isNumber(parts[1], &port))) {
+        if (parts.size() != 2 || (isSocket && !parseNumber(parts[1], &port))) {
             return std::nullopt;
         }
         name.host = parts[0];
@@ -110,7 +110,10 @@ std::optional<ResourceName> parseResourceName(const std::string &text)
         name.full += "::" + part;
     }
     name.full += "::" + name.resourceClass;
-    return name.full.size() <= longest ? std::optional(name) : std::nullopt;
+    if (name.full.size() > maximumLength) {
+        return std::nullopt;
+    }
+    return name;
 }
 
 } // namespace visa

@@ -1,4 +1,4 @@
-// What is done with a device by way of its session.
+// The VISA functions of sessions: input and output, triggers and locks.
 
 #include "visa/Deadline.h"
 #include "visa/Guard.h"
@@ -12,7 +12,7 @@ using visa::Object;
 
 namespace {
 
-constexpr std::size_t pieceSize = 65536; // of files, bytes
+constexpr std::size_t pieceSize = 65536; // of a file, bytes
 
 template <typename Body>
 ViStatus withSession(ViSession handle, Body body) noexcept
@@ -34,23 +34,26 @@ void report(ViUInt32 *returnedCount, std::size_t count)
 
 ViStatus write(Object &session, const ViByte *bytes, std::size_t count, ViUInt32 *returnedCount)
 {
+    if (count == 0) {
+        return VI_SUCCESS;
+    }
     const bool end = session.attributes.number(VI_ATTR_SEND_END_EN) != 0;
     std::size_t written = 0;
-    const ViStatus status =
-        count == 0 ? VI_SUCCESS
-                   : session.link->write(bytes, count, end, deadlineOf(session), &written);
+    const ViStatus status = session.link->write(bytes, count, end, deadlineOf(session), &written);
     report(returnedCount, written);
     return status;
 }
 
 visa::ReadOutcome read(Object &session, ViByte *buffer, std::size_t count, visa::Deadline deadline)
 {
+    if (count == 0) {
+        return {};
+    }
     std::optional<ViByte> termination;
     if (session.attributes.number(VI_ATTR_TERMCHAR_EN) != 0) {
         termination = static_cast<ViByte>(session.attributes.number(VI_ATTR_TERMCHAR));
     }
-    return count == 0 ? visa::ReadOutcome()
-                      : session.link->read(buffer, count, termination, deadline);
+    return session.link->read(buffer, count, termination, deadline);
 }
 
 ViStatus statusOf(const visa::ReadOutcome &outcome)
@@ -80,7 +83,7 @@ File openFile(const ViChar *name, const char *mode)
     return File(name == nullptr ? nullptr : std::fopen(name, mode));
 }
 
-/// Read into a file, piece by piece; the time-out is that of the whole.
+/// Read into a file, piece by piece. The time-out is that of the whole transfer.
 ViStatus readToFile(Object &session, std::FILE *file, std::size_t count, ViUInt32 *returnedCount)
 {
     const visa::Deadline deadline = deadlineOf(session);
@@ -98,7 +101,7 @@ ViStatus readToFile(Object &session, std::FILE *file, std::size_t count, ViUInt3
     return std::fflush(file) == 0 ? statusOf(outcome) : VI_ERROR_FILE_IO;
 }
 
-/// Whether a mask of viFlush (VPP-4.3, table 6.2.4) names buffers.
+/// Returns whether a mask of viFlush (VPP-4.3, table 6.2.4) names buffers.
 bool isBufferMask(unsigned mask)
 {
     return mask != 0 && mask <= 0xFF;
@@ -110,8 +113,10 @@ ViStatus viWrite(ViSession session, const ViByte *buffer, ViUInt32 count, ViUInt
 {
     report(returnedCount, 0);
     return withSession(session, [=](Object &open) {
-        return buffer == nullptr && count != 0 ? VI_ERROR_USER_BUF
-                                               : write(open, buffer, count, returnedCount);
+        if (buffer == nullptr && count != 0) {
+            return VI_ERROR_USER_BUF;
+        }
+        return write(open, buffer, count, returnedCount);
     });
 }
 
@@ -124,14 +129,17 @@ ViStatus viWriteFromFile(ViSession session, const ViChar *fileName, ViUInt32 cou
         if (!file) {
             return VI_ERROR_FILE_ACCESS;
         }
-        std::vector<ViByte> bytes; // as a whole: END goes with the last byte
+        // The whole file is read before it is sent, since END goes with its last byte.
+        std::vector<ViByte> bytes;
         std::size_t size = 0;
         do {
             bytes.resize(std::min<std::size_t>(count, size + pieceSize));
             size += std::fread(bytes.data() + size, 1, bytes.size() - size, file.get());
         } while (size == bytes.size() && size < count);
-        return std::ferror(file.get()) != 0 ? VI_ERROR_FILE_IO
-                                            : write(open, bytes.data(), size, returnedCount);
+        if (std::ferror(file.get()) != 0) {
+            return VI_ERROR_FILE_IO;
+        }
+        return write(open, bytes.data(), size, returnedCount);
     });
 }
 
@@ -155,7 +163,10 @@ ViStatus viReadToFile(ViSession session, const ViChar *fileName, ViUInt32 count,
     return withSession(session, [=](Object &open) {
         const bool append = open.attributes.number(VI_ATTR_FILE_APPEND_EN) != 0;
         const File file = openFile(fileName, append ? "ab" : "wb");
-        return file ? readToFile(open, file.get(), count, returnedCount) : VI_ERROR_FILE_ACCESS;
+        if (!file) {
+            return VI_ERROR_FILE_ACCESS;
+        }
+        return readToFile(open, file.get(), count, returnedCount);
     });
 }
 
@@ -164,8 +175,8 @@ ViStatus viClear(ViSession session)
     return withSession(session, [](Object &open) { return open.link->clear(deadlineOf(open)); });
 }
 
-// There are no buffers between a client and its device: their sizes do not matter, and nothing is
-// ever left in them.
+// Nothing is buffered between a client and its device. So any size is accepted, and viFlush has
+// nothing to write or discard.
 ViStatus viSetBuf(ViSession session, ViUInt16 mask, ViUInt32 /*size*/)
 {
     constexpr unsigned buffers = VI_READ_BUF | VI_WRITE_BUF | VI_IO_IN_BUF | VI_IO_OUT_BUF;
@@ -196,19 +207,24 @@ ViStatus viReadSTB(ViSession session, ViUInt16 *statusByte)
 ViStatus viAssertTrigger(ViSession session, ViUInt16 protocol)
 {
     return withSession(session, [=](Object &open) {
-        return protocol == 0 ? open.link->trigger(deadlineOf(open)) : VI_ERROR_INV_PROT;
+        if (protocol != 0) {
+            return VI_ERROR_INV_PROT;
+        }
+        return open.link->trigger(deadlineOf(open));
     });
 }
 
 ViStatus viGpibControlREN(ViSession session, ViUInt16 mode)
 {
     return withSession(session, [=](Object &open) {
-        return mode <= VI_GPIB_REN_ADDRESS_GTL ? open.link->controlRemote(mode, deadlineOf(open))
-                                               : VI_ERROR_INV_MODE;
+        if (mode > VI_GPIB_REN_ADDRESS_GTL) {
+            return VI_ERROR_INV_MODE;
+        }
+        return open.link->controlRemote(mode, deadlineOf(open));
     });
 }
 
-// Locks are exclusive, and count: whoever has one gets another at once.
+// All locks are exclusive. A session may lock its device again; each lock needs an unlock.
 ViStatus viLock(ViSession session, ViAccessMode lockType, ViUInt32 timeoutMs,
                 const ViChar * /*requestedKey*/, ViChar * /*accessKey*/)
 {
@@ -216,13 +232,16 @@ ViStatus viLock(ViSession session, ViAccessMode lockType, ViUInt32 timeoutMs,
         if (lockType != VI_EXCLUSIVE_LOCK) {
             return VI_ERROR_INV_LOCK_TYPE;
         }
-        const ViStatus status =
-            open.locks == 0 ? open.link->lock(visa::deadlineAfter(timeoutMs)) : VI_SUCCESS;
-        if (status != VI_SUCCESS) {
-            return status;
+        if (open.locks != 0) {
+            ++open.locks;
+            return VI_SUCCESS_NESTED_EXCLUSIVE;
         }
-        open.attributes.put(VI_ATTR_RSRC_LOCK_STATE, VI_EXCLUSIVE_LOCK);
-        return open.locks++ == 0 ? VI_SUCCESS : VI_SUCCESS_NESTED_EXCLUSIVE;
+        const ViStatus status = open.link->lock(visa::deadlineAfter(timeoutMs));
+        if (status == VI_SUCCESS) {
+            open.locks = 1;
+            open.attributes.assign(VI_ATTR_RSRC_LOCK_STATE, VI_EXCLUSIVE_LOCK);
+        }
+        return status;
     });
 }
 
@@ -235,7 +254,7 @@ ViStatus viUnlock(ViSession session)
         if (--open.locks != 0) {
             return VI_SUCCESS_NESTED_EXCLUSIVE;
         }
-        open.attributes.put(VI_ATTR_RSRC_LOCK_STATE, VI_NO_LOCK);
+        open.attributes.assign(VI_ATTR_RSRC_LOCK_STATE, VI_NO_LOCK);
         return open.link->unlock(deadlineOf(open));
     });
 }

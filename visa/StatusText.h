@@ -6,8 +6,8 @@
 
 namespace visa {
 
-/// Describe a completion or error code; sets known to whether it is one. The text fits the 256
-/// bytes that VISA guarantees its callers (VPP-4.3, viStatusDesc).
+/// Returns a description of a completion or error code, and sets known to false for any other. The
+/// text fits the 256 bytes of a caller's buffer (VPP-4.3, viStatusDesc).
 std::string statusText(ViStatus status, bool *known);
 
 } // namespace visa

@@ -1,7 +1,8 @@
 #include "visa/VisaFunctions.h"
 
-// The rest of VPP-4.3, so that every client links and finds what it looks up. Whatever arguments
-// they come with, the platform's C calling convention leaves those to the caller.
+// The other functions of VPP-4.3. All return VI_ERROR_NSUP_OPER; clients need them in order to link
+// with this library or to load it. They declare no parameters: in the platform's C calling
+// convention the caller removes the arguments, whatever they are.
 
 #define UNSUPPORTED(name)                                                                          \
     VISA_EXPORT ViStatus name()                                                                    \
@@ -13,7 +14,7 @@
     UNSUPPORTED(name##16##end) UNSUPPORTED(name##32##end) UNSUPPORTED(name##64##end)
 
 extern "C" {
-// A family a paragraph, not as it would be laid out.
+// Each paragraph has one family of functions; clang-format would join them.
 // clang-format off
 UNSUPPORTED(viPrintf) UNSUPPORTED(viVPrintf) UNSUPPORTED(viSPrintf) UNSUPPORTED(viVSPrintf)
 UNSUPPORTED(viScanf) UNSUPPORTED(viVScanf) UNSUPPORTED(viSScanf) UNSUPPORTED(viVSScanf)

@@ -2,9 +2,9 @@
 
 #include "visa/VisaTypes.h"
 
-// The functions of a VISA library over visa::backend(), as clients find them in it. All of them
-// may be called from any thread; calls on one session take turns. Those that are not done are in
-// UnsupportedFunctions.cpp.
+// The functions that this VISA library exports; they reach devices through visa::backend(). They
+// may be called from any thread; calls on one session take turns. Functions that only return
+// VI_ERROR_NSUP_OPER are in UnsupportedFunctions.cpp.
 
 #define VISA_EXPORT __attribute__((visibility("default")))
 

@@ -6,7 +6,7 @@
 
 namespace simulator {
 
-/// An error of an instrument, with its text in SYSTem:ERRor?. Number 0 is none.
+/// An error of an instrument as SYSTem:ERRor? answers it. Number 0 means no error.
 struct Error
 {
     int number;
@@ -36,7 +36,7 @@ constexpr Error queryUnterminated{-420, "Query UNTERMINATED"};
 constexpr Error queryDeadlocked{-430, "Query DEADLOCKED"};
 } // namespace scpi
 
-/// The errors of an instrument, oldest first. When it is full, its last entry becomes -350
+/// The errors of an instrument, oldest first. When the queue is full, its last entry becomes -350
 /// (SCPI-99 volume 2, 21.8.1).
 class ErrorQueue
 {
@@ -44,7 +44,8 @@ public:
     static constexpr std::size_t capacity = 30;
 
     void push(const Error &error);
-    /// Take the oldest entry as SYSTem:ERRor? answers it: `-113,"Undefined header"`.
+    /// Remove the oldest entry and return it as SYSTem:ERRor? answers it:
+    /// `-113,"Undefined header"`, or `0,"No error"` when the queue is empty.
     std::string next();
     void clear() { errors.clear(); }
     [[nodiscard]] bool isEmpty() const { return errors.empty(); }

@@ -6,17 +6,20 @@ namespace simulator {
 
 namespace {
 
-/// More than any answer of the bench's instruments; a message that asks for more is deadlocked.
+/// The longest response in bytes. It is longer than any single answer of the bench's instruments; a
+/// message that asks for more is deadlocked.
 constexpr std::size_t outputLimit = std::size_t{32} << 20U;
 
-// The status byte (IEEE 488.2 11.2 and SCPI-99 volume 1, 9) and the event status register (11.5).
+// Bits of the status byte (IEEE 488.2 11.2 and SCPI-99 volume 1, 9).
 constexpr unsigned errorAvailable = 0x04;
 constexpr unsigned messageAvailableBit = 0x10;
 constexpr unsigned eventSummary = 0x20;
 constexpr unsigned masterSummary = 0x40;
+
+// A bit of the event status register (IEEE 488.2 11.5.1).
 constexpr unsigned operationComplete = 0x01;
 
-/// Split at separators that stand outside quotes (IEEE 488.2 7.7.5).
+/// Split a text at the separators outside quotes (IEEE 488.2 7.7.5).
 std::vector<std::string_view> split(std::string_view text, char separator)
 {
     std::vector<std::string_view> parts;
@@ -25,7 +28,9 @@ std::vector<std::string_view> split(std::string_view text, char separator)
     for (std::size_t at = 0; at < text.size(); ++at) {
         const char c = text[at];
         if (quote != 0) {
-            quote = c == quote ? '\0' : quote;
+            if (c == quote) {
+                quote = 0;
+            }
         } else if (c == '"' || c == '\'') {
             quote = c;
         } else if (c == separator) {
@@ -49,15 +54,15 @@ void Instrument::addCommonCommands()
     eventEnable = &add(integer("*ESE", 0.0, 255.0, 0.0));
     serviceEnable = &add(integer("*SRE", 0.0, 255.0, 0.0));
     onAnswer("*IDN", [this] { return identity; });
-    onAnswer("*OPC", [] { return std::string("1"); }); // the commands before it have ended
+    onAnswer("*OPC", [] { return std::string("1"); }); // every command completes at once
     onAnswer("*TST", [] { return std::string("0"); });
     onAnswer("*ESR", [this] { return std::to_string(std::exchange(eventStatus, 0U)); });
     onAnswer("*STB", [this] { return std::to_string(statusByte(hasAnswered)); });
     onAnswer("SYSTem:ERRor[:NEXT]", [this] { return queue.next(); });
-    onEvent("*OPC", [this] { eventStatus |= operationComplete; });
-    onEvent("*WAI", [] {});
-    onEvent("*RST", [this] { reset(); });
-    onEvent("*CLS", [this] {
+    onAction("*OPC", [this] { eventStatus |= operationComplete; });
+    onAction("*WAI", [] {});
+    onAction("*RST", [this] { reset(); });
+    onAction("*CLS", [this] {
         queue.clear();
         eventStatus = 0;
     });
@@ -73,16 +78,16 @@ Setting &Instrument::add(Setting setting)
 
 void Instrument::addMultiple(std::string_view pattern, Setting &setting, double factor)
 {
-    const std::size_t least = setting.isBare() ? 0 : 1;
-    onCommand(pattern, {least, 1}, [&setting, factor](const Call &call, std::string *) {
+    const std::size_t minimum = setting.isParameterOptional() ? 0 : 1;
+    onCommand(pattern, {minimum, 1}, [&setting, factor](const Call &call, std::string *) {
         double value = setting.powerUpValue();
-        const Error error = call.parameters.empty()
-                                ? scpi::noError
-                                : setting.parse(call.parameters[0], factor, &value);
-        if (!error) {
-            setting.set(call.suffixes, value);
+        if (!call.parameters.empty()) {
+            if (const Error error = setting.parse(call.parameters[0], factor, &value)) {
+                return error;
+            }
         }
-        return error;
+        setting.set(call.suffixes, value);
+        return scpi::noError;
     });
     onQuery(pattern, {0, 1}, [&setting, factor](const Call &call, std::string *answer) {
         double value = setting.value(call.suffixes);
@@ -94,17 +99,17 @@ void Instrument::addMultiple(std::string_view pattern, Setting &setting, double 
     });
 }
 
-void Instrument::onCommand(std::string_view pattern, Parameters parameters, Handler handler)
+void Instrument::onCommand(std::string_view pattern, ParameterCount count, Handler handler)
 {
-    commands.push_back({Pattern(pattern), false, parameters, std::move(handler)});
+    commands.push_back({Pattern(pattern), false, count, std::move(handler)});
 }
 
-void Instrument::onQuery(std::string_view pattern, Parameters parameters, Handler handler)
+void Instrument::onQuery(std::string_view pattern, ParameterCount count, Handler handler)
 {
-    commands.push_back({Pattern(pattern), true, parameters, std::move(handler)});
+    commands.push_back({Pattern(pattern), true, count, std::move(handler)});
 }
 
-void Instrument::onEvent(std::string_view pattern, const std::function<void()> &action)
+void Instrument::onAction(std::string_view pattern, const std::function<void()> &action)
 {
     onCommand(pattern, {}, [action](const Call &, std::string *) {
         action();
@@ -140,7 +145,8 @@ void Instrument::reset()
 void Instrument::report(const Error &error)
 {
     queue.push(error);
-    // SCPI-99 volume 2, 21.8: -1xx command, -2xx execution, -3xx device, -4xx query errors.
+    // Errors from -100 are command errors, from -200 execution, from -300 device and from -400
+    // query errors (SCPI-99 volume 2, 21.8). Their bits descend from 0x20.
     eventStatus |= 0x40U >> static_cast<unsigned>(error.number / -100);
 }
 
@@ -184,8 +190,8 @@ Error Instrument::executeUnit(std::string_view unit, std::string *path, std::str
         call.parameters = split(rest, ',');
     }
 
-    // A header goes on from the path of the unit before (SCPI-99 volume 1, 6.2.4). Like many
-    // instruments these take one that is not there for one from the root.
+    // A header continues from the path of the unit before (SCPI-99 volume 1, 6.2.4). When nothing
+    // has that name, these instruments try the header from the root, as many do.
     const bool isCommon = header.front() == '*';
     const bool isAbsolute = header.front() == ':';
     header.erase(0, isAbsolute ? 1 : 0);
@@ -193,7 +199,9 @@ Error Instrument::executeUnit(std::string_view unit, std::string *path, std::str
     const Command *command = nullptr;
     if (!isAbsolute && !isCommon && !path->empty()) {
         command = find(*path + header, &call.suffixes, &error);
-        header.insert(0, command != nullptr ? *path : std::string());
+        if (command != nullptr) {
+            header.insert(0, *path);
+        }
     }
     if (command == nullptr) {
         command = find(header, &call.suffixes, &error);
@@ -201,28 +209,30 @@ Error Instrument::executeUnit(std::string_view unit, std::string *path, std::str
     if (command == nullptr) {
         return error;
     }
-    if (!isCommon) { // common commands leave the path alone (IEEE 488.2 A.1.1)
+    if (!isCommon) { // common commands do not change the path (IEEE 488.2 A.1.1)
         const std::size_t colon = header.rfind(':');
         *path = colon == std::string::npos ? std::string() : header.substr(0, colon + 1);
     }
-    if (call.parameters.size() < command->parameters.least) {
+    if (call.parameters.size() < command->count.minimum) {
         return scpi::missingParameter;
     }
-    return call.parameters.size() > command->parameters.most ? scpi::parameterNotAllowed
-                                                             : command->handler(call, answer);
+    if (call.parameters.size() > command->count.maximum) {
+        return scpi::parameterNotAllowed;
+    }
+    return command->handler(call, answer);
 }
 
 std::string Instrument::execute(std::string_view message)
 {
     std::string response = executeUnits(message);
-    executed();
+    messageExecuted();
     return response;
 }
 
 std::string Instrument::executeUnits(std::string_view message)
 {
     std::string response;
-    std::string path; // of the last unit, with its last colon
+    std::string path; // of the unit before, ending with a colon
     for (const std::string_view unit : split(message, ';')) {
         if (unit.empty()) {
             continue;
@@ -234,7 +244,7 @@ std::string Instrument::executeUnits(std::string_view message)
             continue;
         }
         if (response.size() + answer.size() > outputLimit) {
-            report(scpi::queryDeadlocked); // IEEE 488.2 6.3.1.7: the output is given up
+            report(scpi::queryDeadlocked); // the whole response is dropped (IEEE 488.2 6.3.1.7)
             return {};
         }
         if (!answer.empty() && !response.empty()) {

@@ -15,81 +15,83 @@
 
 namespace simulator {
 
-/// An instrument that understands SCPI: its settings, its common commands, its status and its error
-/// queue. The kinds of instrument add their own commands. One thread at a time.
+/// An instrument that understands SCPI. It has settings, the common commands, status registers and
+/// an error queue; each kind of instrument adds its own commands. Only one thread may use it at a
+/// time.
 class Instrument
 {
 public:
     explicit Instrument(std::string identity);
     virtual ~Instrument() = default;
-    Instrument(const Instrument &) = delete; // the commands refer to their instrument
+    Instrument(const Instrument &) = delete; // its commands point to it
     Instrument &operator=(const Instrument &) = delete;
 
     /// Execute one program message (without its terminator) and return the response message with
-    /// its terminator, empty when nothing was asked or answered. Errors go to the queue; a unit
-    /// that fails answers nothing, the units after it are executed.
+    /// its terminator. The response is empty when no query was answered. A unit that fails answers
+    /// nothing and leaves an error in the queue; the units after it are executed.
     std::string execute(std::string_view message);
 
-    /// Leave an error in the queue, and in the event status register.
+    /// Put an error into the queue and into the event status register.
     void report(const Error &error);
     ErrorQueue &errors() { return queue; }
 
-    /// Compute the status byte (IEEE 488.2 11.2), with SCPI's 4 for the error queue, for a client
-    /// that has an answer to read or none.
+    /// Returns the status byte (IEEE 488.2 11.2). Bit 2 says that the error queue is not empty, bit
+    /// 4 that the client has an answer to read.
     [[nodiscard]] std::uint8_t statusByte(bool messageAvailable) const;
 
     [[nodiscard]] bool isRemote() const { return remote; }
     void setRemote(bool on) { remote = on; }
 
+    /// A command or query as a client sent it.
     struct Call
     {
         Suffixes suffixes;
         std::vector<std::string_view> parameters;
     };
-    /// Carry a command out. What a failing one has added to the answer is dropped.
+    /// Execute a command or query. If it fails, its answer is dropped.
     using Handler = std::function<Error(const Call &call, std::string *answer)>;
-    /// How many parameters there may be.
-    struct Parameters
+    /// How many parameters a command takes.
+    struct ParameterCount
     {
-        std::size_t least = 0;
-        std::size_t most = 0;
+        std::size_t minimum = 0;
+        std::size_t maximum = 0;
     };
 
     /// Add a command by its pattern.
-    void onCommand(std::string_view pattern, Parameters parameters, Handler handler);
+    void onCommand(std::string_view pattern, ParameterCount count, Handler handler);
 
-    /// Take the time in seconds that what was started since the last call lasts, for whoever makes
-    /// clients wait for it: here everything is over at once.
+    /// Returns how many seconds the record or sweep lasts that was started since the last call; 0
+    /// when there was none. Here it is complete at once; the caller may let its clients wait.
     double takeDuration() { return std::exchange(duration, 0.0); }
 
 protected:
     /// Add a setting with its command and its query.
     Setting &add(Setting setting);
-    /// Add a command and a query that tell a setting in other words, factor times its value.
+    /// Add a command and a query whose parameter and answer are factor times a setting's value.
     void addMultiple(std::string_view pattern, Setting &setting, double factor);
     /// Add a query by its pattern, without the question mark.
-    void onQuery(std::string_view pattern, Parameters parameters, Handler handler);
+    void onQuery(std::string_view pattern, ParameterCount count, Handler handler);
     /// Add a command that takes no parameters and cannot fail.
-    void onEvent(std::string_view pattern, const std::function<void()> &action);
+    void onAction(std::string_view pattern, const std::function<void()> &action);
     /// Add a query that takes no parameters and cannot fail.
     void onAnswer(std::string_view pattern, const std::function<std::string()> &text);
-    /// Add FORMat[:DATA] for an instrument that answers traces.
+    /// Add the command and the query FORMat[:DATA] of an instrument that answers traces.
     void addFormatCommands();
 
     [[nodiscard]] const TraceFormat &traceFormat() const { return format; }
-    /// Say how long in seconds what has just started lasts.
-    void begin(double seconds) { duration = seconds; }
-    /// Give every setting its value at power-up; *RST does it.
+    /// Set how many seconds the record or sweep lasts that has just started.
+    void setDuration(double seconds) { duration = seconds; }
+    /// Set every setting to its value at power-up, as *RST does.
     virtual void reset();
-    /// Do what follows from the messages: called after each.
-    virtual void executed() {}
+    /// Called after each message.
+    virtual void messageExecuted() {}
 
 private:
     struct Command
     {
         Pattern pattern;
         bool isQuery;
-        Parameters parameters;
+        ParameterCount count;
         Handler handler;
     };
 
@@ -99,14 +101,14 @@ private:
     Error executeUnit(std::string_view unit, std::string *path, std::string *answer);
 
     std::string identity;
-    std::deque<Setting> settings; // which never move
+    std::deque<Setting> settings; // a deque, since the commands point to its elements
     std::vector<Command> commands;
     TraceFormat format;
     ErrorQueue queue;
-    unsigned eventStatus = 0x80; // IEEE 488.2 11.5.1: it has been switched on
+    unsigned eventStatus = 0x80; // "power on" (IEEE 488.2 11.5.1)
     Setting *eventEnable = nullptr;
     Setting *serviceEnable = nullptr;
-    bool hasAnswered = false; // the message that is being executed
+    bool hasAnswered = false; // whether the present message has an answer so far
     bool remote = false;
     double duration = 0.0;
 };

@@ -23,11 +23,11 @@ constexpr std::array<std::pair<std::string_view, double>, 11> multipliers{{{"", 
                                                                            {"F", 1e-15},
                                                                            {"A", 1e-18}}};
 
-/// Read a suffix as a factor of the unit; 0 when it is none of it.
+/// Returns the factor that a suffix stands for; 0 when it is no suffix of this unit.
 double factorOf(std::string_view suffix, std::string_view unit)
 {
     const std::string text = upperCase(suffix);
-    if (text == "MHZ" && unit == "HZ") { // IEEE 488.2 7.7.3.4: the one M that is mega
+    if (text == "MHZ" && unit == "HZ") { // here M is mega, not milli (IEEE 488.2 7.7.3.4)
         return 1e6;
     }
     for (const auto &[prefix, factor] : multipliers) {
@@ -43,7 +43,7 @@ double factorOf(std::string_view suffix, std::string_view unit)
 Error parseNumber(std::string_view text, std::string_view unit, double *value)
 {
     if (text.size() > 1 && text[0] == '+' && text[1] != '-') {
-        text.remove_prefix(1); // the conversion knows no plus sign
+        text.remove_prefix(1); // std::from_chars takes no plus sign
     }
     double number = 0.0;
     const char *const last = text.data() + text.size();

@@ -16,8 +16,8 @@ bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
-/// Tell white space (IEEE 488.2 7.4.1.2): every code from 0 to 32 but the newline, which ends a
-/// message.
+/// Returns whether a character is white space: any code from 0 to 32 (IEEE 488.2 7.4.1.2). The
+/// newline never gets here, since it ends a message.
 bool isSpace(char c)
 {
     return static_cast<unsigned char>(c) <= 32;

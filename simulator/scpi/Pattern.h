@@ -8,21 +8,21 @@
 
 namespace simulator {
 
-/// The numeric suffixes of a header in order of appearance; a missing one counts as 1
+/// The numeric suffixes of a header in order of appearance. A suffix left out counts as 1
 /// (SCPI-99 volume 1, 6.2.5.2).
 using Suffixes = std::array<std::size_t, 2>;
 
-/// Turn into ASCII upper case, whatever the process locale.
+/// Returns the text in ASCII upper case, whatever the process locale.
 std::string upperCase(std::string_view text);
 
-/// Cut off the white space around a text.
+/// Returns the text without white space at both ends.
 std::string_view trimmed(std::string_view text);
 
-/// Tell whether a text is the long or the short form of the definition, whose capitals (and
-/// digits) are the short form: "SWEep" is SWE or SWEEP, in any letter case.
+/// Returns whether a text is the long or the short form of a mnemonic, in any letter case. The
+/// capitals and digits of the definition are the short form: "SWEep" matches SWE and SWEEP.
 bool isMnemonic(std::string_view definition, std::string_view text);
 
-/// Make the short form of a mnemonic: its capitals and digits.
+/// Returns the short form of a mnemonic: its capitals and digits.
 std::string shortForm(std::string_view definition);
 
 /// The header of a command as the manuals print it: "CHANnel<4>[:STATe]" has a numeric suffix of 1
@@ -39,11 +39,11 @@ public:
 
     explicit Pattern(std::string_view text);
 
-    /// Compare a header without leading colon and question mark; suffixes is set on a full
-    /// match only.
+    /// Compare a header, without its leading colon and question mark. Sets suffixes on a full match
+    /// only.
     Match match(std::string_view header, Suffixes *suffixes) const;
 
-    /// Tell the greatest value of each suffix, 1 where there is none.
+    /// Returns the greatest value of each suffix, 1 where there is none.
     [[nodiscard]] const Suffixes &largestSuffixes() const { return largest; }
 
 private:

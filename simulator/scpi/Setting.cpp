@@ -21,9 +21,9 @@ Setting::Setting(std::string_view pattern, Kind kind, double minimum, double max
 {
 }
 
-Setting Setting::bare() &&
+Setting Setting::withOptionalParameter() &&
 {
-    mayBeBare = true;
+    parameterIsOptional = true;
     return std::move(*this);
 }
 
@@ -90,11 +90,11 @@ void Setting::reset()
     std::fill(values.begin(), values.end(), powerUp);
 }
 
-Setting choice(std::string_view pattern, std::initializer_list<std::string_view> names)
+Setting choice(std::string_view pattern, std::initializer_list<std::string_view> mnemonics)
 {
     Setting::Choices choices;
-    for (const std::string_view name : names) {
-        choices.emplace_back(name, int(choices.size()));
+    for (const std::string_view mnemonic : mnemonics) {
+        choices.emplace_back(mnemonic, int(choices.size()));
     }
     return {pattern, Setting::Kind::Choice, 0.0, 0.0, 0.0, "", choices};
 }

@@ -10,8 +10,8 @@
 
 namespace simulator {
 
-/// A setting of an instrument: what its command takes, and its present value for each numeric
-/// suffix of its header.
+/// A setting of an instrument: the values that its command accepts, and its present value for each
+/// numeric suffix of its header.
 class Setting
 {
 public:
@@ -22,27 +22,27 @@ public:
         Switch,
         Choice,
     };
-    using Choices = std::vector<std::pair<std::string_view, int>>; // names, enumerators
+    using Choices = std::vector<std::pair<std::string_view, int>>; // mnemonic and enumerator
 
     Setting(std::string_view pattern, Kind kind, double minimum, double maximum, double powerUp,
             std::string_view unit, Choices choices = {});
 
-    /// Read MINimum, MAXimum or DEFault of a number; false when it is none of them.
+    /// Read MINimum, MAXimum or DEFault of a number. Returns false for any other text.
     bool parseLimit(std::string_view text, double *value) const;
-    /// Read a parameter of the command; for one that tells this setting in other words, factor
-    /// times its value. Sets value in terms of this setting.
+    /// Read a parameter that is factor times the value, and set value. The factor is 1 for the
+    /// setting's own command.
     Error parse(std::string_view text, double factor, double *value) const;
-    /// Write a value of this setting as its query answers it, times factor.
+    /// Returns factor times a value, as a query answers it.
     [[nodiscard]] std::string text(double value, double factor) const;
 
-    /// Give every suffix its value at power-up.
+    /// Set the value at power-up for every suffix.
     void reset();
 
     [[nodiscard]] double value(const Suffixes &suffixes) const { return values[index(suffixes)]; }
     void set(const Suffixes &suffixes, double value) { values[index(suffixes)] = value; }
     [[nodiscard]] double value(std::size_t suffix = 1) const { return value({suffix, 1}); }
     [[nodiscard]] bool isOn(std::size_t suffix = 1) const { return value(suffix) != 0.0; }
-    /// Tell whether a choice is this one.
+    /// Returns whether the setting has this choice.
     template <typename Enumeration>
     [[nodiscard]] bool is(Enumeration choice) const
     {
@@ -51,9 +51,9 @@ public:
 
     [[nodiscard]] std::string_view header() const { return pattern; }
     [[nodiscard]] double powerUpValue() const { return powerUp; }
-    /// Let the command come without a parameter, which restores the value at power-up.
-    Setting bare() &&;
-    [[nodiscard]] bool isBare() const { return mayBeBare; }
+    /// Allow the command without its parameter; it then restores the value at power-up.
+    Setting withOptionalParameter() &&;
+    [[nodiscard]] bool isParameterOptional() const { return parameterIsOptional; }
 
 private:
     [[nodiscard]] std::size_t index(const Suffixes &suffixes) const
@@ -68,12 +68,12 @@ private:
     double powerUp;
     std::string_view unit;
     Choices choices;
-    bool mayBeBare = false;
+    bool parameterIsOptional = false;
     Suffixes largest;
     std::vector<double> values;
 };
 
-/// Define a number in a unit as IEEE 488.2 writes it ("HZ"), or in none.
+/// Define a number, with its unit as IEEE 488.2 writes it ("HZ") if it has one.
 inline Setting number(std::string_view pattern, double minimum, double maximum, double powerUp,
                       std::string_view unit = "")
 {
@@ -90,19 +90,19 @@ inline Setting boolean(std::string_view pattern, bool powerUp)
     return {pattern, Setting::Kind::Switch, 0.0, 1.0, powerUp ? 1.0 : 0.0, ""};
 }
 
-/// Define a choice by the names of its enumerators; the first one is the value at power-up.
+/// Define a choice by the mnemonics of its enumerators. The first is the value at power-up.
 template <typename Enumeration>
 Setting choice(std::string_view pattern,
-               std::initializer_list<std::pair<std::string_view, Enumeration>> names)
+               std::initializer_list<std::pair<std::string_view, Enumeration>> mnemonics)
 {
     Setting::Choices choices;
-    for (const auto &[name, enumerator] : names) {
+    for (const auto &[name, enumerator] : mnemonics) {
         choices.emplace_back(name, static_cast<int>(enumerator));
     }
     return {pattern, Setting::Kind::Choice, 0.0, 0.0, double(choices[0].second), "", choices};
 }
 
-/// Define a choice that has no effect on what the bench shows.
-Setting choice(std::string_view pattern, std::initializer_list<std::string_view> names);
+/// Define a choice that has no effect on the bench.
+Setting choice(std::string_view pattern, std::initializer_list<std::string_view> mnemonics);
 
 } // namespace simulator

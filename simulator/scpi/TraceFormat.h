@@ -8,19 +8,19 @@
 
 namespace simulator {
 
-/// The format in which an instrument answers its traces, FORMat[:DATA]: decimal text (ASCii) at
-/// power-up, or binary blocks (REAL,32).
+/// The setting FORMat[:DATA], which chooses how an instrument answers its traces: as decimal text
+/// (ASCii, at power-up) or as binary blocks (REAL,32).
 class TraceFormat
 {
 public:
-    /// Take the one or two parameters of the command.
+    /// Set the format from the one or two parameters of the command.
     Error set(const std::vector<std::string_view> &parameters);
-    /// Answer its query.
+    /// Returns the answer to the query.
     [[nodiscard]] std::string text() const { return isReal ? "REAL,32" : "ASC,0"; }
     void reset() { isReal = false; }
 
-    /// Write numbers separated by commas, or one definite-length block of little-endian 32-bit
-    /// floats (IEEE 488.2 8.7.9).
+    /// Returns samples in this format: numbers separated by commas, or one definite-length block of
+    /// little-endian 32-bit floats (IEEE 488.2 8.7.9).
     [[nodiscard]] std::string encode(const std::vector<float> &samples) const;
 
 private:

@@ -23,7 +23,7 @@ Error parse(std::string_view text, const char *unit, double most, double *value)
 }
 
 /// BENCh:LATency RF|HDMI|SINK,mean,spread
-Error changeLatency(const Call &call, simulator::LinkStatistics *statistics)
+Error changeLatency(const Call &call, simulator::RadioLinkStatistics *statistics)
 {
     simulator::Latency *latency = nullptr;
     for (const auto &[name, which] : {std::pair{"RF", &statistics->rf},
@@ -42,7 +42,7 @@ Error changeLatency(const Call &call, simulator::LinkStatistics *statistics)
 }
 
 /// Let any instrument take the orders for the link that all look at.
-void addLinkOrders(simulator::Instrument *instrument, simulator::LinkModel *link)
+void addLinkOrders(simulator::Instrument *instrument, simulator::RadioLink *link)
 {
     instrument->onCommand("BENCh:LATency", {3, 3}, [link](const Call &call, std::string *) {
         return changeLatency(call, &link->statistics);
@@ -65,7 +65,7 @@ void addLinkOrders(simulator::Instrument *instrument, simulator::LinkModel *link
 Laboratory::Laboratory(double timeScale)
 {
     for (const std::string &host : bench.hosts()) {
-        addLinkOrders(bench.find(host), &bench.link());
+        addLinkOrders(bench.find(host), &bench.radioLink());
         devices.push_back(std::make_unique<Device>(host, *bench.find(host), timeScale));
     }
 }

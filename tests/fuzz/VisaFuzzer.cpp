@@ -1,5 +1,4 @@
-// Any calls of the VISA functions on the bench in any order, with any handles, texts and
-// attributes.
+// Calls the VISA functions on the bench in any order, with any handles, texts and attributes.
 
 #include "Require.h"
 #include "simulator/server/InProcessBackend.h"
@@ -11,7 +10,6 @@
 #include <deque>
 #include <functional>
 #include <fuzzer/FuzzedDataProvider.h>
-#include <memory>
 #include <vector>
 
 namespace {
@@ -22,42 +20,43 @@ ViStatus call(FuzzedDataProvider &input, ViObject handle, const char *fileName, 
     const auto size = static_cast<ViUInt32>(text.size());
     const bool isNull = input.ConsumeIntegralInRange(0, 9) == 0;
     const char *name = isNull ? nullptr : text.c_str();
-    const auto *bytes = reinterpret_cast<const ViByte *>(name);
-    const auto number = input.ConsumeBool() // most attributes lie here
+    const char *file = isNull ? nullptr : fileName;
+    const auto number = input.ConsumeBool() // most attributes have these numbers
                             ? input.ConsumeIntegralInRange<std::uint32_t>(0x3FFF0000, 0x3FFF01FF)
                             : input.ConsumeIntegral<std::uint32_t>();
-    const auto word = static_cast<ViUInt16>(number);
-    // On the heap, of just the size that is allowed: an overrun is noticed. Texts have the room
-    // that VISA gives them, numbers eight bytes at most.
-    const auto place = [](std::size_t room) { return std::vector<char>(room); };
-    const auto at = [&](std::vector<char> &room) { return isNull ? nullptr : room.data(); };
-    auto big = place(VI_FIND_BUFLEN);
-    auto other = place(VI_FIND_BUFLEN);
-    auto read = place(word);
-    auto value = place((number >> 31U) != 0 ? VI_FIND_BUFLEN : sizeof(ViAttrState));
-    std::unique_ptr<ViUInt16> half(isNull ? nullptr : new ViUInt16);
-    std::unique_ptr<ViUInt32> count(isNull ? nullptr : new ViUInt32);
+    const auto number16 = static_cast<ViUInt16>(number);
+    // Each buffer has exactly the size that VISA allows, so that an overrun is found.
+    const bool isTextAttribute = (number >> 31U) != 0;
+    std::vector<char> value(isTextAttribute ? VI_FIND_BUFLEN : sizeof(ViAttrState));
+    std::vector<char> description(VI_FIND_BUFLEN);
+    std::vector<char> fullName(VI_FIND_BUFLEN);
+    std::vector<ViByte> bytes(number16);
+    ViUInt16 half = 0;
+    ViUInt32 count = 0;
+    const auto orNull = [=](auto *pointer) { return isNull ? nullptr : pointer; };
+    char *const found = orNull(description.data());
     const std::array<std::function<ViStatus()>, 18> calls = {
-        // Nobody else is here to unlock what would be waited for.
-        [&] { return viOpen(handle, name, word & ~VI_EXCLUSIVE_LOCK, number, opened); },
-        [&] { return viFindRsrc(handle, name, opened, count.get(), at(big)); },
-        [&] { return viFindNext(handle, at(big)); },
+        // A lock would be waited for in vain: no other thread unlocks.
+        [&] { return viOpen(handle, name, number16 & ~VI_EXCLUSIVE_LOCK, number, opened); },
+        [&] { return viFindRsrc(handle, name, opened, orNull(&count), found); },
+        [&] { return viFindNext(handle, found); },
         [&] {
-            return viParseRsrcEx(handle, name, half.get(), half.get(), at(big), at(other), nullptr);
+            return viParseRsrcEx(handle, name, orNull(&half), &half, found, fullName.data(),
+                                 nullptr);
         },
         [&] { return viClose(handle); },
         [&] { return viSetAttribute(handle, number, size); },
-        [&] { return viGetAttribute(handle, number, at(value)); },
-        [&] { return viWrite(handle, bytes, size, count.get()); },
-        [&] { return viRead(handle, reinterpret_cast<ViByte *>(at(read)), word, count.get()); },
-        [&] { return viReadToFile(handle, isNull ? nullptr : fileName, word, count.get()); },
-        [&] { return viWriteFromFile(handle, isNull ? nullptr : fileName, word, count.get()); },
+        [&] { return viGetAttribute(handle, number, orNull(value.data())); },
+        [&] { return viWrite(handle, reinterpret_cast<const ViByte *>(name), size, &count); },
+        [&] { return viRead(handle, orNull(bytes.data()), number16, orNull(&count)); },
+        [&] { return viReadToFile(handle, file, number16, orNull(&count)); },
+        [&] { return viWriteFromFile(handle, file, number16, orNull(&count)); },
         [&] { return viClear(handle); },
-        [&] { return viReadSTB(handle, half.get()); },
-        [&] { return viGpibControlREN(handle, word); },
-        [&] { return viSetBuf(handle, word, number); },
-        [&] { return viAssertTrigger(handle, word); },
-        [&] { return viLock(handle, number % 3, 0, name, at(big)); },
+        [&] { return viReadSTB(handle, orNull(&half)); },
+        [&] { return viGpibControlREN(handle, number16); },
+        [&] { return viSetBuf(handle, number16, number); },
+        [&] { return viAssertTrigger(handle, number16); },
+        [&] { return viLock(handle, number % 3, 0, name, found); },
         [&] { return viUnlock(handle); },
     };
     return calls.at(input.ConsumeIntegralInRange<std::size_t>(0, calls.size() - 1))();
@@ -75,7 +74,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     std::deque<ViObject> handles = {manager};
     for (const std::string &host : bench().hosts()) {
         ViSession session = 0;
-        bench().find(host)->execute("*RST;*CLS"); // every input starts alike, but for the events
+        bench().find(host)->execute("*RST;*CLS"); // the same settings for every input
         viOpen(manager, ("TCPIP::" + host).c_str(), VI_NO_LOCK, 0, &session);
         handles.push_back(session);
     }

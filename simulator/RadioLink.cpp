@@ -1,5 +1,6 @@
-#include "simulator/LinkModel.h"
+#include "simulator/RadioLink.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -11,11 +12,11 @@ constexpr double pi = 3.14159265358979323846;
 constexpr double never = std::numeric_limits<double>::infinity();
 constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
 
-// Light sensors (volts, seconds). Both rises are raised cosines.
+// Light sensors (volts, seconds). Both signals rise in the shape of a raised cosine.
 constexpr double sourceDark = 0.005;
 constexpr double sourceBright = 0.150;
 constexpr double sourceRise = 1.5e-3;
-constexpr double sourceVisible = sourceDark + 0.035; // where the display visibly changed
+constexpr double sourceVisible = sourceDark + 0.035; // the display has visibly changed
 constexpr double sourceNoise = 2e-3;                 // peak
 constexpr double sinkDark = 0.010;
 constexpr double sinkBright = 0.120;
@@ -24,26 +25,27 @@ constexpr double sinkVisible = 0.060;
 constexpr double sinkNoise = 1e-3;
 constexpr double openInputNoise = 1e-3;
 
-// An overload holds the source sensor above its range from before the record on, then decays.
+// An overloaded source sensor shows too high a voltage from the record's start on. The excess then
+// decays (volts, seconds after the trigger).
 constexpr double overloadVolts = 0.6;
 constexpr double overloadEnd = -0.45;
 constexpr double overloadDecay = 5e-3;
 constexpr double overloadGone = overloadEnd + 40 * overloadDecay;
 
-// Radio channel (dBm, seconds). A beacon is so short that at 20,000 points per second it covers
-// fewer than eight samples, and so far from the first burst that the two never look like one.
+// Radio channel (dBm, seconds). A beacon must not be taken for a burst: at 20,000 points per second
+// it covers fewer than eight samples, and it keeps a distance from the first burst.
 constexpr double floorDbm = -75.0;
 constexpr double beaconDbm = -45.0;
 constexpr double burstDbm = -20.0;
 constexpr double rfNoise = 1.5; // peak, dB
 constexpr double beaconPeriod = 102.4e-3;
 constexpr double beaconLength = 0.3e-3;
-constexpr double beaconClearance = 2.5e-3; // from a beacon's start to the first burst, at least
+constexpr double beaconClearance = 2.5e-3; // shortest time from a beacon to the first burst
 constexpr double burstLength = 4e-3;
 constexpr double burstPeriod = 7e-3;
 constexpr double burstTrain = 0.4;
 
-// Where the link transmits, and how broadly (hertz).
+// The radio link's channel (hertz).
 constexpr double channelFrequency = 5.192e9;
 constexpr double channelWidth = 20e6;
 
@@ -52,29 +54,29 @@ constexpr double videoVoltsPerDb = 0.01;
 constexpr double videoAtBurst = 0.8;
 constexpr double carrierAtBurst = 0.8; // its IF output, volts peak
 
-// The sink's display (seconds).
-constexpr double framePeriod = 1.0 / 60.0;
+constexpr double framePeriod = 1.0 / 60.0; // of the sink's display, seconds
 
-/// Uniform in [0, 1): the standard's distributions differ between libraries, the raw output does
-/// not.
+/// Draw a random number from [0, 1). The distributions of the C++ library are not used, since they
+/// differ between its makers.
 double uniform(std::mt19937 *generator)
 {
     return static_cast<double>((*generator)()) / 4294967296.0;
 }
 
+/// Draw a delay in seconds.
 double draw(std::mt19937 *generator, const Latency &latency)
 {
     const double first = uniform(generator);
     return latency.mean + latency.spread * (first + uniform(generator) - 1.0);
 }
 
-/// Raised cosine from 0 to 1 while `u` goes from 0 to 1.
+/// Returns a raised cosine from 0 to 1 while `u` goes from 0 to 1.
 double riseShape(double u)
 {
-    return u <= 0.0 ? 0.0 : u >= 1.0 ? 1.0 : 0.5 * (1.0 - std::cos(pi * u));
+    return 0.5 * (1.0 - std::cos(pi * std::clamp(u, 0.0, 1.0)));
 }
 
-/// Where a rise of `duration` from `dark` to `bright` passes `level`, after its start.
+/// Returns how long after its start a rise of `duration` from `dark` to `bright` passes `level`.
 double riseTime(double level, double dark, double bright, double duration)
 {
     return duration * std::acos(1.0 - 2.0 * (level - dark) / (bright - dark)) / pi;
@@ -91,19 +93,20 @@ std::uint32_t hash(std::uint32_t x)
     return x;
 }
 
-/// Triangular noise in [-1, 1] that belongs to sample `index` of the record with this `key`.
+/// Returns the noise of sample `index` in the record with this `key`: triangular, in [-1, 1].
 double noise(std::uint32_t key, std::uint32_t index)
 {
     const std::uint32_t bits = hash(key + index);
     return static_cast<double>((bits & 0xffffU) + (bits >> 16U)) / 65535.0 - 1.0;
 }
 
-/// The position of `time` in a cycle of `period`, in [0, period).
-double phaseIn(double time, double period)
+/// Returns the time since the last whole `period`, in [0, period).
+double timeInPeriod(double time, double period)
 {
     return time - period * std::floor(time / period);
 }
 
+/// Sample `level(time)` with noise.
 template <typename Level>
 std::vector<float> sampled(const TimeGrid &grid, std::uint32_t key, double noisePeak, Level level)
 {
@@ -119,7 +122,7 @@ std::vector<float> sampled(const TimeGrid &grid, std::uint32_t key, double noise
 
 } // namespace
 
-LinkEvent::LinkEvent(std::uint32_t number, double beaconPhase)
+RadioLinkEvent::RadioLinkEvent(std::uint32_t number, double beaconPhase)
     : number(number),
       truth{unknown, unknown, unknown, unknown},
       sourceStart(never),
@@ -128,9 +131,9 @@ LinkEvent::LinkEvent(std::uint32_t number, double beaconPhase)
 {
 }
 
-LinkEvent::LinkEvent(std::uint32_t number, double triggerLevel, const LinkStatistics &statistics,
-                     std::mt19937 *generator)
-    : LinkEvent(number, 0.0)
+RadioLinkEvent::RadioLinkEvent(std::uint32_t number, double triggerLevel,
+                               const RadioLinkStatistics &statistics, std::mt19937 *generator)
+    : RadioLinkEvent(number, 0.0)
 {
     sourceStart = -riseTime(triggerLevel, sourceDark, sourceBright, sourceRise);
     truth.source = sourceStart + riseTime(sourceVisible, sourceDark, sourceBright, sourceRise);
@@ -147,7 +150,7 @@ LinkEvent::LinkEvent(std::uint32_t number, double triggerLevel, const LinkStatis
     overloaded = uniform(generator) < statistics.overloads;
 }
 
-double LinkEvent::sourceVolts(double time) const
+double RadioLinkEvent::sourceVolts(double time) const
 {
     double volts =
         sourceDark + (sourceBright - sourceDark) * riseShape((time - sourceStart) / sourceRise);
@@ -158,27 +161,27 @@ double LinkEvent::sourceVolts(double time) const
     return volts;
 }
 
-double LinkEvent::sinkVolts(double time) const
+double RadioLinkEvent::sinkVolts(double time) const
 {
     return sinkDark + (sinkBright - sinkDark) * riseShape((time - sinkStart) / sinkRise);
 }
 
-double LinkEvent::rfDbm(double time, const Receiver &receiver) const
+double RadioLinkEvent::rfDbm(double time, const Receiver &receiver) const
 {
     if (!receiver.isOnChannel) {
         return floorDbm;
     }
-    // A comparison with not-a-number is false: without an event there are no bursts.
+    // Without an event this is not-a-number, and every comparison with it is false.
     const double sinceBurst = time - truth.rf;
     if (sinceBurst >= 0.0 && sinceBurst < burstTrain &&
-        phaseIn(sinceBurst, burstPeriod) < burstLength) {
+        timeInPeriod(sinceBurst, burstPeriod) < burstLength) {
         return burstDbm;
     }
-    return phaseIn(time - beaconPhase, beaconPeriod) < beaconLength ? beaconDbm : floorDbm;
+    return timeInPeriod(time - beaconPhase, beaconPeriod) < beaconLength ? beaconDbm : floorDbm;
 }
 
-std::vector<float> LinkEvent::trace(Signal signal, const TimeGrid &grid,
-                                    const Receiver &receiver) const
+std::vector<float> RadioLinkEvent::trace(Signal signal, const TimeGrid &grid,
+                                         const Receiver &receiver) const
 {
     const std::uint32_t key = hash(hash(number) + static_cast<std::uint32_t>(signal));
     switch (signal) {
@@ -209,22 +212,22 @@ bool hearsChannel(double frequency, double bandwidth)
     return std::abs(frequency - channelFrequency) <= (channelWidth + bandwidth) / 2.0;
 }
 
-void LinkModel::trigger(std::optional<double> level)
+void RadioLink::trigger(std::optional<double> level)
 {
     ++records;
     if (level && *level > sourceDark && *level < sourceBright) {
-        event = LinkEvent(records, *level, statistics, &generator);
+        event = RadioLinkEvent(records, *level, statistics, &generator);
         record = event;
         ++events;
     } else {
-        record = LinkEvent(records, 0.0);
+        record = RadioLinkEvent(records, 0.0);
     }
 }
 
-LinkEvent LinkModel::freeSweep()
+RadioLinkEvent RadioLink::freeSweep()
 {
-    constexpr std::uint32_t apart = 0x80000000U; // from the numbers of the records
-    const std::uint32_t number = apart + ++sweeps;
+    constexpr std::uint32_t firstSweep = 0x80000000U; // keeps sweeps from the records' numbers
+    const std::uint32_t number = firstSweep + ++sweeps;
     return {number, beaconPeriod * hash(number) / 4294967296.0};
 }
 
