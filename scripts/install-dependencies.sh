@@ -11,13 +11,13 @@ declare -A packages_of=(
     [pyvisa]='python3 python3-pyvisa python3-numpy python3-matplotlib'
     [network]='iproute2 util-linux lxi-tools python3-pyvisa-py python3-numpy rpcsvc-proto libtirpc-dev'
     [package]='dpkg-dev file desktop-file-utils appstream mandoc lintian librsvg2-bin piuparts'
-    [checks]='clang libclang-rt-dev clang-format clang-tidy locales fonts-dejavu-core'
+    [checks]='clang libclang-rt-dev llvm clang-format clang-tidy locales fonts-dejavu-core'
 )
 # Only where it is not called like its package. Of libraries and data there is none to look for.
 declare -A command_of=(
     [ninja-build]=ninja [xvfb]=Xvfb [imagemagick]=import [poppler-utils]=pdftoppm
     [dpkg-dev]=dpkg-shlibdeps [desktop-file-utils]=desktop-file-validate [appstream]=appstreamcli
-    [librsvg2-bin]=rsvg-convert
+    [librsvg2-bin]=rsvg-convert [llvm]=llvm-symbolizer
     [qtbase5-dev]='' [libqwt-qt5-dev]='' [libre2-dev]='' [libbenchmark-dev]='' [libclang-rt-dev]=''
     [python3-pyvisa]='' [python3-numpy]='' [python3-matplotlib]=''
     [iproute2]=ip [util-linux]=unshare [lxi-tools]=lxi [rpcsvc-proto]=rpcgen

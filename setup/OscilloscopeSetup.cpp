@@ -7,8 +7,8 @@
 
 namespace {
 
-constexpr ViAttrState ioTimeout = 5000; // ms
-constexpr int recordLength = 20000;     // samples
+constexpr ViAttrState oscilloscopeTimeout = 5000; // ms
+constexpr int recordLength = 20000;               // samples
 
 ViStatus setUpKvx(ViSession session, double triggerLevel, bool rfFromOscilloscope)
 {
@@ -98,7 +98,8 @@ ViStatus setUpLpa4004(ViSession session, double triggerLevel)
 ViStatus setUpOscilloscope(ViSession resourceManager, const OscilloscopeSettings &settings,
                            ViSession *session)
 {
-    ViStatus status = reopenSession(resourceManager, settings.resource, ioTimeout, session);
+    ViStatus status =
+        reopenSession(resourceManager, settings.resource, oscilloscopeTimeout, session);
     if (status == VI_SUCCESS) {
         // Takes one entry off the error queue and proves the connection.
         status = sendOrStop(*session, {"SYST:ERR?\n"});

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr ViAttrState ioTimeout = 5000; // ms
+constexpr ViAttrState spectrumAnalyzerTimeout = 5000; // ms
 constexpr int sweepPoints = 20001;
 constexpr double triggerHoldOff = -0.6; // seconds: the sweep begins before the trigger
 
@@ -15,7 +15,7 @@ constexpr double triggerHoldOff = -0.6; // seconds: the sweep begins before the 
 QString openAndIdentify(ViSession resourceManager, const QString &resource, ViSession *session)
 {
     QString identity;
-    if (reopenSession(resourceManager, resource, ioTimeout, session) == VI_SUCCESS) {
+    if (reopenSession(resourceManager, resource, spectrumAnalyzerTimeout, session) == VI_SUCCESS) {
         iaQueryf_s(*session, "*IDN?\n", &identity);
     }
     return identity.toUpper();

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr ViAttrState ioTimeout = 10000; // ms
+constexpr ViAttrState videoAnalyzerTimeout = 10000; // ms
 
 } // namespace
 
@@ -21,7 +21,8 @@ ViStatus setUpVideoAnalyzer(ViSession resourceManager, const VideoAnalyzerSettin
         "INIT:AVDA;*OPC?\n",
     };
 
-    ViStatus status = reopenSession(resourceManager, settings.resource, ioTimeout, session);
+    ViStatus status =
+        reopenSession(resourceManager, settings.resource, videoAnalyzerTimeout, session);
     if (status != VI_SUCCESS) {
         return status;
     }

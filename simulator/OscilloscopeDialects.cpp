@@ -4,7 +4,7 @@ namespace simulator {
 
 namespace {
 
-enum class TriggerSource
+enum class OscilloscopeTrigger
 {
     Channel1,
     External,
@@ -62,9 +62,10 @@ OscilloscopeDialect lpa4004Dialect()
         number("TRIGger:A:LEVel<5>", -10.0, 10.0, powerUpTriggerLevel, "V"),
         {
             // Only the source on channel 1 is wired to the trigger, and its signal rises.
-            {choice<TriggerSource>("TRIGger:A:SOURce", {{"CH1", TriggerSource::Channel1},
-                                                        {"EXTernal", TriggerSource::External}}),
-             static_cast<int>(TriggerSource::Channel1)},
+            {choice<OscilloscopeTrigger>("TRIGger:A:SOURce",
+                                         {{"CH1", OscilloscopeTrigger::Channel1},
+                                          {"EXTernal", OscilloscopeTrigger::External}}),
+             static_cast<int>(OscilloscopeTrigger::Channel1)},
             {choice<Slope>("TRIGger:A:EDGE:SLOPe",
                            {{"POSitive", Slope::Positive}, {"NEGative", Slope::Negative}}),
              static_cast<int>(Slope::Positive)},

@@ -6,7 +6,7 @@ namespace simulator {
 
 namespace {
 
-enum class TriggerSource
+enum class AnalyzerTrigger
 {
     Immediate,
     External,
@@ -36,9 +36,9 @@ const char *identityOf(AnalyzerFamily family)
 SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link)
     : BenchInstrument(identityOf(family), link),
       frequency(add(number("FREQuency:CENTer", 0.0, 40e9, 2.437e9, "HZ"))),
-      triggerSource(add(choice<TriggerSource>(
+      triggerSource(add(choice<AnalyzerTrigger>(
           "TRIGger<1>[:SEQuence]:SOURce",
-          {{"IMMediate", TriggerSource::Immediate}, {"EXTernal", TriggerSource::External}}))),
+          {{"IMMediate", AnalyzerTrigger::Immediate}, {"EXTernal", AnalyzerTrigger::External}}))),
       holdOff(add(number("TRIGger<1>[:SEQuence]:HOLDoff[:TIME]", -10.0, 30.0, 0.0, "S"))),
       sweepTime(add(number("SWEep:TIME", 1e-6, 16000.0, 1.0, "S"))),
       points(add(integer("SWEep:POINts", 101.0, 100001.0, 1001.0))),
@@ -104,7 +104,7 @@ Error SpectrumAnalyzer::answerTrace(const Call &call, std::string *answer)
         }
     }
 
-    const bool isTriggered = triggerSource.is(TriggerSource::External);
+    const bool isTriggered = triggerSource.is(AnalyzerTrigger::External);
     if (!isTriggered && continuous.isOn()) {
         startSweep();
     }

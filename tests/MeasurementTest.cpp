@@ -157,7 +157,8 @@ private slots:
         Line line;
         line.answer = [&](auto &) { return messages; };
         Trace trace = {7.0};
-        QCOMPARE(queryTrace(1, "CHAN1:DATA?\n", &trace), expected != trace);
+        const bool isNew = expected != trace;
+        QCOMPARE(queryTrace(1, "CHAN1:DATA?\n", &trace), isNew);
         QCOMPARE(trace, expected);
     }
 

@@ -34,4 +34,9 @@ may_include visa/wire 'no others'
 may_include simulator 'visa/(wire/)?[^/]*\.h'
 may_include simulator/scpi 'no others'
 
+if grep -rnE '^#include ".*\.cpp"' --include='*.cpp' --include='*.h' --exclude-dir=build .; then
+    echo "sources must not be included" >&2
+    failed=1
+fi
+
 exit "$failed"

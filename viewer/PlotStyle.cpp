@@ -34,7 +34,7 @@ QwtPlot *makePlot(const QString &horizontal, const QString &vertical)
     plot->setFont(font);
     plot->setCanvasBackground(Qt::white);
     if (auto *canvas = qobject_cast<QwtPlotCanvas *>(plot->canvas())) {
-        canvas->setFrameStyle(QFrame::Box | QFrame::Plain);
+        canvas->setFrameStyle(static_cast<int>(QFrame::Box) | QFrame::Plain);
     }
     const auto title = [&](const QString &text) {
         QwtText label(text, QwtText::PlainText);

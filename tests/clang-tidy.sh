@@ -1,0 +1,14 @@
+#!/usr/bin/env bash
+# Runs clang-tidy on every source of a build. In a unity build several sources are included in one
+# file, and the static analyzer looks into them only if that file's path contains "UnifiedSource".
+# Usage: clang-tidy.sh RUN-CLANG-TIDY BUILD
+set -euo pipefail
+
+build=$2
+unified=$build/UnifiedSource
+mkdir -p "$unified"
+ln -sfn .. "$unified/build"
+sed "s,$build/\([^\" ]*/Unity/\),$unified/build/\1,g" "$build/compile_commands.json" \
+    >"$unified/compile_commands.json"
+# Generated sources have nobody to mend them. That no source includes another: check-layers.sh.
+"$1" -quiet -p "$unified" -checks=-bugprone-suspicious-include '^((?!_autogen/).)*\.c(pp|xx)$'
