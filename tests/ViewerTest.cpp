@@ -1,11 +1,11 @@
 #include "analysis/SeriesLoading.h"
-#include "plot/TraceData.h"
 #include "SavedSeries.h"
 #include "TestFiles.h"
 #include "viewer/DriftPlot.h"
 #include "viewer/HistogramPlot.h"
 #include "viewer/Navigation.h"
 #include "viewer/ResultsWindow.h"
+#include "viewer/TraceData.h"
 
 #include <QApplication>
 #include <QClipboard>

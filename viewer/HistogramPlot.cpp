@@ -7,7 +7,6 @@
 
 #include <qwt_plot.h>
 #include <qwt_plot_histogram.h>
-#include <qwt_plot_marker.h>
 
 #include <algorithm>
 #include <numeric>
@@ -31,15 +30,6 @@ void addHistogram(QwtPlot *plot, const QString &title, const QVector<double> &he
     histogram->setStyle(QwtPlotHistogram::Outline);
     histogram->setSamples(columns);
     histogram->attach(plot);
-}
-
-void addMedian(QwtPlot *plot, double median, const SeriesStyle &style)
-{
-    auto *line = new QwtPlotMarker;
-    line->setLineStyle(QwtPlotMarker::VLine);
-    line->setLinePen(style.pen(2 * dataWidth));
-    line->setXValue(median);
-    line->attach(plot);
 }
 
 /// How high each bin stands: its count, or its share of the values in per cent.
@@ -91,7 +81,7 @@ QwtPlot *histogramPlot(const QVector<Series> &selection, DelayKind kind)
                                [](double a, double b) { return std::max(a, b); });
         addHistogram(plot, legendText(selection[i], values, kind), heights, bins, seriesStyle(i));
         if (!values.isEmpty()) {
-            addMedian(plot, computeStatistics(values).median, seriesStyle(i));
+            addLine(plot, computeStatistics(values).median, seriesStyle(i).pen(2 * dataWidth));
         }
     }
     const double air = std::max(1.0, bins.count * 0.03) * bins.width;

@@ -4,6 +4,7 @@
 #include <qwt_plot.h>
 #include <qwt_plot_canvas.h>
 #include <qwt_plot_grid.h>
+#include <qwt_plot_marker.h>
 #include <qwt_text.h>
 
 #include <array>
@@ -55,4 +56,13 @@ QwtPlot *makePlot(const QString &horizontal, const QString &vertical)
     grid->setPen(QColor(210, 210, 210), gridWidth);
     grid->attach(plot);
     return plot;
+}
+
+void addLine(QwtPlot *plot, double position, const QPen &pen)
+{
+    auto *line = new QwtPlotMarker;
+    line->setLineStyle(QwtPlotMarker::VLine);
+    line->setLinePen(pen);
+    line->setXValue(position);
+    line->attach(plot);
 }

@@ -36,3 +36,6 @@ constexpr double dataWidth = 1.0;
 /// Make a plot that looks like paper, with a grid and a legend above, whatever the desktop's
 /// colours.
 QwtPlot *makePlot(const QString &horizontal, const QString &vertical);
+
+/// Draw a vertical line, as at a median or an edge.
+void addLine(QwtPlot *plot, double position, const QPen &pen);

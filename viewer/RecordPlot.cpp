@@ -2,9 +2,8 @@
 
 #include "instrument/NumberText.h"
 #include "measurement/TimeAxis.h"
-#include "plot/EdgeCurve.h"
-#include "plot/TraceData.h"
 #include "viewer/PlotStyle.h"
+#include "viewer/TraceData.h"
 #include "viewer/WrapText.h"
 
 #include <qwt_plot.h>
@@ -62,13 +61,15 @@ QwtPlot *recordPlot(const Series &series)
          {Row{"RF (scaled)", &record.rf, at.rf, QPen(rfColour, dataWidth, Qt::DotLine)},
           Row{"Source", &record.source, at.source, QPen(sourceColour, dataWidth, Qt::DashLine)},
           Row{"Sink", &record.sink, at.sink, QPen(sinkColour, dataWidth, Qt::DashDotLine)}}) {
-        QwtPlotCurve *curve = addCurve(plot, QPen(row.pen.color(), dataWidth),
-                                       new TraceData(*row.trace, first, interval));
-        curve->setTitle(type ? QString("%1, edge %2 s").arg(row.title, numberText(row.instant))
-                             : QString(row.title));
+        auto *curve =
+            new QwtPlotCurve(type ? QString("%1, edge %2 s").arg(row.title, numberText(row.instant))
+                                  : QString(row.title));
+        curve->setPen(row.pen.color(), dataWidth);
         curve->setLegendAttribute(QwtPlotCurve::LegendShowLine);
+        curve->setSamples(new TraceData(*row.trace, first, interval));
+        curve->attach(plot);
         if (type) {
-            addEdge(plot, {}, row.instant)->setLinePen(row.pen); // edges are too near for labels
+            addLine(plot, row.instant, row.pen); // edges are too near for labels
         }
     }
     plot->setAxisScale(QwtPlot::xBottom, first, first + interval * std::max(1, record.samples - 1));

@@ -1,4 +1,4 @@
-#include "plot/TraceData.h"
+#include "viewer/TraceData.h"
 
 #include <algorithm>
 #include <cmath>
