@@ -14,6 +14,13 @@ const QColor rfColour(230, 159, 0);
 const QColor sinkColour(0, 114, 178);
 const QColor flagColour(0, 0, 0);
 
+QwtSymbol *SeriesStyle::makeSymbol(int size) const
+{
+    // Of two, the second's lets the first's be seen through.
+    const QBrush inside = fill == Qt::SolidPattern ? QBrush(colour) : QBrush(Qt::NoBrush);
+    return new QwtSymbol(symbol, inside, QPen(colour, dataWidth), QSize(size, size));
+}
+
 SeriesStyle seriesStyle(int index)
 {
     static const std::array<SeriesStyle, 2> styles = {{

@@ -17,6 +17,8 @@ struct SeriesStyle
     Qt::BrushStyle fill;
 
     [[nodiscard]] QPen pen(double width) const { return {QBrush(colour), width, line}; }
+    /// Make a symbol of so many pixels, which belongs to the curve that it is given to.
+    [[nodiscard]] QwtSymbol *makeSymbol(int size) const;
 };
 
 /// The style of the first or second series selected.

@@ -1,6 +1,7 @@
 #include "viewer/Report.h"
 
 #include "analysis/Summary.h"
+#include "viewer/CumulativePlot.h"
 #include "viewer/DriftPlot.h"
 #include "viewer/Export.h"
 #include "viewer/HistogramPlot.h"
@@ -60,7 +61,8 @@ bool writeReport(const QVector<Series> &series, const QString &fileName, QString
             page.rows += row;
         };
         for (const DelayKind kind : plottedDelays(selection)) {
-            addRow({driftPlot(selection, kind), histogramPlot(selection, kind)});
+            addRow({driftPlot(selection, kind), histogramPlot(selection, kind),
+                    cumulativePlot(selection, kind)});
         }
         QVector<QwtPlot *> records;
         for (const Series &one : selection) {
