@@ -13,35 +13,58 @@ constexpr double noHdmiEvent = -230.0; // what the video analyzer says without a
 // it is triggered, so only a slow or noisy rise moves it.
 constexpr double sourceTolerance = 0.01;
 
-/// Where delays lie that end at an end of the axis, in milliseconds.
-struct AxisEnds
+/// Where delays lie that end at an end of the axis, in milliseconds; the ends of both types' axes
+/// while the type is not known.
+class AxisEnds
 {
+public:
     AxisEnds(int samples, const Recognition &recognition)
     {
-        constexpr double milliseconds = 1000.0;
-        if (!recognition.type || samples < 2) {
+        if (recognition.type && samples >= 2) {
+            add(*recognition.type, sampleInstant(samples, samples, *recognition.type),
+                recognition.instants.source);
             return;
         }
-        const double halfSpan = recordSpan(*recognition.type) / 2;
-        double source = recognition.instants.source;
-        if (std::abs(source) >= halfSpan) {
-            source = 0.0; // the last record has no source edge; then the trigger must do
+        for (const OscilloscopeType type : {OscilloscopeType::Kvx, OscilloscopeType::Lpa4004}) {
+            add(type, recordSpan(type) / 2, 0.0);
         }
-        tolerance = sourceTolerance * 2 * halfSpan * milliseconds;
-        late = (sampleInstant(samples, samples, *recognition.type) - source) * milliseconds;
-        early = (-halfSpan - source) * milliseconds;
     }
 
     [[nodiscard]] bool has(double delay) const
     {
-        return std::abs(delay - late) <= tolerance || std::abs(delay - early) <= tolerance;
+        return std::any_of(axes.begin(), axes.end(), [delay](const Axis &axis) {
+            return std::abs(delay - axis.late) <= axis.tolerance ||
+                   std::abs(delay - axis.early) <= axis.tolerance;
+        });
     }
     /// Only an RF edge counted from the start of the axis is further than its end.
-    [[nodiscard]] bool isPast(double delay) const { return delay > late + tolerance; }
+    [[nodiscard]] bool isPast(double delay) const
+    {
+        return std::all_of(axes.begin(), axes.end(), [delay](const Axis &axis) {
+            return delay > axis.late + axis.tolerance;
+        });
+    }
 
-    double late = std::numeric_limits<double>::infinity();
-    double early = -late;
-    double tolerance = -1.0; // nothing lies at an unknown end
+private:
+    struct Axis
+    {
+        double late;
+        double early;
+        double tolerance;
+    };
+    /// Instants are in seconds.
+    void add(OscilloscopeType type, double end, double source)
+    {
+        constexpr double milliseconds = 1000.0;
+        const double halfSpan = recordSpan(type) / 2;
+        if (std::abs(source) >= halfSpan) {
+            source = 0.0; // the last record has no source edge; then the trigger must do
+        }
+        axes += {(end - source) * milliseconds, (-halfSpan - source) * milliseconds,
+                 sourceTolerance * 2 * halfSpan * milliseconds};
+    }
+
+    QVector<Axis> axes;
 };
 
 } // namespace

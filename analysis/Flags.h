@@ -23,8 +23,8 @@ Q_DECLARE_OPERATORS_FOR_FLAGS(Flags)
 /// The flags of each measurement, for each delay by its kind.
 using SeriesFlags = std::array<QVector<Flags>, delayKinds.size()>;
 
-/// Flag the values of a series. Where the axis ends is known with the type only; without it no
-/// delay is flagged for lying there.
+/// Flag the values of a series. Where the axis ends is known with the type; without it, the ends of
+/// both types' axes count.
 SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognition &recognition);
 
 /// Whether the video analyzer took part: without it every HDMI delay is 0.

@@ -5,10 +5,11 @@
 #include "measurement/TraceFile.h"
 
 #include <QFileInfo>
+#include <QLocale>
 
 #include <cmath>
 
-bool openSeries(const QString &fileName, Series *series, QString *reason)
+bool openResults(const QString &fileName, Series *series, QString *reason)
 {
     Series opened;
     if (!readResults(fileName, &opened.results, reason)) {
@@ -16,32 +17,60 @@ bool openSeries(const QString &fileName, Series *series, QString *reason)
     }
     opened.fileName = fileName;
     opened.time = seriesTime(fileName);
-    Record record;
-    if (loadRecord(fileName, &record, &opened.oscilloscope.remark)) {
-        opened.oscilloscope = recogniseType(record, opened.results);
-    }
-    opened.samples = record.samples;
     opened.flags = flagDelays(opened.results, opened.samples, opened.oscilloscope);
     *series = opened;
     return true;
 }
 
+void addTraces(Series *series)
+{
+    Record record;
+    Recognition recognition;
+    if (loadRecord(series->fileName, &record, &recognition.remark)) {
+        recognition = recogniseType(record, series->results);
+    }
+    series->hasReadTraces = true;
+    series->samples = record.samples;
+    series->oscilloscope = recognition;
+    series->flags = flagDelays(series->results, series->samples, series->oscilloscope);
+}
+
+bool openSeries(const QString &fileName, Series *series, QString *reason)
+{
+    if (!openResults(fileName, series, reason)) {
+        return false;
+    }
+    addTraces(series);
+    return true;
+}
+
 bool loadRecord(const QString &fileName, Record *record, QString *reason)
 {
-    Record loaded;
-    for (const auto &[name, trace] : {std::pair("src", &loaded.source), std::pair("rf", &loaded.rf),
-                                      std::pair("snk", &loaded.sink)}) {
-        const QString file = traceFile(fileName, name);
+    *record = {};
+    reason->clear();
+    for (const auto &[name, trace] :
+         {std::pair("src", &record->source), std::pair("rf", &record->rf),
+          std::pair("snk", &record->sink)}) {
+        const QFileInfo file(traceFile(fileName, name));
         int count = 0;
-        // Where a folder has the name, opening it fails, too.
-        if (loadTrace(file, trace, &count) != 0) {
-            *reason = QString("The trace %1 cannot be read.").arg(QFileInfo(file).fileName());
-            return false;
+        // Reading something else than a file might never end.
+        if (!file.isFile() || loadTrace(file.filePath(), trace, &count) != 0) {
+            *reason = QString("The trace %1 cannot be read.").arg(file.fileName());
+        } else if (file.size() % static_cast<qint64>(sizeof(double)) != 0) {
+            *reason = QString("The trace %1 is broken: %2 bytes are no whole number of samples.")
+                          .arg(file.fileName())
+                          .arg(file.size());
         }
     }
-    loaded.samples = loaded.source.size();
-    *record = loaded;
-    return true;
+    record->samples = record->source.size();
+    if (reason->isEmpty() &&
+        (record->rf.size() != record->samples || record->sink.size() != record->samples)) {
+        *reason = QString("The traces are broken: source, RF and sink have %1, %2 and %3 samples.")
+                      .arg(record->source.size())
+                      .arg(record->rf.size())
+                      .arg(record->sink.size());
+    }
+    return reason->isEmpty();
 }
 
 int flaggedCount(const Series &series)
@@ -56,13 +85,18 @@ int flaggedCount(const Series &series)
 
 bool isDoubtful(const Series &series)
 {
-    return series.oscilloscope.contradicts || flaggedCount(series) > 0;
+    return (series.hasReadTraces && !series.oscilloscope.type) || flaggedCount(series) > 0;
 }
 
 QString seriesName(const Series &series)
 {
-    return series.time.isValid() ? series.time.toString("yyyy-MM-dd hh:mm:ss")
-                                 : QFileInfo(series.fileName).fileName();
+    if (!series.time.isValid()) {
+        return QFileInfo(series.fileName).fileName();
+    }
+    // Two series may have one label, so the time goes with it. A locale may have other digits.
+    const QString time = QLocale::c().toString(series.time, "yyyy-MM-dd hh:mm:ss");
+    const QString label = seriesLabel(series.fileName);
+    return label.isEmpty() ? time : QString("%1 (%2)").arg(label, time);
 }
 
 double samplingInterval(const Series &series)

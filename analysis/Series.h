@@ -10,7 +10,8 @@ struct Series
     QString fileName;
     QDateTime time; ///< local; invalid when the file's name does not tell
     SeriesResults results;
-    int samples = 0; ///< of the last record; 0 without one
+    bool hasReadTraces = false; ///< else the next two do not tell anything yet
+    int samples = 0;            ///< of the last record; 0 without one
     Recognition oscilloscope;
     SeriesFlags flags;
 
@@ -22,21 +23,30 @@ struct Series
     [[nodiscard]] int count() const { return results.sourceToRf.values.size(); }
 };
 
-/// Open a series by its results file. Returns false and a reason as readResults() does; a series
-/// without its traces is opened, its oscilloscope type remains unknown.
+/// Open a series by its results file alone, which is quick. Returns false and a reason as
+/// readResults() does.
+bool openResults(const QString &fileName, Series *series, QString *reason);
+
+/// Read the traces of a series, recognise the oscilloscope type by them, and flag the delays anew.
+/// Where a trace is missing or broken, the type remains unknown, and the remark says why.
+void addTraces(Series *series);
+
+/// Open a series with its traces. Returns false and a reason as readResults() does.
 bool openSeries(const QString &fileName, Series *series, QString *reason);
 
-/// Load the last record of a series: traces and, if its type is known, instants. Returns false and
-/// a sentence when a trace cannot be read.
+/// Load the traces of a series' last record. Returns false and a sentence when they cannot be read
+/// or are not of one record; those that can be read are there all the same.
 bool loadRecord(const QString &fileName, Record *record, QString *reason);
 
 /// Count the values of a series that have flags.
 int flaggedCount(const Series &series);
 
-/// Whether an engineer must hear something before using the delays.
+/// Whether an engineer must hear something before using the delays: there are flags, or the traces
+/// were read and do not tell the oscilloscope type.
 bool isDoubtful(const Series &series);
 
-/// Name a series for people: its time or, where there is none, its file.
+/// Name a series for people: its label, if the file was renamed to have one, and its time; where
+/// there is neither, its file.
 QString seriesName(const Series &series);
 
 /// Find the time between two samples, in milliseconds, of which all RF and sink delays are

@@ -1,14 +1,33 @@
 #include "analysis/SeriesFiles.h"
 
 #include <QDir>
+#include <QMultiMap>
 #include <QRegularExpression>
 #include <QStandardPaths>
-
-#include <algorithm>
 
 namespace {
 
 const QString ending = QStringLiteral("_Results.txt");
+
+/// What the name of a results file tells: "label_Orvanta2026-03-05_14-07-09_Results.txt".
+struct NameParts
+{
+    explicit NameParts(const QString &fileName)
+    {
+        static const QRegularExpression parts(
+            R"(^(.*?)[ _-]*((?:Orvanta(?:Demo)?)?(\d{4}-\d\d-\d\d_\d\d-\d\d-\d\d)))" +
+                QRegularExpression::escape(ending) + '$',
+            QRegularExpression::DotMatchesEverythingOption);
+        const QRegularExpressionMatch found = parts.match(QFileInfo(fileName).fileName());
+        label = found.captured(1).simplified();
+        original = found.captured(2);
+        stamp = found.captured(3);
+    }
+
+    QString label;
+    QString original; ///< how the name began when the series was saved
+    QString stamp;
+};
 
 } // namespace
 
@@ -20,21 +39,21 @@ QString resultsFolder()
 QStringList seriesIn(const QString &folder)
 {
     const QDir directory(folder);
-    QStringList files;
-    for (const QString &name : directory.entryList({'*' + ending}, QDir::Files)) {
-        files += directory.filePath(name);
+    QMultiMap<QString, QString> files; // by their stamps, which are in the order of time
+    for (const QString &name : directory.entryList({'*' + ending}, QDir::Files, QDir::Reversed)) {
+        files.insert(NameParts(name).stamp, directory.filePath(name)); // the last comes first
     }
-    std::stable_sort(files.begin(), files.end(), [](const QString &a, const QString &b) {
-        return seriesTime(a) < seriesTime(b);
-    });
-    return files;
+    return files.values();
 }
 
 QDateTime seriesTime(const QString &fileName)
 {
-    static const QRegularExpression stamp("([0-9]{4}(-[0-9]{2}){2}_([0-9]{2}-){2}[0-9]{2})" +
-                                          QRegularExpression::escape(ending) + '$');
-    return QDateTime::fromString(stamp.match(fileName).captured(1), "yyyy-MM-dd_hh-mm-ss");
+    return QDateTime::fromString(NameParts(fileName).stamp, "yyyy-MM-dd_hh-mm-ss");
+}
+
+QString seriesLabel(const QString &fileName)
+{
+    return NameParts(fileName).label;
 }
 
 QString traceFile(const QString &fileName, const QString &trace)
@@ -43,5 +62,9 @@ QString traceFile(const QString &fileName, const QString &trace)
     if (prefix.endsWith(ending)) {
         prefix.chop(ending.size() - 1);
     }
-    return prefix + "001_" + trace + ".bin";
+    const QString end = "001_" + trace + ".bin";
+    const NameParts name(fileName);
+    return name.label.isEmpty() || QFileInfo::exists(prefix + end)
+               ? prefix + end
+               : QFileInfo(fileName).dir().filePath(name.original + '_' + end);
 }

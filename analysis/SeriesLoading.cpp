@@ -4,8 +4,10 @@
 
 #include <QFileInfo>
 
-LoadedSeries loadSeries(const QStringList &filesAndFolders, const LoadingProgress &progress)
+LoadedSeries loadSeries(const QStringList &filesAndFolders, const LoadingProgress &progress,
+                        Traces traces)
 {
+    const auto open = traces == Traces::Now ? openSeries : openResults;
     LoadedSeries loaded;
     QStringList files;
     for (const QString &name : filesAndFolders) {
@@ -25,7 +27,7 @@ LoadedSeries loadSeries(const QStringList &filesAndFolders, const LoadingProgres
         }
         Series series;
         QString reason;
-        if (openSeries(files[i], &series, &reason)) {
+        if (open(files[i], &series, &reason)) {
             loaded.series += series;
         } else {
             loaded.problems += files[i] + ' ' + reason + '.';

@@ -16,5 +16,13 @@ struct LoadedSeries
 /// Is told how many files are done, of how many; returns false to leave the others out.
 using LoadingProgress = std::function<bool(int done, int all)>;
 
+/// Whether traces are read with the results, or later by addTraces().
+enum class Traces
+{
+    Now,
+    Later,
+};
+
 /// Open series by their results files; a folder stands for all in it, oldest first.
-LoadedSeries loadSeries(const QStringList &filesAndFolders, const LoadingProgress &progress = {});
+LoadedSeries loadSeries(const QStringList &filesAndFolders, const LoadingProgress &progress = {},
+                        Traces traces = Traces::Now);

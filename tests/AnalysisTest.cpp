@@ -13,7 +13,7 @@ Series open(const QString &file)
 {
     Series series;
     QString reason;
-    return openSeries(file, &series, &reason) ? series : Series{reason, {}, {}, 0, {}, {}};
+    return openSeries(file, &series, &reason) ? series : Series{reason, {}, {}, false, 0, {}, {}};
 }
 
 } // namespace

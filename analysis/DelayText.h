@@ -1,0 +1,7 @@
+#pragma once
+
+#include <QString>
+
+/// Write a delay with the decimals that the sampling step justifies, both in milliseconds: one more
+/// than the step's own, two at 0.1 ms, and two where the step is not known (0). "-" for NaN.
+QString delayText(double milliseconds, double step);
