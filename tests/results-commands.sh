@@ -37,7 +37,8 @@ expect 0 'Usage' --help
 expect 2 '^Flag: Source to RF, 1 of 5: not a finite number.*\(measurement 1\)' \
     --summary "$scratch/flagged_Results.txt"
 
-expect 2 '^Oscilloscope type unknown.*_001_src.bin cannot be read' --summary "$scratch/untraced_Results.txt"
+expect 2 '^Warning: untraced_Results.txt: Osc.* unknown.*_001_src.bin cannot be read' --summary \
+    "${series[0]}" "$scratch/untraced_Results.txt"
 expect 2 '^flagged_Results.txt +5 .* 1, type unknown' --summary "${series[@]}" "$scratch/flagged_Results.txt"
 
 mkfifo "$scratch/pipe"
