@@ -3,9 +3,8 @@
 #include "analysis/SeriesFiles.h"
 #include "analysis/Summary.h"
 #include "measurement/TraceFile.h"
-#include "plot/EdgeCurve.h"
-#include "plot/TraceData.h"
 #include "viewer/PlotStyle.h"
+#include "viewer/TraceData.h"
 
 #include <QFile>
 #include <QPixmap>
@@ -13,6 +12,7 @@
 
 #include <benchmark/benchmark.h>
 #include <qwt_plot.h>
+#include <qwt_plot_curve.h>
 
 #include <cstdlib>
 #include <memory>
@@ -99,7 +99,10 @@ void traceDrawn(benchmark::State &state)
         int count = 0;
         loadTrace(file.name, &trace, &count);
         const std::unique_ptr<QwtPlot> plot(makePlot("Time / s", "Voltage / V"));
-        addCurve(plot.get(), QPen(sourceColour, dataWidth), new TraceData(trace, -0.5, 1e-6));
+        auto *curve = new QwtPlotCurve;
+        curve->setPen(sourceColour, dataWidth);
+        curve->setSamples(new TraceData(trace, -0.5, 1e-6, 4096));
+        curve->attach(plot.get());
         plot->replot();
         benchmark::DoNotOptimize(plot->grab());
     }

@@ -25,10 +25,9 @@ types='visa/VisaTypes\.h' # the standard's, for whoever uses a VISA library
 may_include instrument "$types"
 may_include setup "(instrument/.*|$types)"
 may_include measurement "(instrument/.*|$types)"
-may_include plot 'no others'
 may_include analysis '(instrument|measurement)/.*'
-may_include viewer '(analysis|instrument|measurement|plot)/.*'
-may_include app "((instrument|setup|measurement|plot)/.*|$types)"
+may_include viewer '(analysis|instrument|measurement)/.*'
+may_include app "((instrument|setup|measurement)/.*|$types)"
 may_include visa 'no others'
 may_include visa/wire 'no others'
 may_include simulator 'visa/(wire/)?[^/]*\.h'

@@ -1,16 +1,14 @@
 #include "viewer/RecordPlot.h"
 
-#include "instrument/NumberText.h"
+#include "analysis/DelayText.h"
 #include "measurement/TimeAxis.h"
-#include "plot/EdgeCurve.h"
-#include "plot/TraceData.h"
 #include "viewer/PlotStyle.h"
+#include "viewer/TraceData.h"
 #include "viewer/WrapText.h"
 
 #include <qwt_plot.h>
 #include <qwt_plot_curve.h>
-#include <qwt_plot_marker.h>
-#include <qwt_text.h>
+#include <qwt_plot_textlabel.h>
 
 namespace {
 
@@ -19,41 +17,36 @@ void addRemark(QwtPlot *plot, const QString &text)
 {
     constexpr int width = 50;
     QwtText label(wrapText(text, width), QwtText::PlainText);
-    label.setRenderFlags(Qt::AlignLeft);
+    label.setRenderFlags(Qt::AlignLeft | Qt::AlignTop);
     label.setFont(plot->font());
     label.setBackgroundBrush(QColor(255, 255, 255, 220));
-    auto *marker = new QwtPlotMarker;
-    marker->setLabel(label);
-    marker->attach(plot);
-    marker->setLabelAlignment(Qt::AlignRight | Qt::AlignBottom);
-    marker->setValue(0.02, 0.95);
-    marker->setAxes(QwtPlot::xTop, QwtPlot::yRight);
-    marker->setZ(1000);
-    plot->setAxisScale(QwtPlot::xTop, 0, 1);
-    plot->setAxisScale(QwtPlot::yRight, 0, 1);
+    auto *remark = new QwtPlotTextLabel;
+    remark->setText(label);
+    remark->attach(plot);
 }
 
 } // namespace
 
-QwtPlot *recordPlot(const Series &series)
+QwtPlot *recordPlot(const Series &series, int columns)
 {
     Record record;
     QString problem;
     const bool isLoaded = loadRecord(series.fileName, &record, &problem) && record.samples > 1;
     const auto type = series.oscilloscope.type;
-    QwtPlot *plot = makePlot(type ? "Time / s" : "Sample", "Voltage / V");
-    QwtText title(seriesName(series), QwtText::PlainText);
+    QwtPlot *plot = makePlot(type ? "Time / ms" : "Sample", "Voltage / V");
+    QwtText title(plotNames({series})[0], QwtText::PlainText);
     title.setFont(plot->font());
     plot->setTitle(title);
 
-    const double first = type ? sampleInstant(0, record.samples, *type) : 0.0;
+    constexpr double milliseconds = 1000.0;
+    const double first = type ? sampleInstant(0, record.samples, *type) * milliseconds : 0.0;
     const double interval =
-        type && record.samples > 1 ? recordSpan(*type) / (record.samples - 1) : 1.0;
+        type && record.samples > 1 ? recordSpan(*type) / (record.samples - 1) * milliseconds : 1.0;
     struct Row
     {
         const char *title;
         const QVector<double> *trace;
-        double instant;
+        double instant; // seconds
         QPen pen;
     };
     const Instants &at = series.oscilloscope.instants;
@@ -62,13 +55,16 @@ QwtPlot *recordPlot(const Series &series)
          {Row{"RF (scaled)", &record.rf, at.rf, QPen(rfColour, dataWidth, Qt::DotLine)},
           Row{"Source", &record.source, at.source, QPen(sourceColour, dataWidth, Qt::DashLine)},
           Row{"Sink", &record.sink, at.sink, QPen(sinkColour, dataWidth, Qt::DashDotLine)}}) {
-        QwtPlotCurve *curve = addCurve(plot, QPen(row.pen.color(), dataWidth),
-                                       new TraceData(*row.trace, first, interval));
-        curve->setTitle(type ? QString("%1, edge %2 s").arg(row.title, numberText(row.instant))
-                             : QString(row.title));
+        auto *curve = new QwtPlotCurve(
+            type ? QString("%1, edge %2 ms")
+                       .arg(row.title, delayText(row.instant * milliseconds, interval))
+                 : QString(row.title));
+        curve->setPen(row.pen.color(), dataWidth);
         curve->setLegendAttribute(QwtPlotCurve::LegendShowLine);
+        curve->setSamples(new TraceData(*row.trace, first, interval, columns));
+        curve->attach(plot);
         if (type) {
-            addEdge(plot, {}, row.instant)->setLinePen(row.pen); // edges are too near for labels
+            addLine(plot, row.instant * milliseconds, row.pen); // edges are too near for labels
         }
     }
     plot->setAxisScale(QwtPlot::xBottom, first, first + interval * std::max(1, record.samples - 1));

@@ -1,17 +1,11 @@
-#include "plot/TraceData.h"
+#include "viewer/TraceData.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
-namespace {
-
-constexpr int columns = 4096; // as many as a wide screen has, and enough for paper
-
-} // namespace
-
-TraceData::TraceData(const QVector<double> &samples, double start, double step)
-    : trace(samples), first(start), interval(step)
+TraceData::TraceData(const QVector<double> &samples, double start, double step, int most)
+    : trace(samples), first(start), interval(step), columns(most)
 {
     show(0, trace.size());
     bounds = qwtBoundingRect(*this);
