@@ -9,11 +9,11 @@
 #include <QFile>
 #include <QIcon>
 #include <QLocale>
-#include <QSysInfo>
 
 #include <algorithm>
 #include <clocale>
 #include <cstdio>
+#include <cstdlib>
 
 namespace {
 
@@ -74,12 +74,14 @@ int runInTerminal(const CommandLine &commandLine)
     return !isWhole ? exitFailure : isFlagged ? exitFlagged : 0;
 }
 
-/// Whether there is somewhere to open a window. Qt itself aborts where there is not.
-bool hasDisplay()
+/// Qt aborts where it cannot open a display.
+void endWithoutDisplay(QtMsgType type, const QMessageLogContext & /*where*/,
+                       const QString & /*message*/)
 {
-    return QSysInfo::kernelType() != "linux" || !qEnvironmentVariableIsEmpty("DISPLAY") ||
-           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY") ||
-           !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+    if (type == QtFatalMsg) {
+        complain("There is no display for a window; --summary, --csv and --report need none.");
+        std::_Exit(exitFailure);
+    }
 }
 
 int runWindow(const CommandLine &commandLine, int &argc, char **argv)
@@ -88,7 +90,9 @@ int runWindow(const CommandLine &commandLine, int &argc, char **argv)
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    const QtMessageHandler usual = qInstallMessageHandler(endWithoutDisplay);
     const QApplication application(argc, argv);
+    qInstallMessageHandler(usual);
     QIcon icon;
     for (const char *file : {":/icon/48.png", ":/icon/128.png", ":/icon/256.png"}) {
         icon.addFile(file);
@@ -135,10 +139,6 @@ int main(int argc, char *argv[])
     }
     case CommandLine::Mode::Window:
         break;
-    }
-    if (!hasDisplay()) {
-        complain("There is no display for a window; --summary, --csv and --report need none.");
-        return exitFailure;
     }
     return runWindow(commandLine, argc, argv);
 }
