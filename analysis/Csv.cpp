@@ -16,19 +16,20 @@ QString quoted(QString text)
 
 QString csvHeading()
 {
-    return "file,measurement,source_to_rf_ms,source_to_hdmi_ms,source_to_sink_ms,flags\n";
+    return "file,measurement,source_to_rf_ms,source_to_hdmi_ms,source_to_sink_ms,flags,series\n";
 }
 
 QString csvRows(const Series &series)
 {
     const QString file = quoted(series.fileName);
+    const QString name = quoted(seriesName(series));
     QString rows;
     for (int i = 0; i < series.count(); ++i) {
         rows += file + ',' + QString::number(i + 1);
         for (const DelayKind kind : delayKinds) {
             rows += ',' + numberText(valuesOf(series.results, kind)[i]);
         }
-        rows += ',' + quoted(measurementFlags(series, i)) + '\n';
+        rows += ',' + quoted(measurementFlags(series, i)) + ',' + name + '\n';
     }
     return rows;
 }

@@ -67,6 +67,60 @@ private:
     QVector<Axis> axes;
 };
 
+/// Flag RF and sink where both are those of the measurement before. Where RF or the sink repeats so
+/// often alone that chance has both do it, nothing is flagged.
+void flagRepeated(const QVector<double> &toRf, const QVector<double> &toSink, SeriesFlags *flags)
+{
+    int rfAlone = 0;
+    int sinkAlone = 0;
+    int neither = 0;
+    QVector<int> both;
+    for (int i = 1; i < toRf.size(); ++i) {
+        const bool rf = toRf[i] == toRf[i - 1];
+        const bool sink = toSink[i] == toSink[i - 1];
+        if (rf && sink) {
+            both += i;
+        } else {
+            ++(rf ? rfAlone : sink ? sinkAlone : neither);
+        }
+    }
+    // Chance brings rfAlone * sinkAlone / neither of them. Each is counted from 1: what did not
+    // happen among a few pairs may still be likely.
+    if ((rfAlone + 1.0) * (sinkAlone + 1.0) > neither + 1.0) {
+        return;
+    }
+    for (const int i : both) {
+        (*flags)[0][i] |= Flag::Repeated;
+        (*flags)[2][i] |= Flag::Repeated;
+    }
+}
+
+/// Flag runs of equal delays if chance would bring one so long less than once in a hundred such
+/// series. Values with another flag are in no run: their reason is known.
+void flagStuck(const QVector<double> &values, QVector<Flags> *flags)
+{
+    constexpr double rare = 0.01;
+    const QVector<Flags> others = *flags;
+    int pairs = 0;
+    int equal = 0;
+    QVector<bool> repeats(values.size() + 1); // the value before; the end of the last run is false
+    for (int i = 1; i < values.size(); ++i) {
+        const bool isPair = !others[i - 1] && !others[i];
+        repeats[i] = isPair && values[i] == values[i - 1];
+        pairs += int(isPair);
+        equal += int(repeats[i]);
+    }
+    for (int first = 0, end = 1; first < values.size(); first = end++) {
+        while (repeats[end]) {
+            ++end;
+        }
+        const int length = end - first;
+        if (length > 1 && values.size() * std::pow(double(equal) / pairs, length - 1) < rare) {
+            std::fill(flags->begin() + first, flags->begin() + end, Flag::Stuck);
+        }
+    }
+}
+
 } // namespace
 
 SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognition &recognition)
@@ -96,16 +150,16 @@ SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognit
         } else if (toRf[i] == 0.0) {
             rf |= Flag::OnTrigger;
         }
-        if (i > 0 && toRf[i] == toRf[i - 1] && toSink[i] == toSink[i - 1]) {
-            rf |= Flag::Repeated;
-            sink |= Flag::Repeated;
-        }
         hdmi.setFlag(Flag::NoHdmiValue, hdmiUsed && toHdmi[i] == 0.0);
         hdmi.setFlag(Flag::NoHdmiEvent, toHdmi[i] == noHdmiEvent);
         for (const DelayKind kind : delayKinds) {
             flags[static_cast<std::size_t>(kind)][i].setFlag(
                 Flag::NotFinite, !std::isfinite(valuesOf(results, kind)[i]));
         }
+    }
+    flagRepeated(toRf, toSink, &flags);
+    for (const DelayKind kind : delayKinds) {
+        flagStuck(valuesOf(results, kind), &flags[static_cast<std::size_t>(kind)]);
     }
     return flags;
 }
@@ -123,8 +177,9 @@ bool isMeasured(const SeriesResults &results, DelayKind kind)
 
 QVector<Flag> allFlags()
 {
-    return {Flag::EndOfAxis, Flag::NoSource,    Flag::NothingArrived, Flag::OnTrigger,
-            Flag::Repeated,  Flag::NoHdmiValue, Flag::NoHdmiEvent,    Flag::NotFinite};
+    return {Flag::EndOfAxis,   Flag::NoSource,    Flag::NothingArrived,
+            Flag::OnTrigger,   Flag::Repeated,    Flag::Stuck,
+            Flag::NoHdmiValue, Flag::NoHdmiEvent, Flag::NotFinite};
 }
 
 QString flagReason(Flag flag)
@@ -140,6 +195,8 @@ QString flagReason(Flag flag)
         return "no delay: 0 is written when the RF edge lies on the trigger itself";
     case Flag::Repeated:
         return "nothing new arrived: RF and sink are those of the measurement before";
+    case Flag::Stuck:
+        return "stuck: more equal delays in a row than chance brings";
     case Flag::NoHdmiValue:
         return "no value from the video analyzer";
     case Flag::NoHdmiEvent:

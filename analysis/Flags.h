@@ -13,9 +13,10 @@ enum class Flag : unsigned
     NothingArrived = 1U << 2U,
     OnTrigger = 1U << 3U,
     Repeated = 1U << 4U,
-    NoHdmiValue = 1U << 5U,
-    NoHdmiEvent = 1U << 6U,
-    NotFinite = 1U << 7U,
+    Stuck = 1U << 5U,
+    NoHdmiValue = 1U << 6U,
+    NoHdmiEvent = 1U << 7U,
+    NotFinite = 1U << 8U,
 };
 Q_DECLARE_FLAGS(Flags, Flag)
 Q_DECLARE_OPERATORS_FOR_FLAGS(Flags)

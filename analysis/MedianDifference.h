@@ -2,18 +2,28 @@
 
 #include <QVector>
 
+#include <limits>
+
 /// By how much the median of one set of values exceeds that of another, in their unit.
 struct MedianDifference
 {
     double difference = 0.0;
-    double low = 0.0; ///< of the interval of 95 %
-    double high = 0.0;
+    double low =
+        std::numeric_limits<double>::quiet_NaN(); ///< of the 95 % interval, if there is one
+    double high = low;
+
+    [[nodiscard]] bool hasInterval() const { return low <= high; }
+    [[nodiscard]] bool isShown() const { return low > 0.0 || high < 0.0; }
 };
 
 /// How often the values are drawn anew for the interval.
 constexpr int resamplings = 10000;
 
+/// How many values there must be on both sides: of fewer, resampling tells too little.
+constexpr int fewestForInterval = 5;
+
 /// Compute the difference of the medians, second less first, and its bootstrap interval (the
-/// percentiles 2.5 and 97.5 of the differences between resampled medians). The same values always
-/// give the same interval. Both must hold a value.
-MedianDifference compareMedians(QVector<double> first, QVector<double> second);
+/// percentiles 2.5 and 97.5 of the differences between resampled medians). It reaches at least a
+/// step to both sides: the medians are multiples of it. The same values always give the same
+/// interval. Both must hold a value.
+MedianDifference compareMedians(QVector<double> first, QVector<double> second, double step);

@@ -4,6 +4,26 @@
 #include <cmath>
 #include <numeric>
 
+namespace {
+
+/// The lag-1 correlation; NaN where all values are equal.
+double correlationOf(const QVector<double> &values, double mean)
+{
+    double products = 0.0;
+    double squares = 0.0;
+    bool areEqual = true; // rounding of the mean must not make them differ
+    for (int i = 0; i < values.size(); ++i) {
+        squares += (values[i] - mean) * (values[i] - mean);
+        if (i > 0) {
+            products += (values[i] - mean) * (values[i - 1] - mean);
+            areEqual = areEqual && values[i] == values[0];
+        }
+    }
+    return areEqual ? Statistics::none : products / squares;
+}
+
+} // namespace
+
 Statistics computeStatistics(QVector<double> values)
 {
     Statistics found;
@@ -11,11 +31,14 @@ Statistics computeStatistics(QVector<double> values)
     if (values.isEmpty()) {
         return found;
     }
+    found.mean = std::accumulate(values.begin(), values.end(), 0.0) / found.n;
+    if (found.n >= 5) {
+        found.correlation = correlationOf(values, found.mean);
+    }
     std::sort(values.begin(), values.end());
     found.minimum = values.first();
     found.maximum = values.last();
     found.median = nearestRank(values, 500);
-    found.mean = std::accumulate(values.begin(), values.end(), 0.0) / found.n;
     if (found.n >= 2) {
         const double squares = std::accumulate(values.begin(), values.end(), 0.0,
                                                [mean = found.mean](double sum, double value) {

@@ -4,8 +4,8 @@
 
 #include <limits>
 
-/// What a delay's values are like, in milliseconds. NaN where there are too few of them. Median and
-/// percentiles are by nearest rank, so that each is one of the values.
+/// What a delay's values are like, in milliseconds but for the correlation. NaN where there are too
+/// few of them. Median and percentiles are by nearest rank, so that each is one of the values.
 struct Statistics
 {
     static constexpr double none = std::numeric_limits<double>::quiet_NaN();
@@ -15,15 +15,16 @@ struct Statistics
     double median = none;
     double mean = none;
     double maximum = none;
-    double deviation = none; ///< standard deviation of the population, estimated with n - 1
-    double p5 = none;        ///< from 20 values on
-    double p95 = none;       ///< from 20 values on
-    double p99 = none;       ///< from 100 values on
+    double deviation = none;   ///< standard deviation of the population, estimated with n - 1
+    double p5 = none;          ///< from 20 values on
+    double p95 = none;         ///< from 20 values on
+    double p99 = none;         ///< from 100 values on
+    double correlation = none; ///< of each value with the one before, from 5 values on
 
     [[nodiscard]] double peakToPeak() const { return maximum - minimum; }
 };
 
-/// Compute the statistics of finite values in any order.
+/// Compute the statistics of finite values in the order of measurement.
 Statistics computeStatistics(QVector<double> values);
 
 /// Find the percentile, in tenths of a percent, of values in ascending order: the smallest value

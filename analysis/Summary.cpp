@@ -1,23 +1,24 @@
 #include "analysis/Summary.h"
 
+#include "analysis/DelayText.h"
 #include "analysis/MedianDifference.h"
 #include "analysis/Statistics.h"
-#include "instrument/NumberText.h"
 
 #include <QStringList>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
 
-constexpr int nameWidth = 20;
+constexpr int nameWidth = 15;
 constexpr int countWidth = 6;
 constexpr int numberWidth = 9; // with a blank before it
+constexpr int correlationWidth = 7;
 
-QString cell(double value)
+QString cell(double value, double step)
 {
-    const QString text = std::isnan(value) ? QString("-") : numberText(value);
-    return ' ' + text.rightJustified(numberWidth - 1);
+    return ' ' + delayText(value, step).rightJustified(numberWidth - 1);
 }
 
 QString headingLine()
@@ -28,17 +29,17 @@ QString headingLine()
                              "P99", "P95-P50"}) {
         line += QString(name).rightJustified(numberWidth);
     }
-    return line + '\n';
+    return line + QString("lag-1").rightJustified(correlationWidth) + '\n';
 }
 
-QString statisticsLine(const QString &name, const Statistics &of)
+QString statisticsLine(const QString &name, const Statistics &of, double step)
 {
     QString line = name.leftJustified(nameWidth) + QString::number(of.n).rightJustified(countWidth);
     for (const double value : {of.minimum, of.median, of.mean, of.maximum, of.deviation,
                                of.peakToPeak(), of.p5, of.p95, of.p99, of.p95 - of.median}) {
-        line += cell(value);
+        line += cell(value, step);
     }
-    return line + '\n';
+    return line + delayText(of.correlation, 0.0).rightJustified(correlationWidth) + '\n';
 }
 
 /// Numbers of measurements, from 1, with ranges: "2, 5-7".
@@ -87,24 +88,75 @@ QString flagLines(const Series &series, DelayKind kind)
 
 QString oscilloscopeLine(const Series &series)
 {
+    if (!series.hasReadTraces) {
+        return "Oscilloscope type not known yet: the traces have not been read\n";
+    }
     if (!series.oscilloscope.type) {
         return QString("%1: %2\n")
-            .arg(series.oscilloscope.contradicts
-                     ? "WRONG DELAYS"
-                     : "Oscilloscope type unknown, so ends of the time axis "
-                       "are not flagged",
-                 series.oscilloscope.remark);
+            .arg(
+                series.oscilloscope.contradicts
+                    ? "WRONG DELAYS"
+                    : "Oscilloscope type unknown, so the ends of both types' time axes are flagged",
+                series.oscilloscope.remark);
     }
-    return QString("Oscilloscope %1, records of %2 samples, %3 ms apart\n")
+    const double step = samplingInterval(series);
+    return QString("Oscilloscope %1, records of %2 samples; resolution: step %3 ms, "
+                   "step / sqrt(12) %4 ms\n")
         .arg(typeName(*series.oscilloscope.type))
         .arg(series.samples)
-        .arg(numberText(samplingInterval(series)));
+        .arg(step, 0, 'g', 3)
+        .arg(step / std::sqrt(12.0), 0, 'g', 3);
+}
+
+/// What must be heard of a series before it is compared.
+QString warningLines(const Series &series)
+{
+    QString lines;
+    if (series.hasReadTraces && !series.oscilloscope.type) {
+        lines += QString("Warning: %1: ").arg(seriesName(series)) + oscilloscopeLine(series);
+    }
+    if (const int flagged = flaggedCount(series); flagged > 0) {
+        lines += QString("Warning: %1: %2 flagged values are left out\n")
+                     .arg(seriesName(series))
+                     .arg(flagged);
+    }
+    return lines;
+}
+
+/// What the order of the values tells against the interval, which takes them for independent.
+QString dependenceLine(const Series &series, DelayKind kind)
+{
+    constexpr double negligible = 0.2;
+    const Statistics of = computeStatistics(selectValues(series, kind, false));
+    // Of independent values, chance brings more than this once in twenty series.
+    const double byChance = 2.0 / std::sqrt(of.n);
+    if (!(std::abs(of.correlation) > std::max(negligible, byChance))) {
+        return {};
+    }
+    return QString("Warning: %1 of %2: the measurements seem to depend on each other (lag-1 "
+                   "correlation %3), so the interval is too %4\n")
+        .arg(delayName(kind), seriesName(series), delayText(of.correlation, 0.0),
+             of.correlation > 0.0 ? "narrow" : "wide");
+}
+
+QString verdict(const MedianDifference &found, double step)
+{
+    if (!found.hasInterval()) {
+        return QString("   no interval: that takes %1 values in each series")
+            .arg(fewestForInterval);
+    }
+    return cell(found.low, step) + " to" + cell(found.high, step) +
+           (found.isShown()
+                ? QString("   difference shown: %1").arg(found.low > 0.0 ? "slower" : "faster")
+                : QString("   no difference shown; one of %1 ms would have been")
+                      .arg(delayText((found.high - found.low) / 2, step)));
 }
 
 } // namespace
 
 QString summarise(const Series &series)
 {
+    const double step = samplingInterval(series);
     QString text = QString("%1\nSeries of %2, %3 measurements\n")
                        .arg(series.fileName, seriesName(series), QString::number(series.count())) +
                    oscilloscopeLine(series) + headingLine();
@@ -116,38 +168,74 @@ QString summarise(const Series &series)
         }
         const QVector<double> all = selectValues(series, kind, true);
         const QVector<double> unflagged = selectValues(series, kind, false);
-        text += statisticsLine(delayName(kind), computeStatistics(all));
+        text += statisticsLine(delayName(kind), computeStatistics(all), step);
         const QString reasons = flagLines(series, kind);
         if (!reasons.isEmpty()) {
-            text += statisticsLine("  without flagged", computeStatistics(unflagged));
+            text += statisticsLine("  unflagged", computeStatistics(unflagged), step);
         }
         flags += reasons;
     }
     return text +
-           "Median and percentiles by nearest rank; std.dev. with n - 1; p-p: peak to peak\n" +
+           "Median and percentiles by nearest rank; std.dev. with n - 1; p-p: peak to peak; lag-1: "
+           "correlation of neighbours\n" +
            flags;
+}
+
+QString summariseBriefly(const QVector<Series> &series)
+{
+    const QString heading = "Medians / ms, without flagged values";
+    int width = heading.size();
+    for (const Series &one : series) {
+        width = std::max(width, seriesName(one).size());
+    }
+    QString text = heading.leftJustified(width) + QString("n").rightJustified(countWidth);
+    for (const DelayKind kind : delayKinds) {
+        text += delayEnd(kind).rightJustified(numberWidth) +
+                QString("P95-P50").rightJustified(numberWidth);
+    }
+    text += "  flags\n";
+    for (const Series &one : series) {
+        text += seriesName(one).leftJustified(width) +
+                QString::number(one.count()).rightJustified(countWidth);
+        for (const DelayKind kind : delayKinds) {
+            const Statistics of = computeStatistics(selectValues(one, kind, false));
+            text += cell(of.median, samplingInterval(one)) +
+                    cell(of.p95 - of.median, samplingInterval(one));
+        }
+        text += QString("  %1%2\n")
+                    .arg(flaggedCount(one))
+                    .arg(one.oscilloscope.contradicts ? ", wrong delays"
+                         : one.oscilloscope.type      ? ""
+                                                      : ", type unknown");
+    }
+    return text;
 }
 
 QString compareSeries(const Series &first, const Series &second)
 {
-    QString text = QString("Medians of %2 less those of %1, without flagged values\n")
-                       .arg(seriesName(first), seriesName(second));
-    text += QString("Delay / ms").leftJustified(nameWidth) +
-            QString("difference").rightJustified(numberWidth + 3) +
-            QString("   95 % interval (bootstrap, %1 resamplings)\n").arg(resamplings);
+    constexpr int differenceWidth = 13;
+    const double step = std::max(samplingInterval(first), samplingInterval(second));
+    QString warnings = warningLines(first) + warningLines(second);
+    QString lines;
     for (const DelayKind kind : delayKinds) {
         const QVector<double> of1 = selectValues(first, kind, false);
         const QVector<double> of2 = selectValues(second, kind, false);
-        text += delayName(kind).leftJustified(nameWidth);
+        lines += delayName(kind).leftJustified(nameWidth);
         if (of1.isEmpty() || of2.isEmpty()) {
-            text += QString("-").rightJustified(numberWidth + 3) + "   no values in both\n";
+            lines += QString("-").rightJustified(differenceWidth) + "   no values in both\n";
             continue;
         }
-        const MedianDifference found = compareMedians(of1, of2);
-        text += "   " + cell(found.difference) +
-                QString("   %1 to %2%3\n")
-                    .arg(numberText(found.low), numberText(found.high),
-                         found.low <= 0.0 && found.high >= 0.0 ? ", no difference shown" : "");
+        const MedianDifference found = compareMedians(of1, of2, step);
+        lines += delayText(found.difference, step).rightJustified(differenceWidth) +
+                 verdict(found, step) + '\n';
+        if (found.hasInterval()) {
+            warnings += dependenceLine(first, kind) + dependenceLine(second, kind);
+        }
     }
-    return text;
+    return warnings +
+           QString("%1 compared with %2: difference of the medians, without flagged values\n")
+               .arg(seriesName(second), seriesName(first)) +
+           QString("Delay / ms").leftJustified(nameWidth) +
+           QString("difference").rightJustified(differenceWidth) +
+           QString("   95 % interval (bootstrap, %1 resamplings)\n").arg(resamplings) + lines;
 }

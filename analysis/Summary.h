@@ -6,6 +6,10 @@
 /// statistics (a second one without the flagged values, where there are any), and its flags.
 QString summarise(const Series &series);
 
-/// Compare two series: the difference of the medians of each delay, with its interval. Flagged
-/// values are left out.
+/// Describe several series in a line each: the medians without flagged values, and what the flags
+/// and the traces tell.
+QString summariseBriefly(const QVector<Series> &series);
+
+/// Compare two series: what speaks against that, then the difference of the medians of each delay,
+/// with its interval. Flagged values are left out.
 QString compareSeries(const Series &first, const Series &second);

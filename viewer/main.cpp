@@ -1,5 +1,6 @@
 #include "analysis/Csv.h"
 #include "analysis/SeriesLoading.h"
+#include "analysis/Summary.h"
 #include "viewer/CommandLine.h"
 #include "viewer/Export.h"
 #include "viewer/Report.h"
@@ -46,7 +47,8 @@ bool write(const CommandLine &commandLine, const QVector<Series> &series)
     if (commandLine.mode == CommandLine::Mode::Report) {
         isWritten = writeReport(series, commandLine.output, &problem);
     } else if (commandLine.mode == CommandLine::Mode::Summary) {
-        isWritten = print(describeSelection(series));
+        isWritten = print((series.size() > 2 ? summariseBriefly(series) + '\n' : QString()) +
+                          describeSelection(series));
     } else {
         QString csv = csvHeading();
         for (const Series &one : series) {
@@ -74,14 +76,16 @@ int runInTerminal(const CommandLine &commandLine)
     return !isWhole ? exitFailure : isFlagged ? exitFlagged : 0;
 }
 
-/// Qt aborts where it cannot open a display.
-void endWithoutDisplay(QtMsgType type, const QMessageLogContext & /*where*/,
-                       const QString & /*message*/)
+/// Qt aborts where no window can be opened: there is no display, or it cannot be reached.
+void endWithoutDisplay(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
-    if (type == QtFatalMsg) {
-        complain("There is no display for a window; --summary, --csv and --report need none.");
-        std::_Exit(exitFailure);
+    const QByteArray line = qFormatLogMessage(type, context, message).toLocal8Bit() + '\n';
+    if (type != QtFatalMsg) {
+        std::fputs(line.constData(), stderr);
+        return;
     }
+    complain("There is no display for a window; --summary, --csv and --report need none.");
+    std::_Exit(exitFailure);
 }
 
 int runWindow(const CommandLine &commandLine, int &argc, char **argv)
@@ -90,9 +94,9 @@ int runWindow(const CommandLine &commandLine, int &argc, char **argv)
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
-    const QtMessageHandler usual = qInstallMessageHandler(endWithoutDisplay);
+    qInstallMessageHandler(endWithoutDisplay);
     const QApplication application(argc, argv);
-    qInstallMessageHandler(usual);
+    qInstallMessageHandler(nullptr);
     QIcon icon;
     for (const char *file : {":/icon/48.png", ":/icon/128.png", ":/icon/256.png"}) {
         icon.addFile(file);
