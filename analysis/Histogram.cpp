@@ -4,10 +4,23 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
-constexpr double mostBins = 200.0;
+constexpr double mostBins = 500.0;
+
+/// The width of bins that suits values in ascending order.
+double suitableWidth(const QVector<double> &sorted)
+{
+    // Freedman and Diaconis, On the histogram as a density estimator, 1981.
+    const double width = 2.0 * (nearestRank(sorted, 750) - nearestRank(sorted, 250)) /
+                         std::cbrt(static_cast<double>(sorted.size()));
+    // Two humps a video frame apart have a large interquartile range, and must not become one.
+    constexpr int few = 1000;
+    constexpr double widestForFew = 1.0; // ms
+    return sorted.size() < few ? std::min(width, widestForFew) : width;
+}
 
 double leastDistance(const QVector<double> &sorted)
 {
@@ -23,27 +36,38 @@ double leastDistance(const QVector<double> &sorted)
 
 } // namespace
 
-Bins chooseBins(QVector<double> values, double interval)
+Bins chooseBins(const QVector<QVector<double>> &series, double interval)
 {
-    if (values.isEmpty()) {
+    QVector<double> all;
+    double wanted = std::numeric_limits<double>::infinity();
+    for (QVector<double> values : series) {
+        if (!values.isEmpty()) {
+            std::sort(values.begin(), values.end());
+            wanted = std::min(wanted, suitableWidth(values));
+            all += values;
+        }
+    }
+    if (all.isEmpty()) {
         return {};
     }
-    std::sort(values.begin(), values.end());
-    const double range = values.last() - values.first();
-    const double unit = interval > 0.0 ? interval : leastDistance(values);
-    if (!std::isfinite(range)) {
-        return {};
-    }
+    std::sort(all.begin(), all.end());
+    const double range = all.last() - all.first();
+    const double unit = interval > 0.0 ? interval : leastDistance(all);
     if (!(unit > 0.0)) {
-        return {values.first() - 0.5, 1.0, 1};
+        return {all.first() - 0.5, 1.0, 1};
     }
-    // Freedman and Diaconis, On the histogram as a density estimator, 1981.
-    const double wanted = 2.0 * (nearestRank(values, 750) - nearestRank(values, 250)) /
-                          std::cbrt(static_cast<double>(values.size()));
-    const double least = std::max(1.0, std::ceil(range / unit / (mostBins - 1.0)));
-    const double width = unit * std::max(least, std::round(wanted / unit));
-    const double start = (std::round(values.first() / unit) - 0.5) * unit;
-    const double count = std::floor((values.last() - start) / width) + 1.0;
+    if (!std::isfinite(range / unit)) {
+        return {};
+    }
+    const double least = range / (mostBins - 1.0);
+    double width = unit;
+    double next = 2.0 * unit;
+    for (int i = 1; width < least || next <= std::min(wanted, range); ++i) {
+        width = next;
+        next *= i % 3 == 1 ? 2.5 : 2.0;
+    }
+    const double start = (std::round(all.first() / unit) - 0.5) * unit;
+    const double count = std::floor((all.last() - start) / width) + 1.0;
     return {start, width, static_cast<int>(qBound(1.0, count, mostBins + 1.0))};
 }
 

@@ -101,7 +101,7 @@ void traceDrawn(benchmark::State &state)
         const std::unique_ptr<QwtPlot> plot(makePlot("Time / s", "Voltage / V"));
         auto *curve = new QwtPlotCurve;
         curve->setPen(sourceColour, dataWidth);
-        curve->setSamples(new TraceData(trace, -0.5, 1e-6));
+        curve->setSamples(new TraceData(trace, -0.5, 1e-6, 4096));
         curve->attach(plot.get());
         plot->replot();
         benchmark::DoNotOptimize(plot->grab());

@@ -5,7 +5,7 @@
 set -euo pipefail
 
 declare -A packages_of=(
-    [build]='g++ cmake make ninja-build qtbase5-dev libqwt-qt5-dev libre2-dev'
+    [build]='g++ cmake make ninja-build qtbase5-dev libqt5svg5-dev libqwt-qt5-dev libre2-dev'
     [desktop]='xvfb openbox xdotool imagemagick fonts-dejavu-core poppler-utils'
     [benchmarks]='libbenchmark-dev'
     [pyvisa]='python3 python3-pyvisa python3-numpy python3-matplotlib'
@@ -18,7 +18,7 @@ declare -A command_of=(
     [ninja-build]=ninja [xvfb]=Xvfb [imagemagick]=import [poppler-utils]=pdftoppm
     [dpkg-dev]=dpkg-shlibdeps [desktop-file-utils]=desktop-file-validate [appstream]=appstreamcli
     [librsvg2-bin]=rsvg-convert
-    [qtbase5-dev]='' [libqwt-qt5-dev]='' [libre2-dev]='' [libbenchmark-dev]='' [libclang-rt-dev]=''
+    [qtbase5-dev]='' [libqt5svg5-dev]='' [libqwt-qt5-dev]='' [libre2-dev]='' [libbenchmark-dev]='' [libclang-rt-dev]=''
     [python3-pyvisa]='' [python3-numpy]='' [python3-matplotlib]=''
     [iproute2]=ip [util-linux]=unshare [lxi-tools]=lxi [rpcsvc-proto]=rpcgen
     [python3-pyvisa-py]='' [libtirpc-dev]=''

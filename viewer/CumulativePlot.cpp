@@ -1,7 +1,8 @@
 #include "viewer/CumulativePlot.h"
 
+#include "analysis/DelayText.h"
 #include "analysis/Statistics.h"
-#include "instrument/NumberText.h"
+
 #include "viewer/DelayRange.h"
 #include "viewer/PlotStyle.h"
 
@@ -30,36 +31,16 @@ QVector<QPointF> cumulate(QVector<double> values)
     return points;
 }
 
-QwtPlotCurve *addCurve(QwtPlot *plot, const QVector<QPointF> &points)
+void addSteps(QwtPlot *plot, const QString &title, const QVector<QPointF> &points,
+              const SeriesStyle &style)
 {
-    auto *curve = new QwtPlotCurve;
+    auto *curve = new QwtPlotCurve(QwtText(title, QwtText::PlainText));
     curve->setSamples(points);
+    curve->setLegendAttribute(QwtPlotCurve::LegendShowLine);
+    curve->setStyle(QwtPlotCurve::Steps);
+    curve->setCurveAttribute(QwtPlotCurve::Inverted); // a share holds up to the next delay
+    curve->setPen(style.pen(2 * dataWidth));
     curve->attach(plot);
-    return curve;
-}
-
-void addSeries(QwtPlot *plot, const Series &series, const QVector<double> &values,
-               const SeriesStyle &style)
-{
-    const Statistics of = computeStatistics(values);
-    QString title = seriesName(series) + ':';
-    QVector<QPointF> percentiles;
-    for (const auto &[percent, delay] : {std::pair(50, of.median), {95, of.p95}, {99, of.p99}}) {
-        if (std::isfinite(delay)) {
-            percentiles += {delay, double(percent)};
-            title += QString(" P%1 %2").arg(QString::number(percent), numberText(delay));
-        }
-    }
-    QwtPlotCurve *steps = addCurve(plot, cumulate(values));
-    steps->setTitle(QwtText(title, QwtText::PlainText));
-    steps->setLegendAttribute(QwtPlotCurve::LegendShowLine);
-    steps->setStyle(QwtPlotCurve::Steps);
-    steps->setCurveAttribute(QwtPlotCurve::Inverted); // a share holds up to the next delay
-    steps->setPen(style.pen(2 * dataWidth));
-    QwtPlotCurve *marks = addCurve(plot, percentiles);
-    marks->setItemAttribute(QwtPlotItem::Legend, false);
-    marks->setStyle(QwtPlotCurve::NoCurve);
-    marks->setSymbol(style.makeSymbol(9));
 }
 
 /// Draw a level to read a percentile off.
@@ -80,15 +61,31 @@ void addLevel(QwtPlot *plot, int percent, Qt::Alignment side)
 
 QwtPlot *cumulativePlot(const QVector<Series> &selection, DelayKind kind)
 {
-    QwtPlot *plot = makePlot(delayName(kind) + " / ms", "Not longer / %");
+    QwtPlot *plot = makePlot(delayName(kind) + " / ms", "Cumulative share / %");
     addLevel(plot, 50, Qt::AlignTop);
     addLevel(plot, 95, Qt::AlignBottom); // its label and the next one's would overlap
     addLevel(plot, 99, Qt::AlignTop);
     for (int i = 0; i < selection.size(); ++i) {
         const QVector<double> values = selectValues(selection[i], kind, false);
-        if (!values.isEmpty()) {
-            addSeries(plot, selection[i], values, seriesStyle(i));
+        if (values.isEmpty()) {
+            continue;
         }
+        const Statistics of = computeStatistics(values);
+        QStringList delays;
+        QVector<QPointF> marks;
+        for (const auto &[percent, delay] :
+             {std::pair(50, of.median), {95, of.p95}, {99, of.p99}}) {
+            if (std::isfinite(delay)) {
+                delays += QString("P%1 %2").arg(QString::number(percent),
+                                                delayText(delay, delayStep(selection[i], kind)));
+                marks += QPointF(delay, percent);
+            }
+        }
+        constexpr int shortName = 12; // leaves room for the delays on a narrow plot
+        const QString name = plotNames(selection)[i];
+        const QString title = name + (name.size() > shortName ? ":\n" : ": ") + delays.join(", ");
+        addSteps(plot, title, cumulate(values), seriesStyle(i));
+        addPoints(plot, {}, marks, seriesStyle(i).makeSymbol(7));
     }
     const QwtInterval axis = withAir(delayRange(selection, kind));
     plot->setAxisScale(QwtPlot::xBottom, axis.minValue(), axis.maxValue());

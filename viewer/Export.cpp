@@ -6,10 +6,11 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QSaveFile>
-#include <QTemporaryDir>
+#include <QSvgGenerator>
 
 #include <qwt_plot.h>
 #include <qwt_plot_renderer.h>
+#include <qwt_scale_widget.h>
 
 #include <algorithm>
 #include <cmath>
@@ -18,7 +19,7 @@ namespace {
 
 constexpr double margin = 0.04; // of the page's shorter side
 constexpr int resolution = 150; // dots per inch of pictures
-constexpr double millimetresPerInch = 25.4;
+constexpr double metresPerInch = 0.0254;
 constexpr double pointsPerInch = 72.0;
 
 QPageLayout layoutOf(const Page &page)
@@ -26,10 +27,18 @@ QPageLayout layoutOf(const Page &page)
     return {QPageSize(QPageSize::A4), page.orientation, {}};
 }
 
-/// Millimetres.
-QSizeF sizeOf(const Page &page)
+/// The size of a picture of the page.
+QSize dotsOf(const Page &page)
 {
-    return layoutOf(page).fullRect(QPageLayout::Millimeter).size();
+    return layoutOf(page).fullRectPixels(resolution).size();
+}
+
+QFont fontOf(const QString &family, double points, const QPainter &painter)
+{
+    QFont font(family);
+    const double dotsPerPoint = painter.device()->logicalDpiY() / pointsPerInch;
+    font.setPixelSize(std::max(1, static_cast<int>(points * dotsPerPoint)));
+    return font;
 }
 
 /// Write the text across a rectangle, as large as fits but no larger than is usual. Returns how
@@ -41,33 +50,63 @@ double paintText(const QString &text, QPainter *painter, const QRectF &rect)
     }
     constexpr double usualSize = 8.0;  // points
     constexpr double mostHeight = 0.4; // of the page
-    QFont font("monospace"); // fontconfig's alias: without a display Qt knows of no fixed font
+    // Fontconfig's alias: without a display Qt knows of no fixed font.
+    QFont font = fontOf("monospace", usualSize, *painter);
     font.setStyleHint(QFont::Monospace);
-    const double dotsPerPoint = painter->device()->logicalDpiY() / pointsPerInch;
-    font.setPixelSize(std::max(1, static_cast<int>(usualSize * dotsPerPoint)));
     const auto sizeOf = [&] { return QFontMetricsF(font, painter->device()).size(0, text); };
     while (font.pixelSize() > 1 &&
            (sizeOf().width() > rect.width() || sizeOf().height() > mostHeight * rect.height())) {
         font.setPixelSize(font.pixelSize() - 1);
     }
-    painter->save();
     painter->setFont(font);
-    painter->setPen(Qt::black);
     painter->drawText(rect, Qt::AlignLeft | Qt::AlignTop, text);
-    painter->restore();
     return sizeOf().height() + QFontMetricsF(font, painter->device()).lineSpacing();
 }
 
-/// Paint a page into a rectangle of a device whose resolution that knows.
-void paintPage(const Page &page, QPainter *painter, const QRectF &rect)
+/// Write one line, shortened to the rectangle's width. Returns how much room it takes.
+double paintLine(const QString &line, QPainter *painter, const QRectF &rect, Qt::Alignment place,
+                 const QFont &font)
 {
-    painter->fillRect(rect, Qt::white);
-    const double border = margin * std::min(rect.width(), rect.height());
-    QRectF room = rect.adjusted(border, border, -border, -border);
-    room.setTop(room.top() + paintText(page.text, painter, room));
+    if (line.isEmpty()) {
+        return 0.0;
+    }
+    const QFontMetricsF metrics(font, painter->device());
+    painter->setFont(font);
+    painter->drawText(rect, static_cast<int>(place),
+                      metrics.elidedText(line, Qt::ElideMiddle, rect.width()));
+    return 1.5 * metrics.lineSpacing();
+}
 
+/// Draw a plot, its axes where its data are: outside a window no layout has seen to that.
+void paintPlot(QwtPlot *plot, QPainter *painter, const QRectF &rect)
+{
+    for (const int axis : {QwtPlot::xBottom, QwtPlot::yLeft}) {
+        QwtScaleWidget *scale = plot->axisWidget(axis);
+        int start = 0;
+        int end = 0;
+        scale->getBorderDistHint(start, end);
+        scale->setBorderDist(start, end);
+    }
     QwtPlotRenderer renderer;
     renderer.setDiscardFlag(QwtPlotRenderer::DiscardBackground);
+    renderer.render(plot, painter, rect);
+}
+
+/// Paint a page onto the whole of a device whose resolution that knows.
+void paintPage(const Page &page, QPainter *painter, const QSizeF &size)
+{
+    painter->fillRect(QRectF({}, size), Qt::white);
+    painter->setPen(Qt::black);
+    const double border = margin * std::min(size.width(), size.height());
+    QRectF room(border, border, size.width() - 2 * border, size.height() - 2 * border);
+    QFont bold = fontOf("sans-serif", 12.0, *painter);
+    bold.setBold(true);
+    room.setTop(room.top() + paintLine(page.title, painter, room, Qt::AlignTop, bold));
+    room.setBottom(room.bottom() - paintLine(page.foot, painter, room,
+                                             Qt::AlignBottom | Qt::AlignHCenter,
+                                             fontOf("sans-serif", 7.0, *painter)));
+    room.setTop(room.top() + paintText(page.text, painter, room));
+
     // On a full page plots are drawn smaller, so that they hold as much as on the screen.
     const double scale = page.text.isEmpty() ? 1.0 : 0.7;
     painter->save();
@@ -78,9 +117,9 @@ void paintPage(const Page &page, QPainter *painter, const QRectF &rect)
         const QVector<QwtPlot *> &row = page.rows[i];
         const double width = room.width() / std::max(1, row.size());
         for (int k = 0; k < row.size(); ++k) {
-            renderer.render(row[k], painter,
-                            {room.left() + k * width, room.top() + i * height, width - border / 2,
-                             height - border / 2});
+            paintPlot(row[k], painter,
+                      {room.left() + k * width, room.top() + i * height, width - border / 2,
+                       height - border / 2});
         }
     }
     painter->restore();
@@ -92,8 +131,9 @@ QByteArray pdfOf(int count, const std::function<Page(int)> &makePage)
     buffer.open(QIODevice::WriteOnly);
     {
         QPdfWriter writer(&buffer);
-        writer.setTitle("Orvanta results");
         Page page = makePage(0);
+        writer.setTitle(page.title.isEmpty() ? QString("Orvanta results") : page.title);
+        writer.setCreator("OrvantaResults " ORVANTA_VERSION);
         writer.setPageLayout(layoutOf(page));
         QPainter painter(&writer);
         for (int i = 0; i < count; ++i) {
@@ -102,7 +142,7 @@ QByteArray pdfOf(int count, const std::function<Page(int)> &makePage)
                 writer.setPageLayout(layoutOf(page));
                 writer.newPage();
             }
-            paintPage(page, &painter, QRectF(0, 0, writer.width(), writer.height()));
+            paintPage(page, &painter, QSizeF(writer.width(), writer.height()));
         }
     }
     return buffer.data();
@@ -110,14 +150,13 @@ QByteArray pdfOf(int count, const std::function<Page(int)> &makePage)
 
 QByteArray pngOf(const Page &page)
 {
-    const double dotsPerMillimetre = resolution / millimetresPerInch;
-    QImage image((sizeOf(page) * dotsPerMillimetre).toSize(), QImage::Format_RGB32);
-    const int dotsPerMetre = static_cast<int>(std::lround(dotsPerMillimetre * 1000));
+    QImage image(dotsOf(page), QImage::Format_RGB32);
+    const int dotsPerMetre = static_cast<int>(std::lround(resolution / metresPerInch));
     image.setDotsPerMeterX(dotsPerMetre);
     image.setDotsPerMeterY(dotsPerMetre);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    paintPage(page, &painter, image.rect());
+    paintPage(page, &painter, image.size());
     painter.end();
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
@@ -125,30 +164,24 @@ QByteArray pngOf(const Page &page)
     return buffer.data();
 }
 
-/// Qwt brings Qt's SVG device along, which is none of the libraries that the programs build on: it
-/// renders the page where it means to render one plot.
-class PageRenderer : public QwtPlotRenderer
-{
-public:
-    explicit PageRenderer(const Page &content) : page(content) {}
-    void render(QwtPlot * /*plot*/, QPainter *painter, const QRectF &rect) const override
-    {
-        paintPage(page, painter, rect);
-    }
-
-private:
-    const Page &page;
-};
-
 QByteArray svgOf(const Page &page)
 {
-    const QTemporaryDir directory;
-    const QString name = directory.filePath("page.svg");
-    PageRenderer renderer(page);
-    QwtPlot plot;
-    renderer.renderDocument(&plot, name, "svg", sizeOf(page), resolution);
-    QFile file(name);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    QBuffer buffer;
+    QSvgGenerator generator;
+    generator.setOutputDevice(&buffer);
+    generator.setTitle(page.title);
+    generator.setResolution(resolution);
+    generator.setSize(dotsOf(page));
+    generator.setViewBox(QRect({}, dotsOf(page)));
+    QPainter painter(&generator);
+    // Of an SVG, Qwt draws no area outside of the window, which is that of an unscaled painter.
+    constexpr int anyScale = 4;
+    const QRect window({}, anyScale * dotsOf(page));
+    painter.setWindow(window);
+    painter.setViewport(window);
+    paintPage(page, &painter, dotsOf(page));
+    painter.end();
+    return buffer.data();
 }
 
 } // namespace

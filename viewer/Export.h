@@ -9,10 +9,13 @@
 
 class QwtPlot;
 
-/// An A4 page: lines of text above, in columns as on a terminal, and rows of plots below.
+/// An A4 page: a title, lines of text in columns as on a terminal, rows of plots, and a line at the
+/// foot. What is empty takes no room.
 struct Page
 {
+    QString title;
     QString text;
+    QString foot;
     QVector<QVector<QwtPlot *>> rows;
     QPageLayout::Orientation orientation = QPageLayout::Landscape;
     QVector<QSharedPointer<QwtPlot>> kept; ///< those of them that are the page's own

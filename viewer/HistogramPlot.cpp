@@ -1,92 +1,108 @@
 #include "viewer/HistogramPlot.h"
 
+#include "analysis/DelayText.h"
 #include "analysis/Histogram.h"
 #include "analysis/Statistics.h"
-#include "instrument/NumberText.h"
+#include "viewer/DelayRange.h"
 #include "viewer/PlotStyle.h"
 
 #include <qwt_plot.h>
 #include <qwt_plot_histogram.h>
 
 #include <algorithm>
-#include <numeric>
 
 namespace {
 
-void addHistogram(QwtPlot *plot, const QString &title, const QVector<double> &heights,
-                  const Bins &bins, const SeriesStyle &style)
+/// The values of a series without flags, and those of them that the axis holds.
+struct Values
 {
-    QVector<QwtIntervalSample> columns;
-    for (int i = 0; i < heights.size(); ++i) {
-        const double from = bins.start + i * bins.width;
-        columns += QwtIntervalSample(heights[i], from, from + bins.width);
+    Values(const Series &series, DelayKind kind, const QwtInterval &range)
+        : all(selectValues(series, kind, false))
+    {
+        for (const double value : qAsConst(all)) {
+            if (range.contains(value)) {
+                inside += value;
+            } else {
+                ++(value < range.minValue() ? below : above);
+            }
+        }
     }
+
+    QVector<double> all;
+    QVector<double> inside;
+    int below = 0;
+    int above = 0;
+};
+
+void addHistogram(QwtPlot *plot, const QString &title, const QVector<QwtIntervalSample> &columns,
+                  const SeriesStyle &style)
+{
     auto *histogram = new QwtPlotHistogram(QwtText(title, QwtText::PlainText));
-    QColor light = style.colour;
-    constexpr int opacity = 70;
-    light.setAlpha(style.fill == Qt::SolidPattern ? opacity : 255);
-    histogram->setBrush(QBrush(light, style.fill));
+    const bool isSolid = style.fill == Qt::SolidPattern;
+    histogram->setBrush(QBrush(isSolid ? style.lightColour() : style.colour, style.fill));
     histogram->setPen(QPen(style.colour, dataWidth));
     histogram->setStyle(QwtPlotHistogram::Outline);
     histogram->setSamples(columns);
     histogram->attach(plot);
 }
 
-/// How high each bin stands: its count, or its share of the values in per cent.
-QVector<double> binHeights(const QVector<double> &values, const Bins &bins, bool isShare)
-{
-    const QVector<int> counts = countValues(values, bins);
-    const double one = isShare ? 100.0 / std::max(1, values.size()) : 1.0; // all may be flagged
-    QVector<double> heights(counts.size());
-    std::transform(counts.begin(), counts.end(), heights.begin(),
-                   [one](int count) { return count * one; });
-    return heights;
-}
-
-QString legendText(const Series &series, const QVector<double> &values, DelayKind kind)
-{
-    const int leftOut = valuesOf(series.results, kind).size() - values.size();
-    QString text = seriesName(series);
-    if (leftOut > 0) {
-        text += QString(" (%1 flagged left out)").arg(leftOut);
-    }
-    return text;
-}
-
 } // namespace
 
 QwtPlot *histogramPlot(const QVector<Series> &selection, DelayKind kind)
 {
-    QVector<double> all;
-    double interval = 0.0;
+    const QwtInterval range = delayRange(selection, kind);
+    QVector<QVector<double>> inside; // of each series
+    double step = 0.0;
     for (const Series &series : selection) {
-        all += selectValues(series, kind, false);
-        // HDMI delays are the video analyzer's, and know nothing of the oscilloscope's samples.
-        interval = std::max(interval, kind == DelayKind::Hdmi ? 0.0 : samplingInterval(series));
+        inside += Values(series, kind, range).inside;
+        step = std::max(step, delayStep(series, kind));
     }
-    const Bins bins = chooseBins(all, interval);
+    const Bins bins = chooseBins(inside, step);
     const bool isShare = selection.size() > 1; // series of different counts are to be compared
-    QwtPlot *plot = makePlot(
-        delayName(kind) + (bins.count == 0 ? QString(" / ms")
-                                           : " / ms, in bins of " + numberText(bins.width) + " ms"),
-        isShare ? "Share / %" : "Count");
-    double most = 0.0;
+    QwtPlot *plot =
+        makePlot(delayName(kind) + (bins.count == 0
+                                        ? QString(" / ms")
+                                        : " / ms, bins of " + delayText(bins.width, step) + " ms"),
+                 isShare ? "Share / %" : "Count");
+    const double air = std::max(1.0, bins.count * 0.03) * bins.width;
+    const double left = bins.start - air;
+    const double right = bins.count == 0 ? 1.0 : bins.edge(bins.count) + air;
     for (int i = 0; i < selection.size(); ++i) {
         if (!isMeasured(selection[i].results, kind)) {
             continue;
         }
-        const QVector<double> values = selectValues(selection[i], kind, false);
-        const QVector<double> heights = binHeights(values, bins, isShare);
-        most = std::accumulate(heights.begin(), heights.end(), most,
-                               [](double a, double b) { return std::max(a, b); });
-        addHistogram(plot, legendText(selection[i], values, kind), heights, bins, seriesStyle(i));
-        if (!values.isEmpty()) {
-            addLine(plot, computeStatistics(values).median, seriesStyle(i).pen(2 * dataWidth));
+        const SeriesStyle style = seriesStyle(i);
+        const Values values(selection[i], kind, range);
+        const int n = values.all.size();
+        const double one = isShare ? 100.0 / std::max(1, n) : 1.0; // all may be flagged
+        const QVector<int> counts = countValues(values.inside, bins);
+        QVector<QwtIntervalSample> columns;
+        for (int bin = 0; bin < bins.count; ++bin) {
+            columns += QwtIntervalSample(counts[bin] * one, bins.edge(bin), bins.edge(bin + 1));
         }
+        QString title = plotNames(selection)[i];
+        const int leftOut = valuesOf(selection[i].results, kind).size() - n;
+        if (leftOut > 0) {
+            title += QString(" (%1 flagged left out)").arg(leftOut);
+        }
+        addHistogram(plot, title, columns, style);
+        if (n > 0) {
+            addLine(plot, computeStatistics(values.all).median, style.pen(2 * dataWidth));
+        }
+        QVector<QPointF> beyond;
+        for (const auto &[count, border] :
+             {std::pair(values.below, left + air / 2), {values.above, right - air / 2}}) {
+            if (count > 0) {
+                beyond += QPointF(border, count * one);
+            }
+        }
+        addBeyond(plot, values.below + values.above, beyond, style);
     }
-    const double air = std::max(1.0, bins.count * 0.03) * bins.width;
-    plot->setAxisScale(QwtPlot::xBottom, bins.start - air,
-                       bins.count == 0 ? 1.0 : bins.start + bins.count * bins.width + air);
+    double most = 0.0;
+    for (const QwtPlotItem *item : plot->itemList()) {
+        most = std::max(most, item->boundingRect().bottom());
+    }
+    plot->setAxisScale(QwtPlot::xBottom, left, right);
     plot->setAxisScale(QwtPlot::yLeft, 0.0, most > 0.0 ? most * 1.08 : 1.0);
     return plot;
 }

@@ -1,8 +1,13 @@
 #include "viewer/PlotStyle.h"
 
+#include "analysis/Series.h"
+#include "analysis/SeriesFiles.h"
+#include "viewer/WrapText.h"
+
 #include <qwt_legend.h>
 #include <qwt_plot.h>
 #include <qwt_plot_canvas.h>
+#include <qwt_plot_curve.h>
 #include <qwt_plot_grid.h>
 #include <qwt_plot_marker.h>
 #include <qwt_text.h>
@@ -13,6 +18,14 @@ const QColor sourceColour(0, 0, 0);
 const QColor rfColour(230, 159, 0);
 const QColor sinkColour(0, 114, 178);
 const QColor flagColour(0, 0, 0);
+
+QColor SeriesStyle::lightColour() const
+{
+    QColor light = colour;
+    constexpr int opacity = 50;
+    light.setAlpha(opacity);
+    return light;
+}
 
 QwtSymbol *SeriesStyle::makeSymbol(int size) const
 {
@@ -43,6 +56,7 @@ QwtPlot *makePlot(const QString &horizontal, const QString &vertical)
     plot->setCanvasBackground(Qt::white);
     if (auto *canvas = qobject_cast<QwtPlotCanvas *>(plot->canvas())) {
         canvas->setFrameStyle(QFrame::Box | QFrame::Plain);
+        canvas->setLineWidth(1);
     }
     const auto title = [&](const QString &text) {
         QwtText label(text, QwtText::PlainText);
@@ -63,6 +77,40 @@ QwtPlot *makePlot(const QString &horizontal, const QString &vertical)
     grid->setPen(QColor(210, 210, 210), gridWidth);
     grid->attach(plot);
     return plot;
+}
+
+QStringList plotNames(const QVector<Series> &selection)
+{
+    constexpr int longest = 40; // characters
+    QStringList labels;
+    QStringList names;
+    for (const Series &series : selection) {
+        labels += shortenText(seriesLabel(series.fileName), longest);
+        names += shortenText(seriesName(series), longest);
+    }
+    return labels.contains(QString()) || labels.value(0) == labels.value(1) ? names : labels;
+}
+
+void addPoints(QwtPlot *plot, const QString &title, const QVector<QPointF> &points,
+               QwtSymbol *symbol)
+{
+    auto *curve = new QwtPlotCurve(QwtText(title, QwtText::PlainText));
+    curve->setStyle(QwtPlotCurve::NoCurve);
+    curve->setSymbol(symbol);
+    curve->setLegendAttribute(QwtPlotCurve::LegendShowSymbol);
+    curve->setItemAttribute(QwtPlotItem::Legend, !title.isEmpty());
+    curve->setSamples(points);
+    curve->attach(plot);
+}
+
+void addBeyond(QwtPlot *plot, int count, const QVector<QPointF> &points, const SeriesStyle &style)
+{
+    if (count > 0) {
+        constexpr int size = 10;
+        addPoints(plot, QString("%1 beyond").arg(count), points,
+                  new QwtSymbol(QwtSymbol::Triangle, QBrush(style.colour), QPen(Qt::NoPen),
+                                QSize(size, size)));
+    }
 }
 
 void addLine(QwtPlot *plot, double position, const QPen &pen)

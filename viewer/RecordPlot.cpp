@@ -1,6 +1,6 @@
 #include "viewer/RecordPlot.h"
 
-#include "instrument/NumberText.h"
+#include "analysis/DelayText.h"
 #include "measurement/TimeAxis.h"
 #include "viewer/PlotStyle.h"
 #include "viewer/TraceData.h"
@@ -34,25 +34,26 @@ void addRemark(QwtPlot *plot, const QString &text)
 
 } // namespace
 
-QwtPlot *recordPlot(const Series &series)
+QwtPlot *recordPlot(const Series &series, int columns)
 {
     Record record;
     QString problem;
     const bool isLoaded = loadRecord(series.fileName, &record, &problem) && record.samples > 1;
     const auto type = series.oscilloscope.type;
-    QwtPlot *plot = makePlot(type ? "Time / s" : "Sample", "Voltage / V");
-    QwtText title(seriesName(series), QwtText::PlainText);
+    QwtPlot *plot = makePlot(type ? "Time / ms" : "Sample", "Voltage / V");
+    QwtText title(plotNames({series})[0], QwtText::PlainText);
     title.setFont(plot->font());
     plot->setTitle(title);
 
-    const double first = type ? sampleInstant(0, record.samples, *type) : 0.0;
+    constexpr double milliseconds = 1000.0;
+    const double first = type ? sampleInstant(0, record.samples, *type) * milliseconds : 0.0;
     const double interval =
-        type && record.samples > 1 ? recordSpan(*type) / (record.samples - 1) : 1.0;
+        type && record.samples > 1 ? recordSpan(*type) / (record.samples - 1) * milliseconds : 1.0;
     struct Row
     {
         const char *title;
         const QVector<double> *trace;
-        double instant;
+        double instant; // seconds
         QPen pen;
     };
     const Instants &at = series.oscilloscope.instants;
@@ -61,15 +62,16 @@ QwtPlot *recordPlot(const Series &series)
          {Row{"RF (scaled)", &record.rf, at.rf, QPen(rfColour, dataWidth, Qt::DotLine)},
           Row{"Source", &record.source, at.source, QPen(sourceColour, dataWidth, Qt::DashLine)},
           Row{"Sink", &record.sink, at.sink, QPen(sinkColour, dataWidth, Qt::DashDotLine)}}) {
-        auto *curve =
-            new QwtPlotCurve(type ? QString("%1, edge %2 s").arg(row.title, numberText(row.instant))
-                                  : QString(row.title));
+        auto *curve = new QwtPlotCurve(
+            type ? QString("%1, edge %2 ms")
+                       .arg(row.title, delayText(row.instant * milliseconds, interval))
+                 : QString(row.title));
         curve->setPen(row.pen.color(), dataWidth);
         curve->setLegendAttribute(QwtPlotCurve::LegendShowLine);
-        curve->setSamples(new TraceData(*row.trace, first, interval));
+        curve->setSamples(new TraceData(*row.trace, first, interval, columns));
         curve->attach(plot);
         if (type) {
-            addLine(plot, row.instant, row.pen); // edges are too near for labels
+            addLine(plot, row.instant * milliseconds, row.pen); // edges are too near for labels
         }
     }
     plot->setAxisScale(QwtPlot::xBottom, first, first + interval * std::max(1, record.samples - 1));

@@ -5,14 +5,29 @@
 #include "viewer/DriftPlot.h"
 #include "viewer/Export.h"
 #include "viewer/HistogramPlot.h"
+#include "viewer/PlotStyle.h"
 #include "viewer/RecordPlot.h"
 #include "viewer/WrapText.h"
 
+#include <QDateTime>
+#include <QLocale>
 #include <QStringList>
 
 #include <qwt_plot.h>
 
 #include <algorithm>
+
+namespace {
+
+QString titleOf(const QVector<Series> &selection)
+{
+    const QStringList names = plotNames(selection);
+    return selection.size() == 1
+               ? "Delays of " + names[0]
+               : QString("Delays of %2 compared with those of %1").arg(names[0], names[1]);
+}
+
+} // namespace
 
 QVector<DelayKind> plottedDelays(const QVector<Series> &selection)
 {
@@ -49,10 +64,21 @@ bool writeReport(const QVector<Series> &series, const QString &fileName, QString
             selections += QVector<Series>{one};
         }
     }
-    const auto makePage = [&selections](int number) {
+    const QString written = QLocale::c().toString(QDateTime::currentDateTime(), "yyyy-MM-dd hh:mm");
+    const auto makePage = [&](int number) {
         const QVector<Series> &selection = selections[number];
-        Page page = {
-            wrapText(describeSelection(selection), statisticsWidth), {}, QPageLayout::Portrait, {}};
+        Page page;
+        page.orientation = QPageLayout::Portrait;
+        page.title = titleOf(selection);
+        page.text = describeSelection(selection);
+        for (const Series &one : selection) {
+            page.text.replace(one.fileName, shortenText(one.fileName, statisticsWidth));
+        }
+        page.text = wrapText(page.text, statisticsWidth);
+        page.foot = QString("OrvantaResults %1     %2     Page %3 of %4")
+                        .arg(ORVANTA_VERSION, written)
+                        .arg(number + 1)
+                        .arg(selections.size());
         const auto addRow = [&page](const QVector<QwtPlot *> &row) {
             for (QwtPlot *plot : row) {
                 plot->updateAxes();
@@ -66,7 +92,8 @@ bool writeReport(const QVector<Series> &series, const QString &fileName, QString
         }
         QVector<QwtPlot *> records;
         for (const Series &one : selection) {
-            records += recordPlot(one);
+            constexpr int columnsOfPage = 800; // 0.2 mm each
+            records += recordPlot(one, columnsOfPage / selection.size());
         }
         addRow(records);
         return page;

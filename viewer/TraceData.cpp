@@ -4,14 +4,8 @@
 #include <cmath>
 #include <limits>
 
-namespace {
-
-constexpr int columns = 4096; // as many as a wide screen has, and enough for paper
-
-} // namespace
-
-TraceData::TraceData(const QVector<double> &samples, double start, double step)
-    : trace(samples), first(start), interval(step)
+TraceData::TraceData(const QVector<double> &samples, double start, double step, int most)
+    : trace(samples), first(start), interval(step), columns(most)
 {
     show(0, trace.size());
     bounds = qwtBoundingRect(*this);

@@ -6,12 +6,13 @@
 
 /// An equally sampled trace for a curve, decimated to what a screen shows: of each column the
 /// least and the greatest sample, so that no spike is lost. A million samples then scroll as
-/// smoothly as a thousand. Samples that are not finite are left out.
+/// smoothly as a thousand, and make no large files. Samples that are not finite are left out.
 class TraceData : public QwtSeriesData<QPointF>
 {
 public:
-    /// The instants of the samples begin at first and lie an interval apart.
-    TraceData(const QVector<double> &trace, double first, double interval);
+    /// The instants of the samples begin at first and lie an interval apart. So many columns are
+    /// shown at once.
+    TraceData(const QVector<double> &trace, double first, double interval, int columns);
 
     [[nodiscard]] std::size_t size() const override { return std::size_t(shown.size()); }
     [[nodiscard]] QPointF sample(std::size_t i) const override { return shown[int(i)]; }
@@ -25,6 +26,7 @@ private:
     QVector<double> trace;
     double first;
     double interval;
+    int columns;
     QVector<QPointF> shown;
     int shownFrom = -1; ///< the samples that are shown
     int shownTo = -1;

@@ -9,6 +9,7 @@ QString wrapText(const QString &text, int width)
         while (line.size() > width) {
             const int blank = line.lastIndexOf(' ', width);
             if (blank <= 2) {
+                line = shortenText(line, width);
                 break;
             }
             lines += line.left(blank);
@@ -17,4 +18,10 @@ QString wrapText(const QString &text, int width)
         lines += line;
     }
     return lines.join('\n');
+}
+
+QString shortenText(const QString &text, int width)
+{
+    const int half = (width - 3) / 2;
+    return text.size() <= width ? text : text.left(half) + "..." + text.right(width - 3 - half);
 }
