@@ -13,59 +13,42 @@ constexpr double noHdmiEvent = -230.0; // what the video analyzer says without a
 // it is triggered, so only a slow or noisy rise moves it.
 constexpr double sourceTolerance = 0.01;
 
-/// Where delays lie that end at an end of the axis, in milliseconds; the ends of both types' axes
-/// while the type is not known.
-class AxisEnds
+/// Where delays lie that end at an end of an axis, in milliseconds.
+struct AxisEnds
 {
-public:
-    AxisEnds(int samples, const Recognition &recognition)
-    {
-        if (recognition.type && samples >= 2) {
-            add(*recognition.type, sampleInstant(samples, samples, *recognition.type),
-                recognition.instants.source);
-            return;
-        }
-        for (const OscilloscopeType type : {OscilloscopeType::Kvx, OscilloscopeType::Lpa4004}) {
-            add(type, recordSpan(type) / 2, 0.0);
-        }
-    }
+    double early;
+    double late;
+    double tolerance;
+};
 
-    [[nodiscard]] bool has(double delay) const
-    {
-        return std::any_of(axes.begin(), axes.end(), [delay](const Axis &axis) {
-            return std::abs(delay - axis.late) <= axis.tolerance ||
-                   std::abs(delay - axis.early) <= axis.tolerance;
-        });
-    }
-    /// Only an RF edge counted from the start of the axis is further than its end.
-    [[nodiscard]] bool isPast(double delay) const
-    {
-        return std::all_of(axes.begin(), axes.end(), [delay](const Axis &axis) {
-            return delay > axis.late + axis.tolerance;
-        });
-    }
-
-private:
-    struct Axis
-    {
-        double late;
-        double early;
-        double tolerance;
-    };
-    /// Instants are in seconds.
-    void add(OscilloscopeType type, double end, double source)
-    {
-        constexpr double milliseconds = 1000.0;
+/// The ends of the axis, or of both types' axes while the type is not known, the longer one last.
+QVector<AxisEnds> axisEnds(int samples, const Recognition &recognition)
+{
+    constexpr double milliseconds = 1000.0;
+    QVector<AxisEnds> all;
+    for (const OscilloscopeType type : {OscilloscopeType::Kvx, OscilloscopeType::Lpa4004}) {
+        if (type != recognition.type.value_or(type)) {
+            continue;
+        }
         const double halfSpan = recordSpan(type) / 2;
+        const double end = samples < 2 ? halfSpan : sampleInstant(samples, samples, type);
+        double source = recognition.instants.source;
         if (std::abs(source) >= halfSpan) {
             source = 0.0; // the last record has no source edge; then the trigger must do
         }
-        axes += {(end - source) * milliseconds, (-halfSpan - source) * milliseconds,
-                 sourceTolerance * 2 * halfSpan * milliseconds};
+        all += {(-halfSpan - source) * milliseconds, (end - source) * milliseconds,
+                sourceTolerance * 2 * halfSpan * milliseconds};
     }
+    return all;
+}
 
-    QVector<Axis> axes;
-};
+bool isAtEnd(double delay, const QVector<AxisEnds> &all)
+{
+    return std::any_of(all.begin(), all.end(), [delay](const AxisEnds &ends) {
+        return std::abs(delay - ends.late) <= ends.tolerance ||
+               std::abs(delay - ends.early) <= ends.tolerance;
+    });
+}
 
 /// Flag RF and sink where both are those of the measurement before. Where RF or the sink repeats so
 /// often alone that chance has both do it, nothing is flagged.
@@ -128,7 +111,9 @@ SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognit
     const QVector<double> &toRf = results.sourceToRf.values;
     const QVector<double> &toHdmi = results.sourceToHdmi.values;
     const QVector<double> &toSink = results.sourceToSink.values;
-    const AxisEnds ends(samples, recognition);
+    const QVector<AxisEnds> ends = axisEnds(samples, recognition);
+    // Only an RF edge counted from the start of the axis is further than its end.
+    const double furthest = ends.last().late + ends.last().tolerance;
     const bool hdmiUsed = isHdmiUsed(results);
 
     SeriesFlags flags;
@@ -139,12 +124,12 @@ SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognit
         Flags &rf = flags[0][i];
         Flags &hdmi = flags[1][i];
         Flags &sink = flags[2][i];
-        rf.setFlag(Flag::EndOfAxis, ends.has(toRf[i]));
-        sink.setFlag(Flag::EndOfAxis, ends.has(toSink[i]));
+        rf.setFlag(Flag::EndOfAxis, isAtEnd(toRf[i], ends));
+        sink.setFlag(Flag::EndOfAxis, isAtEnd(toSink[i], ends));
         if (toRf[i] == 0.0 && toSink[i] == 0.0) {
             rf |= Flag::NothingArrived;
             sink |= Flag::NothingArrived;
-        } else if (ends.isPast(toRf[i]) || (toRf[i] == 0.0 && toSink[i] < 0.0)) {
+        } else if (toRf[i] > furthest || (toRf[i] == 0.0 && toSink[i] < 0.0)) {
             rf |= Flag::NoSource;
             sink |= Flag::NoSource;
         } else if (toRf[i] == 0.0) {

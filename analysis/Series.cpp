@@ -48,9 +48,9 @@ bool loadRecord(const QString &fileName, Record *record, QString *reason)
 {
     *record = {};
     reason->clear();
-    for (const auto &[name, trace] :
-         {std::pair("src", &record->source), std::pair("rf", &record->rf),
-          std::pair("snk", &record->sink)}) {
+    // Where several are missing, the source's is named: it comes last.
+    for (const auto &[name, trace] : {std::pair("snk", &record->sink), std::pair("rf", &record->rf),
+                                      std::pair("src", &record->source)}) {
         const QFileInfo file(traceFile(fileName, name));
         int count = 0;
         // Reading something else than a file might never end.

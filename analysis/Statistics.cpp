@@ -2,56 +2,42 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <numeric>
 
-namespace {
-
-/// The lag-1 correlation; NaN where all values are equal.
-double correlationOf(const QVector<double> &values, double mean)
-{
-    double products = 0.0;
-    double squares = 0.0;
-    bool areEqual = true; // rounding of the mean must not make them differ
-    for (int i = 0; i < values.size(); ++i) {
-        squares += (values[i] - mean) * (values[i] - mean);
-        if (i > 0) {
-            products += (values[i] - mean) * (values[i - 1] - mean);
-            areEqual = areEqual && values[i] == values[0];
-        }
-    }
-    return areEqual ? Statistics::none : products / squares;
-}
-
-} // namespace
-
-Statistics computeStatistics(QVector<double> values)
+Statistics computeStatistics(const QVector<double> &values)
 {
     Statistics found;
     found.n = values.size();
     if (values.isEmpty()) {
         return found;
     }
-    found.mean = std::accumulate(values.begin(), values.end(), 0.0) / found.n;
-    if (found.n >= 5) {
-        found.correlation = correlationOf(values, found.mean);
-    }
-    std::sort(values.begin(), values.end());
-    found.minimum = values.first();
-    found.maximum = values.last();
-    found.median = nearestRank(values, 500);
+    QVector<double> sorted = values;
+    std::sort(sorted.begin(), sorted.end());
+    found.minimum = sorted.first();
+    found.maximum = sorted.last();
+    found.median = nearestRank(sorted, 500);
+    found.mean = std::accumulate(sorted.begin(), sorted.end(), 0.0) / found.n;
+    const auto product = [mean = found.mean](double a, double b) {
+        return (a - mean) * (b - mean);
+    };
+    const auto sum = [&](const double *first, const double *second, const double *end) {
+        return std::inner_product(first, end, second, 0.0, std::plus<>(), product);
+    };
+    const double squares = sum(values.begin(), values.begin(), values.end());
     if (found.n >= 2) {
-        const double squares = std::accumulate(values.begin(), values.end(), 0.0,
-                                               [mean = found.mean](double sum, double value) {
-                                                   return sum + (value - mean) * (value - mean);
-                                               });
         found.deviation = std::sqrt(squares / (found.n - 1));
     }
+    // Of equal values, squares may be what the rounding of the mean leaves.
+    if (found.n >= 5 && found.maximum > found.minimum) {
+        found.correlation = sum(values.begin() + 1, values.begin(), values.end()) / squares;
+    }
     if (found.n >= 20) {
-        found.p5 = nearestRank(values, 50);
-        found.p95 = nearestRank(values, 950);
+        found.p5 = nearestRank(sorted, 50);
+        found.p95 = nearestRank(sorted, 950);
     }
     if (found.n >= 100) {
-        found.p99 = nearestRank(values, 990);
+        found.p99 = nearestRank(sorted, 990);
     }
     return found;
 }

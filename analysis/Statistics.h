@@ -25,7 +25,7 @@ struct Statistics
 };
 
 /// Compute the statistics of finite values in the order of measurement.
-Statistics computeStatistics(QVector<double> values);
+Statistics computeStatistics(const QVector<double> &values);
 
 /// Find the percentile, in tenths of a percent, of values in ascending order: the smallest value
 /// that so many of them do not exceed. There must be a value.

@@ -115,10 +115,9 @@ QString warningLines(const Series &series)
     if (series.hasReadTraces && !series.oscilloscope.type) {
         lines += QString("Warning: %1: ").arg(seriesName(series)) + oscilloscopeLine(series);
     }
-    if (const int flagged = flaggedCount(series); flagged > 0) {
-        lines += QString("Warning: %1: %2 flagged values are left out\n")
-                     .arg(seriesName(series))
-                     .arg(flagged);
+    if (const int flagged = flaggedCount(series)) {
+        lines += QString("Warning: %1 has flags; values left out: %2\n")
+                     .arg(seriesName(series), QString::number(flagged));
     }
     return lines;
 }

@@ -5,19 +5,6 @@
 
 #include <QtTest>
 
-Q_DECLARE_METATYPE(Record)
-
-namespace {
-
-Series open(const QString &file)
-{
-    Series series;
-    QString reason;
-    return openSeries(file, &series, &reason) ? series : Series{reason, {}, {}, false, 0, {}, {}};
-}
-
-} // namespace
-
 class AnalysisTest : public QObject
 {
     Q_OBJECT
@@ -25,85 +12,20 @@ class AnalysisTest : public QObject
     const QTemporaryDir directory;
 
 private slots:
-    void flags_data()
+    /// A results file may be renamed to have a label, and its traces keep their names. Before they
+    /// are read, they raise no doubt.
+    void labelAndTraces()
     {
-        QTest::addColumn<Values>("rf");
-        QTest::addColumn<Values>("hdmi");
-        QTest::addColumn<Values>("sink");
-        QTest::addColumn<QVector<int>>("edges"); // of the last record
-        QTest::addColumn<QString>("flags");      // of each measurement: RF, HDMI, sink
-        const QVector<int> good = {500, 545, 620};
-        QTest::newRow("none") << Values{44, 45} << Values{95, 94} << Values{121, 120} << good
-                              << "0,0,0 0,0,0";
-        QTest::newRow("no RF edge in either record, once no sink edge")
-            << Values{501, 501} << Values{0, 0} << Values{501, 120} << QVector<int>{500, 1001, 620}
-            << "1,0,1 1,0,0";
-        QTest::newRow("no edge, where the session has more axes")
-            << Values{45, 45} << Values{0, 0} << Values{119, -500} << QVector<int>{500, 545, 1001}
-            << "0,0,0 0,0,1";
-        QTest::newRow("no source edge, at first and with more axes")
-            << Values{0, 1001, 45} << Values{0, 0, 0} << Values{-381, 620, 120} << good
-            << "2,0,2 2,0,2 0,0,0";
-        QTest::newRow("nothing had arrived, then the RF edge on the trigger")
-            << Values{0, 0, 45} << Values{0, 0, 0} << Values{0, 120.5, 120} << good
-            << "4,0,4 8,0,0 0,0,0";
-        QTest::newRow("nothing new") << Values{45, 45, 45} << Values{95, 95, 95}
-                                     << Values{120, 120, 120} << good << "0,0,0 16,0,16 16,0,16";
-        QTest::newRow("HDMI") << Values{44, 43, 45} << Values{95, 0, -230} << Values{118, 119, 120}
-                              << good << "0,0,0 0,32,0 0,64,0";
-        QTest::newRow("not finite") << Values{qQNaN(), 45} << Values{95, qInf()} << Values{119, 120}
-                                    << good << "128,0,0 0,128,0";
-    }
-    void flags()
-    {
-        QFETCH(const Values, rf);
-        QFETCH(const Values, hdmi);
-        QFETCH(const Values, sink);
-        QFETCH(const QVector<int>, edges);
         const QTemporaryDir folder;
-        const Series series =
-            open(save(folder.path(), rf, hdmi, sink, recordOf(edges[0], edges[1], edges[2])));
-        QCOMPARE(series.oscilloscope.remark, QString());
-        QVERIFY(series.oscilloscope.type == OscilloscopeType::Kvx);
-        QStringList found;
-        for (int i = 0; i < series.count(); ++i) {
-            found += QString("%1,%2,%3")
-                         .arg(int(series.flags[0][i]))
-                         .arg(int(series.flags[1][i]))
-                         .arg(int(series.flags[2][i]));
-        }
-        QTEST(found.join(' '), "flags");
-    }
-
-    /// What cannot be recognised is said, with the reason.
-    void unknownType_data()
-    {
-        QTest::addColumn<Values>("delays"); // the last, to RF and to the sink
-        QTest::addColumn<Record>("record");
-        QTest::addColumn<QString>("remark");
-        QTest::addColumn<bool>("contradicts");
-        QTest::newRow("type changed")
-            << Values{45, 144} << usual << "The saved delays are wrong" << true;
-        QTest::newRow("empty traces") << Values{0, 0} << Record() << "nothing arrived" << false;
-        QTest::newRow("the same with both")
-            << Values{0, 0} << recordOf(500, 500, 500) << "Both" << false;
-    }
-    void unknownType()
-    {
-        QFETCH(const Values, delays);
-        QFETCH(const Record, record);
-        QFETCH(const QString, remark);
-        const QTemporaryDir folder;
-        const QString file = save(folder.path(), {delays[0]}, {0}, {delays[1]}, record);
-        const Series series = open(file);
-        QVERIFY(!series.oscilloscope.type);
-        QVERIFY2(series.oscilloscope.remark.contains(remark),
-                 qPrintable(series.oscilloscope.remark));
-        QTEST(series.oscilloscope.contradicts, "contradicts");
-        QVERIFY(isDoubtful(series));
-
-        QVERIFY(QFile::remove(traceFile(file, "rf")));
-        QVERIFY(open(file).oscilloscope.remark.contains("_001_rf.bin cannot be read"));
+        const QString labelled = folder.filePath("FW 2.1_Orvanta2026-03-05_14-07-09_Results.txt");
+        QVERIFY(QFile::rename(save(folder.path(), {45}, {0}, {120}), labelled));
+        Series series;
+        QString reason;
+        QVERIFY(openResults(labelled, &series, &reason));
+        QCOMPARE(seriesName(series), QString("FW 2.1 (2026-03-05 14:07:09)"));
+        QVERIFY(!isDoubtful(series));
+        addTraces(&series);
+        QVERIFY(series.oscilloscope.type);
     }
 
     void brokenFiles_data()
@@ -146,6 +68,43 @@ private slots:
         QCOMPARE(said, QString("is a folder"));
     }
 
+    /// What speaks against a comparison stands before its numbers.
+    void comparison_data()
+    {
+        QTest::addColumn<Values>("toSink"); // of the second series
+        QTest::addColumn<QString>("warning");
+        QTest::addColumn<QString>("result");
+        const QString equal = "no difference shown; one of 2.0 ms would";
+        Values drift(30);
+        std::iota(drift.begin(), drift.end(), 91);
+        const QString dependent = "(lag-1 correlation 0.90), so the interval is too narrow";
+        QTest::newRow("equal") << varied(30, 120) << "" << equal;
+        QTest::newRow("slower") << varied(30, 140) << ""
+                                << ": slower";
+        QTest::newRow("faster") << varied(30, 100) << ""
+                                << ": faster";
+        QTest::newRow("few") << varied(4, 120) << ""
+                             << "takes 5 values";
+        QTest::newRow("flagged") << Values{501} + varied(30, 120) << "left out: 1" << equal;
+        QTest::newRow("drift") << drift << dependent << ": faster";
+    }
+    void comparison()
+    {
+        QFETCH(const Values, toSink);
+        QFETCH(const QString, warning);
+        QFETCH(const QString, result);
+        const auto measure = [](const Values &delays) {
+            const QTemporaryDir folder;
+            const Values others(delays.size(), 45);
+            const int edge = 500 + static_cast<int>(delays.last());
+            return open(save(folder.path(), others, others, delays, recordOf(500, 545, edge)));
+        };
+        const QString text = compareSeries(measure(varied(30, 120)), measure(toSink));
+        QVERIFY2(text.section(" compared with ", 0, 0).contains(warning), qPrintable(text));
+        QCOMPARE(text.startsWith("Warning"), !warning.isEmpty());
+        QVERIFY2(text.contains(result), qPrintable(text));
+    }
+
     /// What a person reads and what a spreadsheet reads.
     void texts()
     {
@@ -155,15 +114,17 @@ private slots:
         const QString file = save(path, {44, 501, 45}, {0, 0, 0}, {119, 121, 120});
         const Series series = open(file);
         const QString quoted = '"' + QString(file).replace('"', "\"\"") + '"';
+        const QString name = ",2026-03-05 14:07:09\n";
         QCOMPARE(
             csvRows(series),
-            quoted + ",1,44,0,119,\n" + quoted +
-                ",2,501,0,121,Source to RF: no edge: the delay lies at the end of the time axis\n" +
-                quoted + ",3,45,0,120,\n");
+            quoted + ",1,44,0,119," + name + quoted +
+                ",2,501,0,121,Source to RF: no edge: the delay lies at the end of the time axis" +
+                name + quoted + ",3,45,0,120," + name);
         const QStringList lines = summarise(series).split('\n');
-        QCOMPARE(lines[2], QString("Oscilloscope KVx, records of 1001 samples, 1 ms apart"));
+        QCOMPARE(lines[2], QString("Oscilloscope KVx, records of 1001 samples; resolution: step 1 "
+                                   "ms, step / sqrt(12) 0.289 ms"));
         QCOMPARE(lines[5].simplified(),
-                 QString("without flagged 2 44 44 44.5 45 0.707107 1 - - - -"));
+                 QString("unflagged 2 44.0 44.0 44.5 45.0 0.7 1.0 - - - - -"));
     }
 };
 

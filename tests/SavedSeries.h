@@ -1,5 +1,6 @@
 #pragma once
 
+#include "analysis/Series.h"
 #include "analysis/SeriesFiles.h"
 #include "measurement/MeasurementRun.h"
 #include "measurement/TraceFile.h"
@@ -36,4 +37,23 @@ inline QString save(const QString &folder, const Values &rf, const Values &hdmi,
     saveTrace(traceFile(file, "rf"), record.rf, record.samples);
     saveTrace(traceFile(file, "snk"), record.sink, record.samples);
     return file;
+}
+
+/// Open a series; one without measurements when that fails.
+inline Series open(const QString &file)
+{
+    Series series;
+    QString reason;
+    openSeries(file, &series, &reason);
+    return series;
+}
+
+/// Values of which no two in a row are equal; the last one is as given.
+inline Values varied(int count, double last)
+{
+    Values values(count);
+    for (int i = 0; i < count; ++i) {
+        values[i] = last + (count - 1 - i) % 7;
+    }
+    return values;
 }

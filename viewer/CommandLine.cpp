@@ -15,7 +15,7 @@ it; without any, the folder where Orvanta saves. Without an option, a window
 opens.
 
   --summary         print statistics and flags, no display needed; two series
-                    are compared
+                    are compared, more have an overview before them
   --csv             print one row a measurement, no display needed
   --output OUTPUT   with --csv: write to this file
   --report REPORT   write a report, no display needed: .pdf, or of one series or
@@ -24,7 +24,8 @@ opens.
   --version         print the version
 
 Exit status: 0; 1 when a file cannot be read or written, or the command line is
-wrong; with --summary 2 when a series has flags, or its delays are wrong.
+wrong; with --summary 2 when a series has flags, or its traces do not tell the
+oscilloscope type: they are missing or broken, or its delays are wrong.
 )";
 
 } // namespace

@@ -15,7 +15,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     const QByteArray text(reinterpret_cast<const char *>(data), static_cast<int>(size));
     require(write(name, text), "a file");
     for (const char *trace : {"src", "rf", "snk"}) { // the end of the file is a record, too
-        require(write(traceFile(name, trace), text.right(800)), "a trace");
+        require(write(traceFile(name, trace), text.right(qMin(800, text.size() / 8 * 8))),
+                "a trace");
     }
 
     Series series;
