@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 namespace {
 
@@ -36,10 +35,10 @@ double leastDistance(const QVector<double> &sorted)
 
 } // namespace
 
-Bins chooseBins(const QVector<QVector<double>> &series, double interval)
+Bins chooseBins(const QVector<QVector<double>> &series, double interval, double from, double to)
 {
     QVector<double> all;
-    double wanted = std::numeric_limits<double>::infinity();
+    double wanted = to - from;
     for (QVector<double> values : series) {
         if (!values.isEmpty()) {
             std::sort(values.begin(), values.end());
@@ -51,34 +50,31 @@ Bins chooseBins(const QVector<QVector<double>> &series, double interval)
         return {};
     }
     std::sort(all.begin(), all.end());
-    const double range = all.last() - all.first();
     const double unit = interval > 0.0 ? interval : leastDistance(all);
     if (!(unit > 0.0)) {
-        return {all.first() - 0.5, 1.0, 1};
+        return {from - 0.5, 1.0, 1};
     }
-    if (!std::isfinite(range / unit)) {
+    const double least = (to - from) / (mostBins - 1.0);
+    if (!std::isfinite(unit) || !std::isfinite(least / unit)) {
         return {};
     }
-    const double least = range / (mostBins - 1.0);
     double width = unit;
     double next = 2.0 * unit;
-    for (int i = 1; width < least || next <= std::min(wanted, range); ++i) {
+    for (int i = 1; width < least || next <= wanted; ++i) {
         width = next;
         next *= i % 3 == 1 ? 2.5 : 2.0;
     }
-    const double start = (std::round(all.first() / unit) - 0.5) * unit;
-    const double count = std::floor((all.last() - start) / width) + 1.0;
+    const double start = (std::round(from / unit) - 0.5) * unit;
+    const double count = std::floor((to - start) / width) + 1.0;
     return {start, width, static_cast<int>(qBound(1.0, count, mostBins + 1.0))};
 }
 
 QVector<int> countValues(const QVector<double> &values, const Bins &bins)
 {
-    QVector<int> counts(bins.count);
+    QVector<int> counts(bins.count + 2);
     for (const double value : values) {
         const double bin = std::floor((value - bins.start) / bins.width);
-        if (bin >= 0.0 && bin < bins.count) {
-            ++counts[static_cast<int>(bin)];
-        }
+        ++counts[static_cast<int>(qBound(-1.0, bin, static_cast<double>(bins.count))) + 1];
     }
     return counts;
 }

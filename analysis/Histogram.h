@@ -6,19 +6,19 @@
 struct Bins
 {
     double start = 0.0;
-    double width = 0.0;
+    double width = 1.0;
     int count = 0;
 
     /// Returns where a bin begins and the one before it ends.
     [[nodiscard]] double edge(int bin) const { return start + bin * width; }
 };
 
-/// Choose bins for the values of one or more series, in any order. Their width suits the narrowest
-/// of the series: bins that suit all values together would hide how series differ. It is 1, 2 or 5
-/// times a power of ten of the values' interval (that of sampling, in the values' unit, ms), and no
-/// value lies on an edge: else bins hold more possible values and less by turns, and a comb
-/// appears. With an interval of 0 the least distance of two values stands in for it.
-Bins chooseBins(const QVector<QVector<double>> &series, double interval);
+/// Choose bins from one value to another for one or more series in any order. Their width suits the
+/// narrowest of the series: bins that suit all values together would hide how series differ. It is
+/// 1, 2 or 5 times a power of ten of the values' interval (that of sampling, in the values' unit,
+/// ms), and no value lies on an edge: else bins hold more possible values and less by turns, and a
+/// comb appears. With an interval of 0 the least distance of two values stands in for it.
+Bins chooseBins(const QVector<QVector<double>> &series, double interval, double from, double to);
 
-/// Count the values in each bin; those outside all bins are not counted.
+/// Count the values below all bins, in each bin, and above all bins.
 QVector<int> countValues(const QVector<double> &values, const Bins &bins);

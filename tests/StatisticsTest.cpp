@@ -114,16 +114,16 @@ private slots:
                 values += (450 + i % instants) * interval;
             }
             for (const double known : {interval, 0.0}) {
-                const Bins bins = chooseBins(values, known);
-                QVector<int> counts = countValues(values, bins);
+                const Bins bins = chooseBins({values}, known, values.first(), values.last());
+                QVector<int> counts = countValues(values, bins).mid(1, bins.count);
                 QCOMPARE(std::accumulate(counts.begin(), counts.end(), 0), values.size());
                 counts.removeLast(); // it need not be full
-                QVERIFY(!counts.isEmpty() && counts.size() < 202);
+                QVERIFY(!counts.isEmpty() && counts.size() < 502);
                 QCOMPARE(counts.count(counts[0]), counts.size());
             }
         }
-        QCOMPARE(countValues({5, 5}, chooseBins({5, 5}, 0.0)), QVector<int>{2});
-        QCOMPARE(chooseBins({}, 0.1).count, 0);
+        QCOMPARE(countValues({5, 5}, chooseBins({{5, 5}}, 0.0, 5, 5)), (QVector<int>{0, 2, 0}));
+        QCOMPARE(chooseBins({{}}, 0.1, 0, 1).count, 0);
     }
 };
 

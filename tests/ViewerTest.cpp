@@ -1,8 +1,11 @@
 #include "analysis/SeriesLoading.h"
 #include "SavedSeries.h"
 #include "TestFiles.h"
+#include "viewer/CumulativePlot.h"
 #include "viewer/DriftPlot.h"
 #include "viewer/HistogramPlot.h"
+#include "viewer/PlotStyle.h"
+#include "viewer/Report.h"
 #include "viewer/TraceData.h"
 
 #include <QtTest>
@@ -29,6 +32,29 @@ QPair<double, double> axisOf(const QwtPlot &plot, int axis)
     return {plot.axisScaleDiv(axis).lowerBound(), plot.axisScaleDiv(axis).upperBound()};
 }
 
+/// A series whose delays to RF and to the sink are these.
+Series seriesOf(const Values &delays)
+{
+    Series series;
+    series.fileName = "measured";
+    series.results = {{delays, 0}, {Values(delays.size(), 0), 0}, {delays, 0}};
+    series.flags = flagDelays(series.results, 0, {});
+    return series;
+}
+
+/// The points of the curve with this title.
+QVector<QPointF> pointsOf(const QwtPlot &plot, const QString &title)
+{
+    QVector<QPointF> points;
+    for (const QwtPlotItem *item : plot.itemList(QwtPlotItem::Rtti_PlotCurve)) {
+        const auto *curve = static_cast<const QwtPlotCurve *>(item);
+        for (std::size_t i = 0; item->title().text() == title && i < curve->dataSize(); ++i) {
+            points += curve->sample(int(i));
+        }
+    }
+    return points;
+}
+
 } // namespace
 
 class ViewerTest : public QObject
@@ -44,8 +70,8 @@ private slots:
         samples[654322] = -5.0;
         samples[10] = qInf();
         samples[11] = qQNaN();
-        TraceData trace(samples, 0.0, 1e-6);
-        QVERIFY(trace.size() < 10000);
+        TraceData trace(samples, 0.0, 1e-6, 1000);
+        QVERIFY(trace.size() <= 2000);
         QCOMPARE(shown(trace).count(5.0), 1);
         QCOMPARE(trace.boundingRect().top(), -5.0);
         QCOMPARE(trace.boundingRect().bottom(), 5.0);
@@ -58,34 +84,102 @@ private slots:
         QCOMPARE(trace.boundingRect().bottom(), 5.0); // the whole trace's, whatever is shown
     }
 
-    /// A flagged value does not squeeze the others: it lies at the border, marked.
+    /// Neither a flagged value nor an outlier squeezes the others: they lie at the border, marked.
     void driftAxis()
     {
-        const QTemporaryDir folder;
-        const LoadedSeries loaded =
-            loadSeries({save(folder.path(), {44, 501, 45}, {0, 0, 0}, {119, 121, 120})});
-        const std::unique_ptr<QwtPlot> plot(driftPlot(loaded.series, DelayKind::Rf));
+        const Series series = seriesOf({44, 45, 501, 44, 46, 45, 44, 350, 45, 46, 44});
+        const std::unique_ptr<QwtPlot> plot(driftPlot({series}, DelayKind::Rf));
         plot->updateAxes();
         const auto [least, greatest] = axisOf(*plot, QwtPlot::yLeft);
-        QVERIFY(least > 43 && least < 44 && greatest > 45 && greatest < 46);
-        const auto *flagged =
-            static_cast<QwtPlotCurve *>(plot->itemList(QwtPlotItem::Rtti_PlotCurve).last());
-        QCOMPARE(flagged->title().text(), QString("Flagged"));
-        QCOMPARE(flagged->dataSize(), std::size_t(1));
-        QCOMPARE(flagged->sample(0), QPointF(2, greatest));
+        QVERIFY(least > 43 && least < 44 && greatest > 46 && greatest < 47);
+        for (const auto &[title, measurement] : {std::pair("1 flagged", 3), {"1 beyond", 8}}) {
+            const QVector<QPointF> marks = pointsOf(*plot, title);
+            QCOMPARE(marks.size(), 1);
+            QCOMPARE(marks[0].x(), double(measurement));
+            QVERIFY(marks[0].y() > 46 && marks[0].y() < greatest);
+        }
     }
 
-    /// Two series are compared by their own shares, also where all of one is flagged.
+    /// A long series becomes columns, in which neither level nor extremes are lost.
+    void driftColumns()
+    {
+        Values rf;
+        for (int i = 0; i < 30000; ++i) {
+            rf += (i < 15000 ? 44 : 54) + i % 10 * 0.1;
+        }
+        rf[20000] = 60;
+        const std::unique_ptr<QwtPlot> plot(driftPlot({seriesOf(rf)}, DelayKind::Rf));
+        QCOMPARE(pointsOf(*plot, "measured").count({19950.5, 60}), 1);
+        const QVector<QPointF> medians = pointsOf(*plot, "Median");
+        QCOMPARE(medians.size(), 200);
+        QCOMPARE(medians[10].y(), 44.4);
+        QCOMPARE(medians[190].y(), 54.4);
+    }
+
+    void histogram_data()
+    {
+        QTest::addColumn<Values>("first");
+        QTest::addColumn<Values>("second");
+        QTest::addColumn<Values>("firstShares"); // of the bins that are not empty
+        QTest::addColumn<Values>("secondShares");
+        const Values hump = {44.1, 44.2, 44.3, 44.2};
+        const Values shares = {25, 50, 25};
+        QTest::newRow("all flagged") << hump << Values{501} << shares << Values();
+        QTest::newRow("far from each other")
+            << hump << Values{54.1, 54.2, 54.3, 54.2} << shares << shares;
+        QTest::newRow("two humps")
+            << hump << Values{44.1, 44.2, 60.8, 60.9} << shares << Values{25, 25, 25, 25};
+    }
+    /// Each series keeps its shape, whatever the other one is like.
     void histogram()
     {
+        QFETCH(const Values, first);
+        QFETCH(const Values, second);
+        const std::unique_ptr<QwtPlot> plot(
+            histogramPlot({seriesOf(first), seriesOf(second)}, DelayKind::Rf));
+        QVector<Values> shares;
+        for (const QwtPlotItem *item : plot->itemList(QwtPlotItem::Rtti_PlotHistogram)) {
+            const auto *histogram = static_cast<const QwtPlotHistogram *>(item);
+            Values filled;
+            for (int i = 0; i < int(histogram->dataSize()); ++i) {
+                const QwtIntervalSample bin = histogram->sample(i);
+                if (bin.value > 0) {
+                    filled += bin.value;
+                }
+                // Else a line is drawn between them.
+                QVERIFY(i == 0 ||
+                        bin.interval.minValue() == histogram->sample(i - 1).interval.maxValue());
+            }
+            shares += filled;
+        }
+        QTEST(shares.value(0), "firstShares");
+        QTEST(shares.value(1), "secondShares");
+    }
+
+    void cumulative()
+    {
+        const Values four = {44, 45, 46, 45};
+        const Series series = seriesOf(four + four + four + four + four);
+        const std::unique_ptr<QwtPlot> plot(cumulativePlot({series}, DelayKind::Rf));
+        QCOMPARE(pointsOf(*plot, "measured: P50 45.00, P95 46.00"),
+                 (QVector<QPointF>{{44, 0}, {44, 25}, {45, 75}, {46, 100}}));
+        QCOMPARE(pointsOf(*plot, ""), (QVector<QPointF>{{45, 50}, {46, 95}}));
+    }
+
+    /// What is too long for a line is shortened in its middle.
+    void report()
+    {
         const QTemporaryDir folder;
-        save(folder.path(), {44, 45, 45, 45}, {0, 0, 0, 0}, {119, 120, 121, 122});
-        save(folder.path(), {501}, {0}, {120}, recordOf(500, 1001, 620), "2026-03-06_08-00-00");
-        const LoadedSeries loaded = loadSeries({folder.path()});
-        const std::unique_ptr<QwtPlot> plot(histogramPlot(loaded.series, DelayKind::Rf));
-        const QwtPlotItemList items = plot->itemList(QwtPlotItem::Rtti_PlotHistogram);
-        QCOMPARE(items[0]->boundingRect().bottom(), 75.0);
-        QCOMPARE(static_cast<QwtPlotHistogram *>(items[1])->sample(0).value, 0.0);
+        const QString file =
+            folder.filePath(QString(150, 'x') + "_Orvanta2026-03-05_14-07-09_Results.txt");
+        QVERIFY(QFile::rename(save(folder.path(), {45}, {0}, {120}), file));
+        QString problem;
+        QVERIFY(writeReport(loadSeries({file}).series, folder.filePath("report.svg"), &problem));
+        const QString svg = contents(folder.filePath("report.svg"));
+        QVERIFY(svg.contains(QRegularExpression(">Delays of x+\\.\\.\\.x+<")));
+        QVERIFY(svg.contains(
+            QRegularExpression(">/.*\\.\\.\\.x+_Orvanta2026-03-05_14-07-09_Results.txt")));
+        QVERIFY(svg.contains("Page 1 of 1<"));
     }
 };
 

@@ -2,7 +2,6 @@
 
 #include "analysis/DelayText.h"
 #include "analysis/Statistics.h"
-
 #include "viewer/DelayRange.h"
 #include "viewer/PlotStyle.h"
 
@@ -29,18 +28,6 @@ QVector<QPointF> cumulate(QVector<double> values)
         }
     }
     return points;
-}
-
-void addSteps(QwtPlot *plot, const QString &title, const QVector<QPointF> &points,
-              const SeriesStyle &style)
-{
-    auto *curve = new QwtPlotCurve(QwtText(title, QwtText::PlainText));
-    curve->setSamples(points);
-    curve->setLegendAttribute(QwtPlotCurve::LegendShowLine);
-    curve->setStyle(QwtPlotCurve::Steps);
-    curve->setCurveAttribute(QwtPlotCurve::Inverted); // a share holds up to the next delay
-    curve->setPen(style.pen(2 * dataWidth));
-    curve->attach(plot);
 }
 
 /// Draw a level to read a percentile off.
@@ -84,7 +71,13 @@ QwtPlot *cumulativePlot(const QVector<Series> &selection, DelayKind kind)
         constexpr int shortName = 12; // leaves room for the delays on a narrow plot
         const QString name = plotNames(selection)[i];
         const QString title = name + (name.size() > shortName ? ":\n" : ": ") + delays.join(", ");
-        addSteps(plot, title, cumulate(values), seriesStyle(i));
+        auto *curve = new QwtPlotCurve(QwtText(title, QwtText::PlainText));
+        curve->setStyle(QwtPlotCurve::Steps);
+        curve->setCurveAttribute(QwtPlotCurve::Inverted); // a share holds up to the next delay
+        curve->setLegendAttribute(QwtPlotCurve::LegendShowLine);
+        curve->setPen(seriesStyle(i).pen(2 * dataWidth));
+        curve->setSamples(cumulate(values));
+        curve->attach(plot);
         addPoints(plot, {}, marks, seriesStyle(i).makeSymbol(7));
     }
     const QwtInterval axis = withAir(delayRange(selection, kind));

@@ -12,14 +12,15 @@ QwtInterval usualRange(QVector<double> values, double step)
     if (values.isEmpty()) {
         return {};
     }
+    const Statistics of = computeStatistics(values);
     std::sort(values.begin(), values.end());
     const double first = nearestRank(values, 250);
     const double third = nearestRank(values, 750);
     constexpr double leastStep = 0.1; // ms: where half of the values are equal and no step is known
     constexpr double farAway = 5.0;   // interquartile ranges
     const double far = farAway * std::max(third - first, step > 0.0 ? step : leastStep);
-    const double from = std::min(first - far, nearestRank(values, 50));
-    const double to = std::max(third + far, nearestRank(values, 950));
+    const double from = std::fmin(first - far, of.p5);
+    const double to = std::fmax(third + far, of.p95);
     return {*std::lower_bound(values.begin(), values.end(), from),
             *(std::upper_bound(values.begin(), values.end(), to) - 1)};
 }

@@ -6,7 +6,7 @@
 
 /// Find the range of the delays without flags, or of all where there are none, in milliseconds.
 /// Delays more than five interquartile ranges from the quartiles do not widen it, so that an
-/// outlier flattens no plot; but it always holds those from P5 to P95.
+/// outlier flattens no plot; but it holds those from P5 to P95, where there are enough for these.
 QwtInterval delayRange(const QVector<Series> &selection, DelayKind kind);
 
 /// Add some air to a range, for an axis.

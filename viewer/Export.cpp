@@ -132,7 +132,8 @@ QByteArray pdfOf(int count, const std::function<Page(int)> &makePage)
     {
         QPdfWriter writer(&buffer);
         Page page = makePage(0);
-        writer.setTitle(page.title.isEmpty() ? QString("Orvanta results") : page.title);
+        writer.setTitle(count > 1 || page.title.isEmpty() ? QString("Orvanta results")
+                                                          : page.title);
         writer.setCreator("OrvantaResults " ORVANTA_VERSION);
         writer.setPageLayout(layoutOf(page));
         QPainter painter(&writer);
@@ -174,11 +175,6 @@ QByteArray svgOf(const Page &page)
     generator.setSize(dotsOf(page));
     generator.setViewBox(QRect({}, dotsOf(page)));
     QPainter painter(&generator);
-    // Of an SVG, Qwt draws no area outside of the window, which is that of an unscaled painter.
-    constexpr int anyScale = 4;
-    const QRect window({}, anyScale * dotsOf(page));
-    painter.setWindow(window);
-    painter.setViewport(window);
     paintPage(page, &painter, dotsOf(page));
     painter.end();
     return buffer.data();

@@ -13,27 +13,6 @@
 
 namespace {
 
-/// The values of a series without flags, and those of them that the axis holds.
-struct Values
-{
-    Values(const Series &series, DelayKind kind, const QwtInterval &range)
-        : all(selectValues(series, kind, false))
-    {
-        for (const double value : qAsConst(all)) {
-            if (range.contains(value)) {
-                inside += value;
-            } else {
-                ++(value < range.minValue() ? below : above);
-            }
-        }
-    }
-
-    QVector<double> all;
-    QVector<double> inside;
-    int below = 0;
-    int above = 0;
-};
-
 void addHistogram(QwtPlot *plot, const QString &title, const QVector<QwtIntervalSample> &columns,
                   const SeriesStyle &style)
 {
@@ -51,13 +30,13 @@ void addHistogram(QwtPlot *plot, const QString &title, const QVector<QwtInterval
 QwtPlot *histogramPlot(const QVector<Series> &selection, DelayKind kind)
 {
     const QwtInterval range = delayRange(selection, kind);
-    QVector<QVector<double>> inside; // of each series
+    QVector<QVector<double>> values; // of each series
     double step = 0.0;
     for (const Series &series : selection) {
-        inside += Values(series, kind, range).inside;
+        values += selectValues(series, kind, false);
         step = std::max(step, delayStep(series, kind));
     }
-    const Bins bins = chooseBins(inside, step);
+    const Bins bins = chooseBins(values, step, range.minValue(), range.maxValue());
     const bool isShare = selection.size() > 1; // series of different counts are to be compared
     QwtPlot *plot =
         makePlot(delayName(kind) + (bins.count == 0
@@ -65,20 +44,20 @@ QwtPlot *histogramPlot(const QVector<Series> &selection, DelayKind kind)
                                         : " / ms, bins of " + delayText(bins.width, step) + " ms"),
                  isShare ? "Share / %" : "Count");
     const double air = std::max(1.0, bins.count * 0.03) * bins.width;
-    const double left = bins.start - air;
-    const double right = bins.count == 0 ? 1.0 : bins.edge(bins.count) + air;
+    const QwtInterval axis = bins.count == 0
+                                 ? withAir(range)
+                                 : QwtInterval(bins.start - air, bins.edge(bins.count) + air);
     for (int i = 0; i < selection.size(); ++i) {
         if (!isMeasured(selection[i].results, kind)) {
             continue;
         }
         const SeriesStyle style = seriesStyle(i);
-        const Values values(selection[i], kind, range);
-        const int n = values.all.size();
+        const int n = values[i].size();
         const double one = isShare ? 100.0 / std::max(1, n) : 1.0; // all may be flagged
-        const QVector<int> counts = countValues(values.inside, bins);
+        const QVector<int> counts = countValues(values[i], bins);
         QVector<QwtIntervalSample> columns;
         for (int bin = 0; bin < bins.count; ++bin) {
-            columns += QwtIntervalSample(counts[bin] * one, bins.edge(bin), bins.edge(bin + 1));
+            columns += QwtIntervalSample(counts[bin + 1] * one, bins.edge(bin), bins.edge(bin + 1));
         }
         QString title = plotNames(selection)[i];
         const int leftOut = valuesOf(selection[i].results, kind).size() - n;
@@ -87,22 +66,22 @@ QwtPlot *histogramPlot(const QVector<Series> &selection, DelayKind kind)
         }
         addHistogram(plot, title, columns, style);
         if (n > 0) {
-            addLine(plot, computeStatistics(values.all).median, style.pen(2 * dataWidth));
+            addLine(plot, computeStatistics(values[i]).median, style.pen(2 * dataWidth));
         }
         QVector<QPointF> beyond;
-        for (const auto &[count, border] :
-             {std::pair(values.below, left + air / 2), {values.above, right - air / 2}}) {
+        for (const auto &[count, border] : {std::pair(counts.first(), axis.minValue() + air / 2),
+                                            {counts.last(), axis.maxValue() - air / 2}}) {
             if (count > 0) {
                 beyond += QPointF(border, count * one);
             }
         }
-        addBeyond(plot, values.below + values.above, beyond, style);
+        addBeyond(plot, counts.first() + counts.last(), beyond, style);
     }
     double most = 0.0;
     for (const QwtPlotItem *item : plot->itemList()) {
         most = std::max(most, item->boundingRect().bottom());
     }
-    plot->setAxisScale(QwtPlot::xBottom, left, right);
+    plot->setAxisScale(QwtPlot::xBottom, axis.minValue(), axis.maxValue());
     plot->setAxisScale(QwtPlot::yLeft, 0.0, most > 0.0 ? most * 1.08 : 1.0);
     return plot;
 }

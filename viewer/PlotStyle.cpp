@@ -19,14 +19,6 @@ const QColor rfColour(230, 159, 0);
 const QColor sinkColour(0, 114, 178);
 const QColor flagColour(0, 0, 0);
 
-QColor SeriesStyle::lightColour() const
-{
-    QColor light = colour;
-    constexpr int opacity = 50;
-    light.setAlpha(opacity);
-    return light;
-}
-
 QwtSymbol *SeriesStyle::makeSymbol(int size) const
 {
     // Of two, the second's lets the first's be seen through.
@@ -68,6 +60,8 @@ QwtPlot *makePlot(const QString &horizontal, const QString &vertical)
         plot->setAxisTitle(axis, title(text));
         plot->setAxisFont(axis, font);
     }
+    constexpr int mostTicks = 6; // with labels: paper has room for no more
+    plot->setAxisMaxMajor(QwtPlot::xBottom, mostTicks);
     auto *legend = new QwtLegend;
     legend->setFont(font);
     plot->insertLegend(legend, QwtPlot::TopLegend);

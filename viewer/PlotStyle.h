@@ -20,7 +20,10 @@ struct SeriesStyle
 
     [[nodiscard]] QPen pen(double width) const { return {QBrush(colour), width, line}; }
     /// The colour of areas.
-    [[nodiscard]] QColor lightColour() const;
+    [[nodiscard]] QColor lightColour() const
+    {
+        return {colour.red(), colour.green(), colour.blue(), 50};
+    }
     /// Make a symbol of so many pixels, which belongs to the curve that it is given to.
     [[nodiscard]] QwtSymbol *makeSymbol(int size) const;
 };

@@ -8,8 +8,7 @@
 
 #include <qwt_plot.h>
 #include <qwt_plot_curve.h>
-#include <qwt_plot_marker.h>
-#include <qwt_text.h>
+#include <qwt_plot_textlabel.h>
 
 namespace {
 
@@ -18,18 +17,12 @@ void addRemark(QwtPlot *plot, const QString &text)
 {
     constexpr int width = 50;
     QwtText label(wrapText(text, width), QwtText::PlainText);
-    label.setRenderFlags(Qt::AlignLeft);
+    label.setRenderFlags(Qt::AlignLeft | Qt::AlignTop);
     label.setFont(plot->font());
     label.setBackgroundBrush(QColor(255, 255, 255, 220));
-    auto *marker = new QwtPlotMarker;
-    marker->setLabel(label);
-    marker->attach(plot);
-    marker->setLabelAlignment(Qt::AlignRight | Qt::AlignBottom);
-    marker->setValue(0.02, 0.95);
-    marker->setAxes(QwtPlot::xTop, QwtPlot::yRight);
-    marker->setZ(1000);
-    plot->setAxisScale(QwtPlot::xTop, 0, 1);
-    plot->setAxisScale(QwtPlot::yRight, 0, 1);
+    auto *remark = new QwtPlotTextLabel;
+    remark->setText(label);
+    remark->attach(plot);
 }
 
 } // namespace
