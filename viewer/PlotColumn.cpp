@@ -11,6 +11,22 @@
 
 #include <algorithm>
 
+namespace {
+
+/// Takes no room and paints nothing, but places the canvas as the one does that is seen.
+class UnseenScale : public QwtScaleDraw
+{
+public:
+    [[nodiscard]] double extent(const QFont & /*font*/) const override { return 0.0; }
+
+protected:
+    void drawTick(QPainter * /*painter*/, double /*value*/, double /*length*/) const override {}
+    void drawBackbone(QPainter * /*painter*/) const override {}
+    void drawLabel(QPainter * /*painter*/, double /*value*/) const override {}
+};
+
+} // namespace
+
 PlotColumn::PlotColumn(QWidget *parent) : QWidget(parent), column(new QVBoxLayout(this))
 {
     column->setContentsMargins(0, 0, 0, 0);
@@ -27,12 +43,13 @@ void PlotColumn::setPlots(const QVector<QwtPlot *> &plots, const PlaceText &plac
         makeNavigable(plots[i], placeText ? std::bind(placeText, i, _1) : ::PlaceText());
         constexpr int least = 60; // pixels: what a plot asks for itself is too much for three
         plots[i]->setMinimumSize(2 * least, least);
-        column->addWidget(plots[i], 1);
+        column->addWidget(plots[i]);
         plots[i]->replot();
         connect(plots[i]->axisWidget(QwtPlot::yLeft), &QwtScaleWidget::scaleDivChanged, this,
                 &PlotColumn::alignCanvases);
     }
     alignCanvases();
+    resizeEvent(nullptr);
 }
 
 void PlotColumn::shareAxis()
@@ -48,7 +65,15 @@ void PlotColumn::shareAxis()
     }
     for (QwtPlot *plot : qAsConst(sharing)) {
         plot->setAxisScale(QwtPlot::xBottom, all.minValue(), all.maxValue());
-        plot->enableAxis(QwtPlot::xBottom, plot == sharing.last()); // it serves all
+        // Room for half a label at either end, the same whatever labels there are.
+        const int half =
+            QFontMetrics(plot->axisFont(QwtPlot::xBottom)).horizontalAdvance("1000000") / 2;
+        plot->axisWidget(QwtPlot::xBottom)->setMinBorderDist(half, half);
+        if (plot != sharing.last()) { // whose axis serves all
+            plot->setAxisScaleDraw(QwtPlot::xBottom, new UnseenScale);
+            plot->axisWidget(QwtPlot::xBottom)->setMargin(0);
+            plot->setAxisTitle(QwtPlot::xBottom, QString());
+        }
         connect(plot->axisWidget(QwtPlot::xBottom), &QwtScaleWidget::scaleDivChanged, this,
                 [plot, sharing] {
                     for (QwtPlot *other : sharing) {
@@ -72,6 +97,19 @@ void PlotColumn::alignCanvases()
     for (QwtPlot *plot : qAsConst(shown)) {
         plot->axisScaleDraw(QwtPlot::yLeft)->setMinimumExtent(extent);
         plot->updateLayout();
+    }
+}
+
+void PlotColumn::resizeEvent(QResizeEvent * /*event*/)
+{
+    // Canvases of the same height, below which only some plots have an axis.
+    int axes = 0;
+    for (const QwtPlot *plot : qAsConst(shown)) {
+        axes += plot->axisWidget(QwtPlot::xBottom)->sizeHint().height();
+    }
+    for (QwtPlot *plot : qAsConst(shown)) {
+        column->setStretchFactor(plot, std::max(1, (height() - axes) / shown.size()) +
+                                           plot->axisWidget(QwtPlot::xBottom)->sizeHint().height());
     }
 }
 

@@ -26,6 +26,9 @@ public:
     /// Show the whole of all plots.
     void showWhole();
 
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+
 private:
     void shareAxis();
     void alignCanvases();

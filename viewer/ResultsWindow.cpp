@@ -163,9 +163,9 @@ bool ResultsWindow::open(const QStringList &filesAndFolders)
     const QStringList said = rescan();
     const int wanted = fitColumns();
     if (!settings().contains("besides")) {
-        // The statistics are to be seen whole, if that leaves the list a third.
-        const int statistics = text->fontMetrics().horizontalAdvance('0') * statisticsWidth;
-        const int most = std::max(width() / 3, width() - statistics);
+        // The statistics are seen whole where there is room for both.
+        const int room = width() - text->fontMetrics().horizontalAdvance('0') * statisticsWidth;
+        const int most = room > width() / 3 ? room : width() / 2;
         besides->setSizes({std::min(wanted, most), width() - std::min(wanted, most)});
     }
     list->setFocus();

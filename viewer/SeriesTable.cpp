@@ -1,7 +1,7 @@
 #include "viewer/SeriesTable.h"
 
+#include "analysis/DelayText.h"
 #include "analysis/Statistics.h"
-#include "instrument/NumberText.h"
 
 #include <QFileInfo>
 #include <QTextDocument>
@@ -45,7 +45,7 @@ SeriesTable::Row::Row(const Series &from)
 {
     for (const DelayKind kind : delayKinds) {
         const Statistics of = computeStatistics(selectValues(from, kind, false));
-        cells += of.n == 0 ? QString("-") : numberText(of.median);
+        cells += delayText(of.median, samplingInterval(from));
         sortKeys += of.n == 0 ? -std::numeric_limits<double>::infinity() : of.median;
     }
     const auto [text, key] = flagCell(from);
