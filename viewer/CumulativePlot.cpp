@@ -48,9 +48,9 @@ void addLevel(QwtPlot *plot, int percent, Qt::Alignment side)
 
 QwtPlot *cumulativePlot(const QVector<Series> &selection, DelayKind kind)
 {
-    QwtPlot *plot = makePlot(delayName(kind) + " / ms", "Cumulative share / %");
-    addLevel(plot, 50, Qt::AlignTop);
-    addLevel(plot, 95, Qt::AlignBottom); // its label and the next one's would overlap
+    QwtPlot *plot = makePlot(delayName(kind) + " / ms", "Share / %");
+    addLevel(plot, 50, Qt::AlignBottom);
+    addLevel(plot, 95, Qt::AlignBottom); // above it stands the next one's label
     addLevel(plot, 99, Qt::AlignTop);
     for (int i = 0; i < selection.size(); ++i) {
         const QVector<double> values = selectValues(selection[i], kind, false);
@@ -82,6 +82,6 @@ QwtPlot *cumulativePlot(const QVector<Series> &selection, DelayKind kind)
     }
     const QwtInterval axis = withAir(delayRange(selection, kind));
     plot->setAxisScale(QwtPlot::xBottom, axis.minValue(), axis.maxValue());
-    plot->setAxisScale(QwtPlot::yLeft, 0.0, 110.0);
+    plot->setAxisScale(QwtPlot::yLeft, 0.0, 118.0);
     return plot;
 }

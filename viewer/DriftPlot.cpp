@@ -28,21 +28,19 @@ struct Points
                 continue; // there is no place for it
             }
             const bool isInside = axis.contains(values[i]);
-            all += {i + 1.0, isInside ? values[i]
-                                      : qBound(axis.minValue() + border, values[i],
-                                               axis.maxValue() - border)};
+            const QPointF point(i + 1.0, isInside ? values[i]
+                                                  : qBound(axis.minValue() + border, values[i],
+                                                           axis.maxValue() - border));
             const bool isFlagged = series.flagsOf(kind)[i] != 0;
-            (isFlagged ? flagged : unflagged) += all.last();
-            if (!isFlagged && !isInside) {
-                beyond += all.last();
-            }
+            (isFlagged ? flagged : unflagged) += point;
+            (isFlagged || isInside ? ordinary : beyond) += point;
         }
     }
 
-    QVector<QPointF> all;
     QVector<QPointF> flagged;
     QVector<QPointF> unflagged;
-    QVector<QPointF> beyond; ///< of those without flags
+    QVector<QPointF> ordinary; ///< all but those beyond
+    QVector<QPointF> beyond;   ///< too far away to be inside, and not flagged
 };
 
 /// Keep one point of each column of so many measurements.
@@ -121,7 +119,7 @@ QwtPlot *driftPlot(const QVector<Series> &selection, DelayKind kind)
         const QVector<QPointF> extremes =
             addColumns(plot, points.unflagged, isLong ? columnWidth : longest, style, inLegend);
         inLegend = false;
-        addPoints(plot, plotNames(selection)[i], isLong ? extremes : points.all,
+        addPoints(plot, plotNames(selection)[i], isLong ? extremes : points.ordinary,
                   style.makeSymbol(isLong ? 3 : 7));
         addBeyond(plot, points.beyond.size(), thin(points.beyond, columnWidth), style);
         flagged += thin(points.flagged, columnWidth);

@@ -60,8 +60,6 @@ QwtPlot *makePlot(const QString &horizontal, const QString &vertical)
         plot->setAxisTitle(axis, title(text));
         plot->setAxisFont(axis, font);
     }
-    constexpr int mostTicks = 6; // with labels: paper has room for no more
-    plot->setAxisMaxMajor(QwtPlot::xBottom, mostTicks);
     auto *legend = new QwtLegend;
     legend->setFont(font);
     plot->insertLegend(legend, QwtPlot::TopLegend);

@@ -80,7 +80,9 @@ bool writeReport(const QVector<Series> &series, const QString &fileName, QString
                         .arg(number + 1)
                         .arg(selections.size());
         const auto addRow = [&page](const QVector<QwtPlot *> &row) {
+            constexpr int ticksOfPage = 18; // with labels, side by side
             for (QwtPlot *plot : row) {
+                plot->setAxisMaxMajor(QwtPlot::xBottom, ticksOfPage / row.size());
                 plot->updateAxes();
                 page.kept += QSharedPointer<QwtPlot>(plot);
             }
