@@ -9,14 +9,15 @@
 #include <qwt_plot_zoomer.h>
 #include <qwt_scale_map.h>
 
-#include <algorithm>
+#include <utility>
 
 namespace {
 
 class Zoomer : public QwtPlotZoomer
 {
 public:
-    Zoomer(QwtPlot *plot, const PlaceText &text) : QwtPlotZoomer(plot->canvas(), false), tell(text)
+    Zoomer(QwtPlot *plot, PlaceText text)
+        : QwtPlotZoomer(plot->canvas(), false), tell(std::move(text))
     {
         setMousePattern(QwtEventPattern::MouseSelect2, Qt::RightButton, Qt::ControlModifier);
         setMousePattern(QwtEventPattern::MouseSelect3, Qt::RightButton);

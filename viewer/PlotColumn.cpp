@@ -37,10 +37,13 @@ void PlotColumn::setPlots(const QVector<QwtPlot *> &plots, const PlaceText &plac
 {
     qDeleteAll(shown);
     shown = plots;
-    using std::placeholders::_1;
     shareAxis();
     for (int i = 0; i < plots.size(); ++i) {
-        makeNavigable(plots[i], placeText ? std::bind(placeText, i, _1) : ::PlaceText());
+        ::PlaceText text;
+        if (placeText) {
+            text = [placeText, i](const QPoint &place) { return placeText(i, place); };
+        }
+        makeNavigable(plots[i], text);
         constexpr int least = 60; // pixels: what a plot asks for itself is too much for three
         plots[i]->setMinimumSize(2 * least, least);
         column->addWidget(plots[i]);

@@ -47,6 +47,8 @@ private:
 
     /// Give the parts of the window their sizes, those of the last time if there were any.
     void layOut();
+    /// Make the list as wide as its columns, unless somebody chose a width before.
+    void fitList();
     /// Make the list's columns as wide as what is in them. Returns the width that the list needs.
     int fitColumns();
     /// Bring the list up to date with the files. Returns sentences on those that cannot be read.
