@@ -4,10 +4,8 @@
 
 #include <QFileInfo>
 
-LoadedSeries loadSeries(const QStringList &filesAndFolders, const LoadingProgress &progress,
-                        Traces traces)
+LoadedSeries loadSeries(const QStringList &filesAndFolders)
 {
-    const auto open = traces == Traces::Now ? openSeries : openResults;
     LoadedSeries loaded;
     QStringList files;
     for (const QString &name : filesAndFolders) {
@@ -21,16 +19,13 @@ LoadedSeries loadSeries(const QStringList &filesAndFolders, const LoadingProgres
         }
         files += inside;
     }
-    for (int i = 0; i < files.size(); ++i) {
-        if (progress && !progress(i, files.size())) {
-            break;
-        }
+    for (const QString &file : qAsConst(files)) {
         Series series;
         QString reason;
-        if (open(files[i], &series, &reason)) {
+        if (openSeries(file, &series, &reason)) {
             loaded.series += series;
         } else {
-            loaded.problems += files[i] + ' ' + reason + '.';
+            loaded.problems += file + ' ' + reason + '.';
         }
     }
     return loaded;

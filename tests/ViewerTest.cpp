@@ -4,17 +4,10 @@
 #include "viewer/CumulativePlot.h"
 #include "viewer/DriftPlot.h"
 #include "viewer/HistogramPlot.h"
-#include "viewer/Navigation.h"
 #include "viewer/PlotStyle.h"
 #include "viewer/Report.h"
-#include "viewer/ResultsWindow.h"
 #include "viewer/TraceData.h"
 
-#include <QApplication>
-#include <QClipboard>
-#include <QMessageBox>
-#include <QTableView>
-#include <QTabWidget>
 #include <QtTest>
 
 #include <qwt_plot.h>
@@ -68,15 +61,7 @@ class ViewerTest : public QObject
 {
     Q_OBJECT
 
-    const QTemporaryDir home;
-
 private slots:
-    void initTestCase()
-    {
-        qputenv("XDG_DATA_HOME", home.path().toLocal8Bit());
-        QVERIFY(QDir(home.path()).mkdir("Varnholt"));
-    }
-
     /// However little of a long trace is shown, what stands out of it is.
     void decimation()
     {
@@ -195,81 +180,6 @@ private slots:
         QVERIFY(svg.contains(
             QRegularExpression(">/.*\\.\\.\\.x+_Orvanta2026-03-05_14-07-09_Results.txt")));
         QVERIFY(svg.contains("Page 1 of 1<"));
-    }
-
-    /// A double click goes back to the whole.
-    void navigation()
-    {
-        QwtPlot plot;
-        plot.setAxisScale(QwtPlot::xBottom, 0, 100);
-        plot.setAxisScale(QwtPlot::yLeft, 0, 1);
-        makeNavigable(&plot);
-        plot.resize(600, 400);
-        plot.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&plot));
-        QWidget *canvas = plot.canvas();
-        QTest::mousePress(canvas, Qt::LeftButton, {}, {100, 100});
-        QTest::mouseMove(canvas, {200, 150});
-        QMouseEvent move(QEvent::MouseMove, {300, 200}, Qt::NoButton, Qt::LeftButton, {});
-        QApplication::sendEvent(canvas, &move);
-        QTest::mouseRelease(canvas, Qt::LeftButton, {}, {300, 200});
-        const auto [left, right] = axisOf(plot, QwtPlot::xBottom);
-        QVERIFY(left > 1 && right < 99);
-        QTest::mouseDClick(canvas, Qt::LeftButton);
-        QCOMPARE(axisOf(plot, QwtPlot::xBottom), qMakePair(0.0, 100.0));
-        QCOMPARE(axisOf(plot, QwtPlot::yLeft), qMakePair(0.0, 1.0));
-    }
-
-    /// A series that is saved while the window is open appears; what cannot be read is said.
-    void window()
-    {
-        const QString folder = home.filePath("Varnholt");
-        const QString older = save(folder, {44}, {0}, {119});
-        ResultsWindow window;
-        window.show();
-        QVERIFY(window.open({folder}));
-        auto *list = window.findChild<QTableView *>("series");
-        auto *values = window.findChild<QTableView *>("values");
-        QCOMPARE(list->model()->rowCount(), 1);
-        QCOMPARE(values->model()->rowCount(), 1);
-
-        save(folder, {45, 46}, {95, 94}, {120, 121}, usual, "2026-03-06_08-00-00");
-        QTRY_COMPARE(list->model()->rowCount(), 2);
-        QCOMPARE(list->model()->index(0, 0).data().toString(), QString("2026-03-06 08:00:00"));
-        QCOMPARE(values->model()->rowCount(), 1); // what is looked at stays
-
-        list->selectAll();
-        window.findChild<QTabWidget *>()->setCurrentWidget(values);
-        values->setFocus();
-        values->selectRow(2);
-        QTest::keyClick(values, Qt::Key_C, Qt::ControlModifier);
-        QCOMPARE(QApplication::clipboard()->text(),
-                 QString("2026-03-06 08:00:00\t2\t46\t94\t121\t"));
-
-        QVERIFY(QFile::remove(older));
-        QTRY_COMPARE(list->model()->rowCount(), 1);
-
-        QString said;
-        QTimer::singleShot(0, &window, [&said] {
-            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-            said = box == nullptr ? QString() : box->informativeText();
-            QApplication::activeModalWidget()->close();
-        });
-        QVERIFY(!window.open({folder + "/none"}));
-        QCOMPARE(said, folder + "/none does not exist.");
-    }
-
-    /// Loading can be stopped, and has then what came first.
-    void cancel()
-    {
-        const QTemporaryDir folder;
-        for (const char *stamp : {"2026-03-05_14-07-09", "2026-03-06_08-00-00"}) {
-            save(folder.path(), {44}, {0}, {119}, usual, stamp);
-        }
-        const LoadedSeries loaded =
-            loadSeries({folder.path()}, [](int done, int all) { return done < 1 && all == 2; });
-        QCOMPARE(loaded.series.size(), 1);
-        QCOMPARE(loaded.series[0].time.date().day(), 5); // the oldest
     }
 };
 

@@ -205,11 +205,19 @@ bool exportPages(int count, const std::function<Page(int)> &makePage, const QStr
 bool writeWhole(const QString &fileName, const QByteArray &bytes, QString *problem)
 {
     QSaveFile file(fileName);
+    // commit() would replace a device by a file.
     const bool isDevice = QFileInfo::exists(fileName) && !QFileInfo(fileName).isFile();
-    // What cannot be flushed commit() does not notice, and a device it would replace by a file.
-    if (!isDevice && file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
-        file.flush() && file.commit()) {
-        return true;
+    if (!isDevice && file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+        // A write that the disk cuts off is no error yet: the next one tells why.
+        qint64 written = 0;
+        qint64 step = 0;
+        while (written < bytes.size() &&
+               (step = file.write(bytes.constData() + written, bytes.size() - written)) > 0) {
+            written += step;
+        }
+        if (written == bytes.size() && file.commit()) {
+            return true;
+        }
     }
     *problem = QString("%1 cannot be written: %2.")
                    .arg(fileName, isDevice ? "it is no ordinary file" : file.errorString());

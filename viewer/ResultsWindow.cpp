@@ -1,8 +1,9 @@
 #include "viewer/ResultsWindow.h"
 
-#include "analysis/SeriesFiles.h"
+#include "viewer/CumulativePlot.h"
 #include "viewer/DriftPlot.h"
 #include "viewer/HistogramPlot.h"
+#include "viewer/MeasurementText.h"
 #include "viewer/PlotColumn.h"
 #include "viewer/RecordPlot.h"
 #include "viewer/Report.h"
@@ -10,24 +11,24 @@
 #include "viewer/ValuesTable.h"
 #include "viewer/WrapText.h"
 
-#include <QDir>
 #include <QFontDatabase>
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QLabel>
-#include <QMessageBox>
+#include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QProgressDialog>
+#include <QScreen>
+#include <QScrollBar>
+#include <QSettings>
 #include <QSplitter>
 #include <QStatusBar>
 #include <QTableView>
 #include <QTabWidget>
+#include <QVBoxLayout>
 
 #include <algorithm>
 
 namespace {
-
-// A program that saves a series writes one file after the other.
-constexpr int quietTime = 500; // milliseconds
 
 QTableView *makeTable(QAbstractItemModel *model)
 {
@@ -40,24 +41,41 @@ QTableView *makeTable(QAbstractItemModel *model)
     table->verticalHeader()->hide();
     table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     table->verticalHeader()->setDefaultSectionSize(table->fontMetrics().height() * 3 / 2);
-    table->horizontalHeader()->setStretchLastSection(true);
     table->horizontalHeader()->setHighlightSections(false);
     return table;
 }
+
+QSettings settings()
+{
+    return {QSettings::IniFormat, QSettings::UserScope, "Varnholt", "OrvantaResults"};
+}
+
+/// Shows that the person has to wait, as long as it exists.
+struct BusyCursor
+{
+    BusyCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~BusyCursor() { QGuiApplication::restoreOverrideCursor(); }
+    Q_DISABLE_COPY_MOVE(BusyCursor)
+};
 
 } // namespace
 
 ResultsWindow::ResultsWindow()
     : seriesTable(new SeriesTable(this)),
+      sorted(new QSortFilterProxyModel(this)),
       valuesTable(new ValuesTable(this)),
-      list(makeTable(seriesTable)),
+      filter(new QLineEdit),
+      list(makeTable(sorted)),
       values(makeTable(valuesTable)),
       tabs(new QTabWidget),
       drift(new PlotColumn),
       histograms(new PlotColumn),
+      cumulative(new PlotColumn),
       records(new PlotColumn),
       text(new QPlainTextEdit),
-      unreadable(new QLabel)
+      besides(new QSplitter),
+      above(new QSplitter(Qt::Vertical)),
+      gaps(new QLabel)
 {
     setWindowTitle("Orvanta Results");
     text->setReadOnly(true);
@@ -68,137 +86,110 @@ ResultsWindow::ResultsWindow()
     text->setFont(fixed);
     tabs->addTab(drift, "&Delays");
     tabs->addTab(histograms, "&Histogram");
+    tabs->addTab(cumulative, "&Cumulative");
     tabs->addTab(records, "&Last Record");
     tabs->addTab(values, "&Values");
     list->setObjectName("series");
     values->setObjectName("values");
-    statusBar()->addPermanentWidget(unreadable);
+    statusBar()->addPermanentWidget(gaps);
 
-    auto *right = new QSplitter(Qt::Vertical);
-    right->addWidget(tabs);
-    right->addWidget(text);
-    right->setStretchFactor(0, 1);
-    const int line = text->fontMetrics().lineSpacing();
-    right->setSizes({40 * line, 13 * line});
-    auto *all = new QSplitter;
-    all->addWidget(list);
-    all->addWidget(right);
-    all->setStretchFactor(1, 1);
-    const int listWidth = text->fontMetrics().horizontalAdvance('0') * 60;
-    all->setSizes({listWidth, 2 * listWidth});
-    setCentralWidget(all);
-    resize(1280, 840);
+    sorted->setSourceModel(seriesTable);
+    sorted->setSortRole(SeriesTable::SortRole);
+    sorted->setFilterRole(SeriesTable::FilterRole);
+    sorted->setFilterCaseSensitivity(Qt::CaseInsensitive);
+    values->horizontalHeader()->setStretchLastSection(true);
+    list->setSortingEnabled(true);
+    list->sortByColumn(0, Qt::DescendingOrder);
+    filter->setPlaceholderText("Filter");
+    filter->setClearButtonEnabled(true);
+    connect(filter, &QLineEdit::textChanged, this, [this](const QString &part) {
+        sorted->setFilterFixedString(part);
+        selectSomething(0);
+    });
+
+    auto *left = new QWidget;
+    auto *column = new QVBoxLayout(left);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(filter);
+    column->addWidget(list);
+    besides->addWidget(left);
+    besides->addWidget(above);
+    besides->setStretchFactor(1, 1);
+    above->addWidget(tabs);
+    above->addWidget(text);
+    above->setStretchFactor(0, 1);
+    setCentralWidget(besides);
+    layOut();
     makeMenus();
 
     connect(list->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &ResultsWindow::select);
+    connect(list->horizontalHeader(), &QHeaderView::sortIndicatorChanged, this,
+            &ResultsWindow::fitColumns);
     connect(tabs, &QTabWidget::currentChanged, this, &ResultsWindow::drawTab);
-    quiet.setSingleShot(true);
-    quiet.setInterval(quietTime);
-    connect(&watcher, &QFileSystemWatcher::directoryChanged, &quiet,
-            QOverload<>::of(&QTimer::start));
-    connect(&quiet, &QTimer::timeout, this, &ResultsWindow::rescan);
+    connect(&files, &LiveFiles::stirred, this, &ResultsWindow::rescan);
+    connect(&idle, &QTimer::timeout, this, &ResultsWindow::readTraces);
 }
 
-bool ResultsWindow::open(const QStringList &filesAndFolders)
+void ResultsWindow::layOut()
 {
-    QStringList wanted = filesAndFolders;
-    // Before the first series there is nothing wrong with this folder.
-    if (QDir().mkpath(resultsFolder()) && seriesIn(resultsFolder()).isEmpty() &&
-        wanted.removeAll(resultsFolder()) > 0) {
-        text->setPlainText("No series in " + QDir::toNativeSeparators(resultsFolder()) +
-                           " yet: measure with Save checked, or open files (Ctrl+O).");
-        watcher.addPath(resultsFolder());
+    constexpr double most = 0.95; // of the screen, with room for the frame
+    resize(QSize(1280, 840).boundedTo(QGuiApplication::primaryScreen()->availableSize() * most));
+    // The statistics of a comparison, if that leaves the plots the greater part.
+    const int statistics = std::min(14 * text->fontMetrics().lineSpacing(), height() * 3 / 10);
+    above->setSizes({height() - statistics, statistics});
+    const QSettings saved = settings();
+    restoreGeometry(saved.value("window").toByteArray());
+    above->restoreState(saved.value("above").toByteArray());
+    besides->restoreState(saved.value("besides").toByteArray());
+}
+
+void ResultsWindow::closeEvent(QCloseEvent *event)
+{
+    QSettings saved = settings();
+    saved.setValue("window", saveGeometry());
+    saved.setValue("above", above->saveState());
+    saved.setValue("besides", besides->saveState());
+    QMainWindow::closeEvent(event);
+}
+
+void ResultsWindow::fitList()
+{
+    const int wanted = fitColumns();
+    if (!settings().contains("besides")) {
+        // The statistics are seen whole where there is room for both.
+        const int room = width() - text->fontMetrics().horizontalAdvance('0') * statisticsWidth;
+        const int most = room > width() / 3 ? room : width() / 2;
+        besides->setSizes({std::min(wanted, most), width() - std::min(wanted, most)});
     }
-    const LoadedSeries loaded = loadPatiently(wanted);
-    seriesTable->add(loaded.series);
-    for (const QString &name : wanted) {
-        if (QFileInfo(name).isDir()) {
-            watcher.addPath(name);
-        }
-    }
+}
+
+int ResultsWindow::fitColumns()
+{
+    QHeaderView *header = list->horizontalHeader();
+    header->setSectionResizeMode(QHeaderView::Interactive);
+    header->setSortIndicatorShown(false); // every column would get room for it
     list->resizeColumnsToContents();
-    if (!loaded.series.isEmpty() && !list->selectionModel()->hasSelection()) {
-        list->selectRow(0);
-    }
-    list->setFocus();
-    showProblems(loaded.problems);
-    if (!loaded.problems.isEmpty()) {
-        QMessageBox box(QMessageBox::Warning, "Orvanta Results", "Some files could not be opened.",
-                        QMessageBox::Ok, this);
-        constexpr int shown = 10;
-        box.setInformativeText(loaded.problems.mid(0, shown).join('\n'));
-        box.setDetailedText(loaded.problems.size() > shown ? loaded.problems.join('\n')
-                                                           : QString());
-        box.exec();
-    }
-    return loaded.problems.isEmpty();
+    header->setSortIndicatorShown(true);
+    const int sortedBy = header->sortIndicatorSection();
+    header->resizeSection(sortedBy, header->sectionSize(sortedBy) +
+                                        style()->pixelMetric(QStyle::PM_HeaderMarkSize));
+    const int wanted =
+        header->length() + 2 * list->frameWidth() + list->verticalScrollBar()->sizeHint().width();
+    header->setSectionResizeMode(0, QHeaderView::Stretch); // no other is ever out of sight
+    return wanted;
 }
 
-LoadedSeries ResultsWindow::loadPatiently(const QStringList &filesAndFolders)
+void ResultsWindow::selectSomething(int row)
 {
-    isLoading = true;
-    QProgressDialog dialog("Reading series", "Cancel", 0, 0, this);
-    dialog.setWindowModality(Qt::WindowModal);
-    constexpr int patience = 400; // milliseconds
-    dialog.setMinimumDuration(patience);
-    QStringList files; // newest first: who stops the loading wants those
-    for (const QString &name : filesAndFolders) {
-        const QStringList inside = seriesIn(name);
-        std::reverse_copy(inside.begin(), inside.end(), std::back_inserter(files));
-        if (inside.isEmpty()) {
-            files += name;
-        }
+    if (sorted->rowCount() > 0 && !list->selectionModel()->hasSelection()) {
+        list->selectRow(qBound(0, row, sorted->rowCount() - 1));
     }
-    LoadedSeries loaded = loadSeries(files, [&dialog](int done, int all) {
-        dialog.setMaximum(all);
-        dialog.setValue(done);
-        return !dialog.wasCanceled();
-    });
-    isLoading = false;
-    return loaded;
-}
-
-void ResultsWindow::rescan()
-{
-    if (isLoading) {
-        quiet.start();
-        return;
-    }
-    QStringList added;
-    for (const QString &folder : watcher.directories()) {
-        for (const QString &file : seriesIn(folder)) {
-            if (!seriesTable->has(file)) {
-                added += file;
-            }
-        }
-    }
-    for (int row = seriesTable->rowCount() - 1; row >= 0; --row) {
-        const QString file = seriesTable->at(row).fileName;
-        if (!QFile::exists(file)) {
-            seriesTable->remove(file);
-        }
-    }
-    const LoadedSeries loaded = loadPatiently(added);
-    seriesTable->add(loaded.series);
-    showProblems(loaded.problems);
-    if (!loaded.series.isEmpty()) {
-        statusBar()->showMessage("New: " + seriesName(loaded.series[0]));
-        if (!list->selectionModel()->hasSelection()) {
-            list->selectRow(0);
-        }
-    }
-}
-
-void ResultsWindow::showProblems(const QStringList &problems)
-{
-    unreadable->setVisible(!problems.isEmpty());
-    unreadable->setText(QString("Unreadable files: %1").arg(problems.size()));
-    unreadable->setToolTip(problems.join('\n'));
 }
 
 void ResultsWindow::select()
 {
+    const BusyCursor busy;
     QModelIndexList chosen = list->selectionModel()->selectedRows();
     std::sort(chosen.begin(), chosen.end());
     statusBar()->showMessage(chosen.size() > 2 ? "The first two of the series selected are shown."
@@ -207,12 +198,16 @@ void ResultsWindow::select()
                                  : "");
     selection.clear();
     for (const QModelIndex &index : chosen.mid(0, 2)) {
-        selection.prepend(seriesTable->at(index.row())); // the older one first
+        const int row = sorted->mapToSource(index).row();
+        seriesTable->readTraces(row);
+        selection += seriesTable->at(row);
     }
+    std::stable_sort(selection.begin(), selection.end(),
+                     [](const Series &a, const Series &b) { return a.time < b.time; });
     text->setPlainText(wrapText(describeSelection(selection), statisticsWidth));
     valuesTable->show(selection);
     values->resizeColumnsToContents();
-    stale = {drift, histograms, records};
+    stale = {drift, histograms, cumulative, records};
     drawTab();
 }
 
@@ -230,9 +225,23 @@ void ResultsWindow::drawTab()
         records->setPlots(plots);
         return;
     }
-    for (const DelayKind kind :
-         selection.isEmpty() ? QVector<DelayKind>() : plottedDelays(selection)) {
-        plots += tab == drift ? driftPlot(selection, kind) : histogramPlot(selection, kind);
+    const QVector<DelayKind> kinds =
+        selection.isEmpty() ? QVector<DelayKind>() : plottedDelays(selection);
+    const auto draw = [&](auto makePlot) {
+        for (const DelayKind kind : kinds) {
+            plots += makePlot(selection, kind);
+        }
+    };
+    if (tab == drift) {
+        draw(driftPlot);
+        drift->setPlots(plots, [this, kinds](int plot, const QPoint &place) {
+            return measurementText(*drift->plots()[plot], selection, kinds[plot], place);
+        });
+    } else if (tab == histograms) {
+        draw(histogramPlot);
+        histograms->setPlots(plots);
+    } else {
+        draw(cumulativePlot);
+        cumulative->setPlots(plots);
     }
-    (tab == drift ? drift : histograms)->setPlots(plots);
 }

@@ -27,7 +27,7 @@ const char *const pageFilters = "PDF (*.pdf);;SVG (*.svg);;PNG (*.png)";
 void ResultsWindow::makeMenus()
 {
     const auto add = [this](QMenu *menu, const QString &name, const QKeySequence &key, auto slot) {
-        menu->addAction(name, this, slot, key);
+        return menu->addAction(name, this, slot, key);
     };
     QMenu *file = menuBar()->addMenu("&File");
     add(file, "&Open...", QKeySequence::Open, &ResultsWindow::openFiles);
@@ -39,6 +39,29 @@ void ResultsWindow::makeMenus()
     file->addSeparator();
     add(file, "&Quit", QKeySequence("Ctrl+Q"), &ResultsWindow::close);
     add(menuBar()->addMenu("&Edit"), "&Copy", QKeySequence::Copy, &ResultsWindow::copy);
+    QMenu *view = menuBar()->addMenu("&View");
+    constexpr double step = 0.8;
+    const auto addForPlots = [&](const QString &name, const QKeySequence &key, auto work) {
+        return add(view, name, key, [this, work] {
+            if (auto *plots = dynamic_cast<PlotColumn *>(tabs->currentWidget())) {
+                work(plots);
+            }
+        });
+    };
+    addForPlots("Zoom &In", {}, [](PlotColumn *plots) {
+        plots->zoom(step);
+    })->setShortcuts({QKeySequence("+"), QKeySequence("=")}); // one key on many keyboards
+    addForPlots("Zoom &Out", QKeySequence("-"), [](PlotColumn *plots) { plots->zoom(1 / step); });
+    addForPlots("&Whole", QKeySequence("0"), [](PlotColumn *plots) { plots->showWhole(); });
+    view->addSeparator();
+    add(view, "&Read Again", QKeySequence("F5"), &ResultsWindow::reload);
+}
+
+void ResultsWindow::reload()
+{
+    files.forget();
+    leftOut = 0;
+    rescan();
 }
 
 void ResultsWindow::openFiles()
@@ -68,8 +91,18 @@ QString ResultsWindow::askFileName(const QString &title, const QString &filters,
     QFileDialog dialog(this, title, {}, filters);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     dialog.setDefaultSuffix(suffix);
+    QStringList names;
+    for (const Series &series : qAsConst(selection)) {
+        names += QFileInfo(series.fileName).completeBaseName().remove("_Results");
+    }
+    dialog.selectFile(names.join(" and ") + '.' + suffix);
     connect(&dialog, &QFileDialog::filterSelected, &dialog, [&dialog](const QString &filter) {
-        dialog.setDefaultSuffix(filter.section("*.", 1).section(')', 0, 0));
+        QString name = dialog.selectedFiles().value(0);
+        if (name.endsWith('.' + dialog.defaultSuffix())) {
+            name.chop(dialog.defaultSuffix().size());
+            dialog.setDefaultSuffix(filter.section("*.", 1).section(')', 0, 0));
+            dialog.selectFile(name + dialog.defaultSuffix());
+        }
     });
     return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }
@@ -122,8 +155,16 @@ void ResultsWindow::tell(const QString &fileName, bool isWritten, const QString 
     if (isWritten) {
         statusBar()->showMessage("Written: " + fileName);
     } else {
-        QMessageBox::warning(this, "Orvanta Results", problem);
+        warn(problem);
     }
+}
+
+void ResultsWindow::warn(const QString &sentence, const QString &details)
+{
+    QMessageBox box(QMessageBox::Warning, "Orvanta Results", sentence, QMessageBox::Ok, this);
+    box.setTextFormat(Qt::PlainText); // names and contents of files are no HTML
+    box.setDetailedText(details);
+    box.exec();
 }
 
 void ResultsWindow::copy()
