@@ -148,8 +148,8 @@ private slots:
         QCOMPARE(trace(bench, "scope", "CHAN1:DATA?"), record);
         ask(bench, "scope", "SING;*TRG");
         QVERIFY(trace(bench, "scope", "CHAN1:DATA?") != record);
-        QCOMPARE(bench.find("scope")->takeDuration(), 1.2);
-        QCOMPARE(bench.find("scope")->takeDuration(), 0.0);
+        QCOMPARE(bench.find("scope")->instrument->takeDuration(), 1.2);
+        QCOMPARE(bench.find("scope")->instrument->takeDuration(), 0.0);
     }
 
     void analyzersHearTheirFrequency_data()
