@@ -7,10 +7,8 @@
 #include "app/MainWindow.h"
 #include "instrument/VisaBinding.h"
 #include "measurement/DelayComputation.h"
-#include "measurement/RfEnvelope.h"
-#include "measurement/TimeAxis.h"
+#include "measurement/Record.h"
 #include "measurement/TraceFile.h"
-#include "measurement/TransferFile.h"
 #include "measurement/WaveformTransfer.h"
 
 #include <QApplication>
@@ -24,6 +22,7 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <numeric>
+#include <sys/mman.h>
 #include <unistd.h>
 
 namespace {
@@ -168,13 +167,15 @@ void fileRoundTrip(benchmark::State &state)
     QByteArray read(written.size(), '\0');
     const auto size = static_cast<std::size_t>(written.size());
     for (auto _ : state) {
-        TransferFile file;
-        const int output = ::open(file.name().toLatin1(), O_WRONLY | O_TRUNC | O_CLOEXEC);
+        const int memory = memfd_create("floor", MFD_CLOEXEC);
+        const QByteArray name = "/proc/self/fd/" + QByteArray::number(memory);
+        const int output = ::open(name, O_WRONLY | O_TRUNC | O_CLOEXEC);
         benchmark::DoNotOptimize(::write(output, written.constData(), size));
         ::close(output);
-        const int input = ::open(file.name().toLatin1(), O_RDONLY | O_CLOEXEC);
+        const int input = ::open(name, O_RDONLY | O_CLOEXEC);
         benchmark::DoNotOptimize(::read(input, read.data(), size));
         ::close(input);
+        ::close(memory);
     }
 }
 

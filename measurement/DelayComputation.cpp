@@ -1,7 +1,5 @@
 #include "measurement/DelayComputation.h"
 
-#include "measurement/TimeAxis.h"
-
 namespace {
 
 constexpr double sourceRise = 0.035; // volts above the record's first sample

@@ -1,16 +1,6 @@
 #pragma once
 
-#include "instrument/OscilloscopeType.h"
-
-#include <QVector>
-
-/// Where the edges of one record lie, in seconds from the trigger.
-struct Instants
-{
-    double source = 0.0;
-    double rf = 0.0;
-    double sink = 0.0;
-};
+#include "measurement/Record.h"
 
 /// The edges of one record and the delays between them.
 struct Delays

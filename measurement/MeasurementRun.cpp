@@ -2,8 +2,7 @@
 
 #include "instrument/CommandChain.h"
 #include "instrument/InstrumentIo.h"
-#include "measurement/RfEnvelope.h"
-#include "measurement/TimeAxis.h"
+#include "measurement/DelayComputation.h"
 #include "measurement/TraceFile.h"
 #include "measurement/WaveformTransfer.h"
 

@@ -1,12 +1,10 @@
 #pragma once
 
-#include "instrument/OscilloscopeType.h"
-#include "measurement/DelayComputation.h"
+#include "measurement/Record.h"
 #include "measurement/ResultsFile.h"
 #include "visa/VisaTypes.h"
 
 #include <QString>
-#include <QVector>
 
 /// What a series is run with; the three instruments are set up before.
 struct SeriesSettings
@@ -20,17 +18,6 @@ struct SeriesSettings
     int count = 0;                   ///< measurements; none when not positive
     bool save = false;               ///< write the results and traces
     QString filePrefix;              ///< the files' names are appended as they are
-};
-
-/// What one series leaves to the next: the last record, and the time axes of all.
-struct Record
-{
-    QVector<double> source; ///< volts
-    QVector<double> rf;     ///< normalised to 0 .. 0.2
-    QVector<double> sink;   ///< volts
-    QVector<double> time;   ///< seconds; one axis more for every record attempted
-    int samples = 0;        ///< of one record; only so many values of the above count
-    Instants instants;      ///< of its edges
 };
 
 /// Run a series of measurements, from the record that the last one left, into that record and the

@@ -1,6 +1,6 @@
 #include "measurement/TraceFile.h"
 
-#include "measurement/VectorCapacity.h"
+#include "measurement/Record.h"
 
 #include <QFile>
 

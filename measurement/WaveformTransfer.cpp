@@ -2,13 +2,68 @@
 
 #include "instrument/InstrumentIo.h"
 #include "instrument/NumberText.h"
-#include "measurement/TransferFile.h"
 
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QVarLengthArray>
+
+#include <algorithm>
 #include <array>
-#include <cstring>
 #include <optional>
+#ifdef Q_OS_LINUX
+#include <sys/mman.h>
+#endif
 
 namespace {
+
+/// The file through which one trace comes: VISA writes it by its name, the program reads it. Where
+/// the system has files in memory it is one of them, in no folder. Otherwise it lies in a temporary
+/// folder, which goes with it.
+class TransferFile
+{
+public:
+    TransferFile()
+    {
+        if (!openInMemory()) {
+            file.close();
+            directory.emplace();
+            path = directory->isValid() ? directory->filePath("Trace.tmp") : QString();
+            file.setFileName(path);
+        }
+    }
+
+    /// Returns its name, empty when there is no such file to be had.
+    [[nodiscard]] QString name() const { return path; }
+
+    /// Returns the device that reads what VISA has written; empty when that cannot be read.
+    [[nodiscard]] QIODevice &contents()
+    {
+        if (!file.isOpen()) {
+            file.open(unbuffered);
+        }
+        return file;
+    }
+
+private:
+    static constexpr QIODevice::OpenMode unbuffered = QIODevice::ReadOnly | QIODevice::Unbuffered;
+
+    bool openInMemory()
+    {
+#ifdef Q_OS_LINUX
+        static const QString descriptors = "/proc/self/fd/";
+        static const bool haveNames = QFileInfo::exists(descriptors);
+        const int descriptor = haveNames ? memfd_create("Trace.tmp", MFD_CLOEXEC) : -1;
+        path = descriptors + QString::number(descriptor);
+        return descriptor >= 0 && file.open(descriptor, unbuffered, QFileDevice::AutoCloseHandle);
+#else
+        return false;
+#endif
+    }
+
+    std::optional<QTemporaryDir> directory;
+    QString path;
+    QFile file;
+};
 
 /// Room for the terminator that follows the block's data.
 constexpr ViUInt32 terminatorRoom = 10;
@@ -33,11 +88,25 @@ std::optional<ViUInt32> readBlockHeader(ViSession session)
         qMax(0, leadingInteger(reinterpret_cast<const char *>(buffer.data()))));
 }
 
+/// Replace a trace by the 32-bit floats of a device, at most those of so many bytes.
+void readSamples(QIODevice &device, qint64 bytes, QVector<double> *trace)
+{
+    constexpr qint64 size = sizeof(float);
+    const qint64 expected = qMin(bytes, device.size()) / size;
+    QVarLengthArray<float, 32768> floats(static_cast<int>(expected)); // usual ones on the stack
+    const qint64 read = device.read(reinterpret_cast<char *>(floats.data()), expected * size);
+    trace->resize(static_cast<int>(qMax<qint64>(read, 0) / size));
+    std::copy_n(floats.begin(), trace->size(), trace->begin());
+}
+
 } // namespace
 
 bool queryTrace(ViSession session, const QString &command, QVector<double> *trace)
 {
-    return iaPrintf(session, command) == VI_SUCCESS ? readTrace(session, trace) : true;
+    if (iaPrintf(session, command) != VI_SUCCESS) {
+        return true;
+    }
+    return readTrace(session, trace);
 }
 
 bool readTrace(ViSession session, QVector<double> *trace)
@@ -54,16 +123,6 @@ bool readTrace(ViSession session, QVector<double> *trace)
         return false;
     }
 
-    const QByteArray bytes = file.contents();
-    const int samples =
-        static_cast<int>(qMin(*length, static_cast<ViUInt32>(bytes.size())) / sizeof(float));
-    trace->resize(samples);
-    double *output = trace->data();
-    for (int i = 0; i < samples; ++i) {
-        float value = 0.0F;
-        std::memcpy(&value, bytes.constData() + static_cast<std::size_t>(i) * sizeof value,
-                    sizeof value);
-        output[i] = value;
-    }
+    readSamples(file.contents(), *length, trace);
     return true;
 }

@@ -1,8 +1,7 @@
 #include "Line.h"
 #include "measurement/DelayComputation.h"
 #include "measurement/MeasurementRun.h"
-#include "measurement/RfEnvelope.h"
-#include "measurement/TimeAxis.h"
+#include "measurement/Record.h"
 #include "measurement/WaveformTransfer.h"
 
 #include <QtTest>

@@ -1,7 +1,7 @@
 #include "viewer/RecordPlot.h"
 
 #include "instrument/NumberText.h"
-#include "measurement/TimeAxis.h"
+#include "measurement/Record.h"
 #include "plot/EdgeCurve.h"
 #include "plot/TraceData.h"
 #include "viewer/PlotStyle.h"
