@@ -97,6 +97,9 @@ public:
                     return line.real<visa::ReadToFile>()(session, name, count, size);
                 }
                 const auto [status, bytes] = line.take(session, count);
+                if (size != nullptr) {
+                    *size = ViUInt32(bytes.size());
+                }
                 return ::write(QFile::decodeName(name), bytes) ? status : VI_ERROR_FILE_ACCESS;
             });
         };

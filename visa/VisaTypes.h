@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 
-// The VISA types, constants and prototypes that this program uses, declared from VPP-4.3 and
-// VPP-4.3.2 (the VISA library and its binding to C) for 64-bit systems, where every VISA
-// function follows the platform's C calling convention.
+// The VISA types, constants and prototypes that Orvanta uses, declared from VPP-4.3 (the VISA
+// library) and VPP-4.3.2 (its binding to C). They are those of 64-bit systems, where all VISA
+// functions follow the platform's C calling convention.
 
 using ViChar = char;
 using ViByte = unsigned char;
@@ -17,16 +17,16 @@ using ViUInt64 = std::uint64_t;
 
 using ViObject = ViUInt32;    ///< handle of a session, the resource manager or a find list
 using ViSession = ViObject;   ///< handle of an open session; 0 is never valid
-using ViStatus = ViInt32;     ///< 0 success, negative error, positive success with a remark
+using ViStatus = ViInt32;     ///< 0: success; negative: error; positive: success with a remark
 using ViAttr = ViUInt32;      ///< attribute identifier
-using ViAttrState = ViUInt64; ///< attribute value as it is set (pointer-sized)
+using ViAttrState = ViUInt64; ///< value passed to viSetAttribute, pointer-sized
 using ViAccessMode = ViUInt32;
 using ViEventType = ViUInt32;
 using ViFindList = ViObject; ///< handle of a list of resources found
 
 static_assert(sizeof(ViAttrState) == sizeof(void *), "VISA passes attribute values pointer-sized");
 
-/// Prototypes of the VISA functions, for function pointers and for a library that provides them.
+/// The types of the VISA functions, for pointers to them and for a library that exports them.
 namespace visa {
 using OpenDefaultRM = ViStatus(ViSession *resourceManager);
 using Open = ViStatus(ViSession resourceManager, const ViChar *resourceName,
@@ -49,7 +49,7 @@ using Scanf = ViStatus(ViSession session, const ViChar *readFormat, ...);
 using Queryf = ViStatus(ViSession session, const ViChar *writeFormat, const ViChar *readFormat,
                         ...);
 
-// Those that only clients other than this program call.
+// Called by other clients only.
 using FindRsrc = ViStatus(ViSession resourceManager, const ViChar *expression, ViFindList *list,
                           ViUInt32 *count, ViChar *description);
 using FindNext = ViStatus(ViFindList list, ViChar *description);
@@ -69,53 +69,24 @@ using Lock = ViStatus(ViSession session, ViAccessMode lockType, ViUInt32 timeout
 using Unlock = ViStatus(ViSession session);
 } // namespace visa
 
-/// Make a status code from the 32-bit pattern that VPP-4.3 lists (errors have the top bit set).
+/// Returns the status code with the 32-bit pattern that VPP-4.3 lists; errors have the top bit set.
 constexpr ViStatus visaStatus(ViUInt32 pattern)
 {
     return static_cast<ViStatus>(pattern);
 }
 
-// Completion and error codes (VPP-4.3, appendix B).
-constexpr ViStatus VI_SUCCESS = 0;
-constexpr ViStatus VI_SUCCESS_EVENT_DIS = visaStatus(0x3FFF0003);
-constexpr ViStatus VI_SUCCESS_QUEUE_EMPTY = visaStatus(0x3FFF0004);
-constexpr ViStatus VI_SUCCESS_TERM_CHAR = visaStatus(0x3FFF0005);
-constexpr ViStatus VI_SUCCESS_MAX_CNT = visaStatus(0x3FFF0006);
-constexpr ViStatus VI_SUCCESS_NESTED_EXCLUSIVE = visaStatus(0x3FFF009A);
-constexpr ViStatus VI_WARN_NULL_OBJECT = visaStatus(0x3FFF0082);
-constexpr ViStatus VI_WARN_UNKNOWN_STATUS = visaStatus(0x3FFF0085);
-constexpr ViStatus VI_ERROR_SYSTEM_ERROR = visaStatus(0xBFFF0000);
-constexpr ViStatus VI_ERROR_INV_OBJECT = visaStatus(0xBFFF000E);
-constexpr ViStatus VI_ERROR_RSRC_LOCKED = visaStatus(0xBFFF000F);
-constexpr ViStatus VI_ERROR_INV_EXPR = visaStatus(0xBFFF0010);
-constexpr ViStatus VI_ERROR_RSRC_NFOUND = visaStatus(0xBFFF0011);
-constexpr ViStatus VI_ERROR_INV_RSRC_NAME = visaStatus(0xBFFF0012);
-constexpr ViStatus VI_ERROR_INV_ACC_MODE = visaStatus(0xBFFF0013);
-constexpr ViStatus VI_ERROR_TMO = visaStatus(0xBFFF0015);
-constexpr ViStatus VI_ERROR_NSUP_ATTR = visaStatus(0xBFFF001D);
-constexpr ViStatus VI_ERROR_NSUP_ATTR_STATE = visaStatus(0xBFFF001E);
-constexpr ViStatus VI_ERROR_ATTR_READONLY = visaStatus(0xBFFF001F);
-constexpr ViStatus VI_ERROR_INV_LOCK_TYPE = visaStatus(0xBFFF0020);
-constexpr ViStatus VI_ERROR_ALLOC = visaStatus(0xBFFF003C);
-constexpr ViStatus VI_ERROR_INV_MASK = visaStatus(0xBFFF003D);
-constexpr ViStatus VI_ERROR_IO = visaStatus(0xBFFF003E);
-constexpr ViStatus VI_ERROR_NSUP_OPER = visaStatus(0xBFFF0067);
-constexpr ViStatus VI_ERROR_USER_BUF = visaStatus(0xBFFF0071);
-constexpr ViStatus VI_ERROR_INV_PROT = visaStatus(0xBFFF0079);
-constexpr ViStatus VI_ERROR_INV_MODE = visaStatus(0xBFFF0091);
-constexpr ViStatus VI_ERROR_SESN_NLOCKED = visaStatus(0xBFFF009C);
-constexpr ViStatus VI_ERROR_LIBRARY_NFOUND = visaStatus(0xBFFF009E);
-constexpr ViStatus VI_ERROR_FILE_ACCESS = visaStatus(0xBFFF00A1);
-constexpr ViStatus VI_ERROR_FILE_IO = visaStatus(0xBFFF00A2);
-constexpr ViStatus VI_ERROR_CONN_LOST = visaStatus(0xBFFF00A6);
+// Completion and error codes.
+#define VISA_STATUS(name, pattern, text) constexpr ViStatus name = visaStatus(pattern);
+#include "visa/StatusCodes.def"
+#undef VISA_STATUS
 
-// Attributes with the widths that viGetAttribute writes (VPP-4.3, appendix A).
+// Attributes with the width that viGetAttribute writes (VPP-4.3, appendix A).
 constexpr ViAttr VI_ATTR_RSRC_IMPL_VERSION = 0x3FFF0003; ///< 32 bits: 12 major, 12 minor, 8 patch
 constexpr ViAttr VI_ATTR_RSRC_LOCK_STATE = 0x3FFF0004;   ///< 32 bits
 constexpr ViAttr VI_ATTR_MAX_QUEUE_LENGTH = 0x3FFF0005;  ///< 32 bits, events
 constexpr ViAttr VI_ATTR_USER_DATA_32 = 0x3FFF0007;      ///< 32 bits
-constexpr ViAttr VI_ATTR_USER_DATA = 0x3FFF000A;         ///< 64 bits, the caller's own
-constexpr ViAttr VI_ATTR_SEND_END_EN = 0x3FFF0016;       ///< 16 bits, as all switches
+constexpr ViAttr VI_ATTR_USER_DATA = 0x3FFF000A;         ///< 64 bits, for the caller's own use
+constexpr ViAttr VI_ATTR_SEND_END_EN = 0x3FFF0016;       ///< 16 bits
 constexpr ViAttr VI_ATTR_TERMCHAR = 0x3FFF0018;          ///< 8 bits
 constexpr ViAttr VI_ATTR_TMO_VALUE = 0x3FFF001A;         ///< 32 bits, milliseconds
 constexpr ViAttr VI_ATTR_IO_PROT = 0x3FFF001C;           ///< 16 bits
@@ -134,7 +105,7 @@ constexpr ViAttr VI_ATTR_INTF_NUM = 0x3FFF0176;          ///< 16 bits
 constexpr ViAttr VI_ATTR_TRIG_ID = 0x3FFF0177;           ///< 16 bits
 constexpr ViAttr VI_ATTR_FILE_APPEND_EN = 0x3FFF0192;    ///< 16 bits
 constexpr ViAttr VI_ATTR_TCPIP_IS_HISLIP = 0x3FFF0303;   ///< 16 bits
-constexpr ViAttr VI_ATTR_RSRC_CLASS = 0xBFFF0001;        ///< text of up to 255 bytes, as below
+constexpr ViAttr VI_ATTR_RSRC_CLASS = 0xBFFF0001; ///< text of up to 255 bytes, like those below
 constexpr ViAttr VI_ATTR_RSRC_NAME = 0xBFFF0002;
 constexpr ViAttr VI_ATTR_INTF_INST_NAME = 0xBFFF00E9;
 constexpr ViAttr VI_ATTR_RSRC_MANF_NAME = 0xBFFF0174;
@@ -160,7 +131,7 @@ constexpr ViAccessMode VI_NO_LOCK = 0;
 constexpr ViAccessMode VI_EXCLUSIVE_LOCK = 1;
 constexpr ViAccessMode VI_LOAD_CONFIG = 4;
 
-// Time-outs with a meaning of their own.
+// Time-outs with a special meaning.
 constexpr ViUInt32 VI_TMO_IMMEDIATE = 0;
 constexpr ViUInt32 VI_TMO_INFINITE = 0xFFFFFFFF;
 
