@@ -7,20 +7,20 @@
 #include <QElapsedTimer>
 #include <QLoggingCategory>
 
-// The log of what was said on the wire: a line on standard error for each VISA call, when
-// QT_LOGGING_RULES="orvanta.visa.debug=true" asks for it.
+// The log of VISA calls, one line each on standard error. The environment variable
+// QT_LOGGING_RULES="orvanta.visa.debug=true" switches it on.
 
-/// The category "orvanta.visa", which is off unless a rule switches it on.
+/// The logging category "orvanta.visa".
 Q_DECLARE_LOGGING_CATEGORY(exchangeLog)
 
-/// Times a VISA call, from its making on, and logs it.
+/// Measures how long a VISA call takes, and logs it. The time starts when the object is made.
 class CallTimer
 {
 public:
     CallTimer() { elapsed.start(); }
 
-    /// Log the call: when it began, its function, its session, what it carried, its status by name,
-    /// and the milliseconds that it took.
+    /// Log when the call began, its session, its function, what it carried, the name of its status,
+    /// and how many milliseconds it took.
     void log(const char *function, ViObject session, const QByteArray &content,
              ViStatus status) const;
 
@@ -29,6 +29,7 @@ private:
     QElapsedTimer elapsed;
 };
 
-/// Returns a message for the log: text in quotes with escapes for what cannot be printed, of a
-/// definite-length block (IEEE 488.2 8.7.9) its header and the number of bytes.
+/// Returns a message as the log shows it. Text stands in quotes, with escapes for what cannot be
+/// printed. Of a definite-length block (IEEE 488.2 8.7.9) only the header and the number of bytes
+/// are shown.
 QByteArray readable(const void *bytes, ViUInt32 count);

@@ -13,12 +13,12 @@ constexpr std::size_t textReplySize = 20000;
 constexpr std::size_t numericReplySize = 100;
 constexpr std::size_t statusTextSize = 1000;
 
-/// A zeroed reply buffer with room for Size bytes and a zero byte that no read can reach.
+/// A zeroed buffer for a reply of at most Size bytes. One more byte stays zero and ends the text.
 template <std::size_t Size>
 using ReplyBuffer = std::array<char, Size + 1>;
 
-/// Make a VISA call, and log it when that is asked for. Without the entry point it is not made.
-/// content() is what the call carried, for the log.
+/// Make a VISA call, and log it when the log is on. Returns VI_ERROR_LIBRARY_NFOUND when the entry
+/// point is null. content() returns what the call carried, for the log.
 template <typename Content, typename... Parameters, typename... Arguments>
 ViStatus call(const char *name, const ViObject &session, const Content &content,
               ViStatus (*entryPoint)(Parameters...), Arguments... arguments)
@@ -57,7 +57,10 @@ template <std::size_t BufferSize>
 ViStatus query(ViSession session, const QString &command, std::array<char, BufferSize> &buffer)
 {
     const ViStatus status = iaPrintf(session, command);
-    return status == VI_SUCCESS ? readReply(session, buffer) : status;
+    if (status != VI_SUCCESS) {
+        return status;
+    }
+    return readReply(session, buffer);
 }
 
 } // namespace
@@ -167,7 +170,7 @@ ViStatus iaStatusDesc(ViSession session, ViStatus status, QString *text)
 
 ViStatus iaPrintf(ViSession session, const QString &command)
 {
-    // The write count is the number of characters, which an encoding with fewer bytes must cover.
+    // The count is the number of characters. Where the encoding makes fewer bytes, zeros fill up.
     QByteArray bytes = command.toLocal8Bit().leftJustified(command.size(), '\0');
     return iaWrite(session, reinterpret_cast<unsigned char *>(bytes.data()),
                    static_cast<ViUInt32>(command.size()), nullptr);
@@ -210,7 +213,7 @@ ViStatus iaScanf_s(ViSession session, QString *reply)
     }
     ReplyBuffer<textReplySize> buffer{};
     const ViStatus status = readReply(session, buffer);
-    // The remainder fits an int whatever the number; of an infinity or NaN there is none.
+    // The remainder of any finite number fits an int. An infinity or NaN gives the code 0.
     const double low = std::fmod(std::trunc(leadingNumber(buffer.data())), 256.0);
     const int code = std::isfinite(low) ? static_cast<int>(low) & 0xFF : 0;
     *reply = QString(QChar(code));

@@ -40,8 +40,8 @@ void unbind()
           p_viGpibControlREN);
 }
 
-/// Resolve the entry points in order. Returns false at the first symbol that the library lacks;
-/// that is the last one put into *symbol.
+/// Resolve the entry points in order, up to the first that the library lacks. Returns whether all
+/// are there. *symbol is the name of the last one tried.
 bool resolveAll(QLibrary &library, QString *symbol)
 {
     const auto resolve = [&](const char *name, auto *&entryPoint) {
@@ -62,12 +62,12 @@ bool resolveAll(QLibrary &library, QString *symbol)
            resolve("viReadSTB", p_viReadSTB) && resolve("viGpibControlREN", p_viGpibControlREN);
 }
 
-/// Bind the library at a path. Returns what keeps it from serving; nothing when it serves.
+/// Bind the library at a path. Returns why it cannot be bound, or an empty text.
 QString bind(const QString &path)
 {
     unbind();
-    // QLibrary goes on to names with other prefixes and suffixes when a file is missing, which may
-    // be another library; and it would wait at a FIFO.
+    // Without this check QLibrary tries other prefixes and suffixes when a file is missing, and may
+    // load another library. At a FIFO it would wait for ever.
     if (!QFileInfo(path).isFile()) {
         return QFileInfo::exists(path) ? "not a regular file" : "not there";
     }

@@ -25,7 +25,7 @@ void appendTimeAxis(int samples, OscilloscopeType type, QVector<double> *axes)
     try {
         axes->resize(first + count);
     } catch (const std::bad_alloc &) {
-        return; // the series is worth more than another axis
+        return; // the series goes on without another axis
     }
     const double span = recordSpan(type); // once: the loop is twice as fast
     double *axis = axes->data() + first;
@@ -37,7 +37,7 @@ void appendTimeAxis(int samples, OscilloscopeType type, QVector<double> *axes)
 void normaliseEnvelope(QVector<double> *rf)
 {
     constexpr double span = 0.2;
-    constexpr int lanes = 8; // comparisons that do not wait for each other
+    constexpr int lanes = 8; // independent extremes, which the processor compares at the same time
     std::array<double, lanes> minima{};
     std::array<double, lanes> maxima{};
     minima.fill(std::numeric_limits<double>::infinity());
@@ -61,7 +61,7 @@ void normaliseEnvelope(QVector<double> *rf)
         minimum = minima[lane] < minimum ? minima[lane] : minimum;
         maximum = maxima[lane] > maximum ? maxima[lane] : maximum;
     }
-    if (minimum == 0.0) { // of 0 and -0 the first one counts
+    if (minimum == 0.0) { // 0 and -0 are equal: take the first
         minimum = *std::find(rf->constBegin(), rf->constEnd(), minimum);
     }
     const double scale = span / (maximum - minimum);

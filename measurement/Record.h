@@ -33,13 +33,13 @@ constexpr int maxVectorSize = static_cast<int>(
     sizeof(double));
 
 /// Returns the instant of a sample, in seconds from the trigger, in a record of the given number
-/// of samples: recordSpan() centred on the trigger. An index past the record continues the axis.
+/// of samples: recordSpan() centred on the trigger. Indices past the record continue the axis.
 double sampleInstant(int index, int samples, OscilloscopeType type);
 
 /// Append the axis of one record to the axes of the records before it. They stop growing when
 /// memory or the room in a QVector runs out.
 void appendTimeAxis(int samples, OscilloscopeType type, QVector<double> *axes);
 
-/// Scale an RF envelope in place so that its smallest sample becomes 0 and its largest 0.2, in
-/// whatever unit it came. An envelope of equal samples becomes NaN.
+/// Scale an RF envelope in place so that its smallest sample becomes 0 and its largest 0.2. Any
+/// unit will do. An envelope of equal samples becomes NaN.
 void normaliseEnvelope(QVector<double> *rf);

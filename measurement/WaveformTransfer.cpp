@@ -16,9 +16,9 @@
 
 namespace {
 
-/// The file through which one trace comes: VISA writes it by its name, the program reads it. Where
-/// the system has files in memory it is one of them, in no folder. Otherwise it lies in a temporary
-/// folder, which goes with it.
+/// The file of one transfer: viReadToFile() writes it by its name, and the program reads it. Where
+/// the system has files in memory, it is one of them. Otherwise it lies in a temporary folder. It
+/// is removed with the object.
 class TransferFile
 {
 public:
@@ -32,10 +32,10 @@ public:
         }
     }
 
-    /// Returns its name, empty when there is no such file to be had.
+    /// Returns the file's name; empty when no file can be made.
     [[nodiscard]] QString name() const { return path; }
 
-    /// Returns the device that reads what VISA has written; empty when that cannot be read.
+    /// Returns the device to read from; it has no bytes when the file cannot be opened.
     [[nodiscard]] QIODevice &contents()
     {
         if (!file.isOpen()) {
@@ -65,11 +65,11 @@ private:
     QFile file;
 };
 
-/// Room for the terminator that follows the block's data.
+/// Bytes to read beyond the block's data, for the terminator.
 constexpr ViUInt32 terminatorRoom = 10;
 
-/// Read the header of a definite-length block: '#', a digit n, n digits. Returns the length of the
-/// data in bytes, which is the number that came of those digits; 0 when none did.
+/// Read the header of a definite-length block: '#', a digit n, n digits. Returns the number of data
+/// bytes that it announces, 0 when there are no digits; nothing when there is no header.
 std::optional<ViUInt32> readBlockHeader(ViSession session)
 {
     std::array<unsigned char, 100> buffer{};
@@ -77,7 +77,7 @@ std::optional<ViUInt32> readBlockHeader(ViSession session)
     if (iaRead(session, buffer.data(), 2, &count) < 0 || count < 2 || buffer[0] != '#') {
         return std::nullopt;
     }
-    // Other characters than digits ask for as little and as much as there is room for.
+    // The character may be none of the digits; the buffer's size is the limit.
     const int digits = qBound(0, buffer[1] - '0', static_cast<int>(buffer.size()) - 1);
     count = 0;
     if (iaRead(session, buffer.data(), static_cast<ViUInt32>(digits), &count) < 0) {
@@ -88,12 +88,13 @@ std::optional<ViUInt32> readBlockHeader(ViSession session)
         qMax(0, leadingInteger(reinterpret_cast<const char *>(buffer.data()))));
 }
 
-/// Replace a trace by the 32-bit floats of a device, at most those of so many bytes.
+/// Replace a trace by the 32-bit floats in the first bytes of a device, or in all that it has.
 void readSamples(QIODevice &device, qint64 bytes, QVector<double> *trace)
 {
     constexpr qint64 size = sizeof(float);
     const qint64 expected = qMin(bytes, device.size()) / size;
-    QVarLengthArray<float, 32768> floats(static_cast<int>(expected)); // usual ones on the stack
+    QVarLengthArray<float, 32768> floats(
+        static_cast<int>(expected)); // usual records fit on the stack
     const qint64 read = device.read(reinterpret_cast<char *>(floats.data()), expected * size);
     trace->resize(static_cast<int>(qMax<qint64>(read, 0) / size));
     std::copy_n(floats.begin(), trace->size(), trace->begin());
