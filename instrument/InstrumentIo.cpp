@@ -40,6 +40,11 @@ QByteArray nothing()
     return {};
 }
 
+ViUInt32 valueOf(const ViUInt32 *count)
+{
+    return count != nullptr ? *count : 0;
+}
+
 QByteArray attributeName(ViAttr attribute)
 {
     return attribute == VI_ATTR_TMO_VALUE ? "VI_ATTR_TMO_VALUE"
@@ -103,7 +108,7 @@ ViStatus iaRead(ViSession session, unsigned char *buffer, ViUInt32 count, ViUInt
     if (exchangeLog().isDebugEnabled() && returnedCount == nullptr) {
         returnedCount = &counted;
     }
-    const auto content = [=] { return readable(buffer, qMin(*returnedCount, count)); };
+    const auto content = [=] { return readable(buffer, qMin(valueOf(returnedCount), count)); };
     return call("viRead", session, content, p_viRead, session, buffer, count, returnedCount);
 }
 
@@ -114,7 +119,9 @@ ViStatus iaReadToFile(ViSession session, const QString &fileName, ViUInt32 count
     if (exchangeLog().isDebugEnabled() && returnedCount == nullptr) {
         returnedCount = &counted;
     }
-    const auto content = [=] { return QByteArray::number(*returnedCount) + " bytes to a file"; };
+    const auto content = [=] {
+        return QByteArray::number(valueOf(returnedCount)) + " bytes to a file";
+    };
     return call("viReadToFile", session, content, p_viReadToFile, session,
                 fileName.toLocal8Bit().constData(), count, returnedCount);
 }
