@@ -1,6 +1,6 @@
 #include "analysis/Flags.h"
 
-#include "measurement/TimeAxis.h"
+#include "measurement/Record.h"
 
 #include <QStringList>
 

@@ -1,7 +1,7 @@
 #include "analysis/Series.h"
 
 #include "analysis/SeriesFiles.h"
-#include "measurement/TimeAxis.h"
+#include "measurement/Record.h"
 #include "measurement/TraceFile.h"
 
 #include <QFileInfo>

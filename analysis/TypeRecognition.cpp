@@ -1,7 +1,8 @@
 #include "analysis/TypeRecognition.h"
 
 #include "instrument/NumberText.h"
-#include "measurement/TimeAxis.h"
+#include "measurement/DelayComputation.h"
+#include "measurement/Record.h"
 
 namespace {
 

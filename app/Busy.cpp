@@ -5,7 +5,7 @@
 
 namespace {
 
-bool isOfPerson(QEvent::Type type)
+bool isUserInput(QEvent::Type type)
 {
     switch (type) {
     case QEvent::MouseButtonPress:
@@ -43,16 +43,16 @@ Busy::Busy()
 
 Busy::~Busy()
 {
-    QGuiApplication::sync(); // what the window system still holds comes now
+    QGuiApplication::sync(); // fetches the input that the window system still holds
     QCoreApplication::processEvents();
     QApplication::restoreOverrideCursor();
 }
 
 bool Busy::eventFilter(QObject * /*watched*/, QEvent *event)
 {
-    const bool isDropped = isOfPerson(event->type());
-    if (isDropped) {
-        event->ignore(); // a window that is asked to close stays
+    if (!isUserInput(event->type())) {
+        return false;
     }
-    return isDropped;
+    event->ignore(); // a close event that is not ignored closes the window
+    return true;
 }

@@ -2,15 +2,15 @@
 
 #include <QObject>
 
-/// While it lives, the program is busy: the cursor says so, and nothing that a person does reaches
-/// any window, nor does it later, when the work is done and the event loop runs again. Painting
-/// goes on wherever events are processed.
+/// While an object of this class lives, the cursor is the busy one and the input of the user is
+/// dropped, so that it is not handled later either, when the work is done. Windows are still
+/// painted when events are processed.
 class Busy : public QObject
 {
 public:
-    /// Show the cursor, and paint what has changed.
+    /// Show the busy cursor, and paint what has changed.
     Busy();
-    /// Drop what was done meanwhile, and give the cursor back.
+    /// Drop the input that came meanwhile, and restore the cursor.
     ~Busy() override;
 
     bool eventFilter(QObject *watched, QEvent *event) override;

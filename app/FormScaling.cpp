@@ -8,11 +8,11 @@
 
 namespace {
 
-/// The narrowest place for text of the platform's size: the unit beside the center frequency.
+/// The label with the least room for its text: the unit beside the center frequency.
 const char *const narrowestText = "Hz";
 constexpr int narrowestPlace = 16; // pixels
 
-/// The platform's style, in which a widget's own font size in points counts in pixels.
+/// The platform's style, but a font size that a widget sets in points is taken as pixels.
 class PointIsPixelStyle : public QProxyStyle
 {
 public:
@@ -23,7 +23,7 @@ public:
         QFont font = widget->font();
         const bool isSized =
             widget->testAttribute(Qt::WA_SetFont) && (font.resolve() & QFont::SizeResolved) != 0;
-        // A plot sizes the fonts of its scales itself, and makes room for them.
+        // A plot makes room for the fonts of its scales itself.
         const QWidget *parent = widget->parentWidget();
         const bool isOfPlot = parent != nullptr && parent->inherits("QwtPlot");
         if (isSized && !isOfPlot && font.pointSize() > 0) {
@@ -34,7 +34,7 @@ public:
     }
 };
 
-/// Make the platform's font smaller where the forms have no place for it.
+/// Make the application's font smaller until it fits the forms.
 void fitFont()
 {
     QFont font = QApplication::font();

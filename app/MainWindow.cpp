@@ -37,7 +37,7 @@ bool isReady(const QPushButton *button)
     return button->text() == readyText;
 }
 
-/// Leave the instants where the graph finds them.
+/// Copy the instants into the globals that the graph draws.
 void publishInstants(const Instants &instants)
 {
     t_src = instants.source;
@@ -66,7 +66,7 @@ MainWindow::MainWindow(QWidget *parent) : QMainWindow(parent), ui(std::make_uniq
     setWindowTitle("Orvanta");
 
     settingsDirectoryName = settingsDirectory();
-    QDir().mkdir(settingsDirectoryName); // one level: the directory above it must be there
+    QDir().mkdir(settingsDirectoryName); // makes one level: main() has made the directory above it
     settingsFileName = settingsDirectoryName + '/' +
                        QFileInfo(QCoreApplication::applicationFilePath()).baseName() + ".cfg";
     LoadCfgFile(settingsFileName);
@@ -112,7 +112,8 @@ int MainWindow::Meas(QVector<double> *d1, QVector<double> *d2, QVector<double> *
     settings.save = ui->SaveData->checkState() != Qt::Unchecked;
     settings.filePrefix = settingsDirectoryName;
 
-    // The run works on values; this is the one place where they become program-wide.
+    // The run works on its own values. Only here they are taken from the globals, and put back. The
+    // axis t is the parameter, which Start sets to the global of that name.
     Record record{std::move(*d1), std::move(*d2), std::move(*d3),
                   std::move(*t),  NSmp,           {t_src, t_rf, t_snk}};
     SeriesResults results;
@@ -172,8 +173,8 @@ void MainWindow::on_SaInit_clicked()
     settings.resource = ui->SaIp->text();
     settings.centerFrequency = ui->SaFrq->text().toDouble();
     settings.oscilloscopeType = chosenOscilloscopeType();
-    // The panel's Reset and IF/video boxes steer nothing here: the analyzer is never reset, and
-    // its IF output serves whether or not the oscilloscope listens.
+    // The panel's Reset box is not read: the analyzer is never reset. Nor is the IF/video box: the
+    // analyzer's IF output is on whether the oscilloscope uses it or not.
     showOutcome(ui->SaInit, setUpSpectrumAnalyzer(resourceManager, settings, &spectrumAnalyzer));
     UndimStart();
 }

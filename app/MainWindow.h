@@ -10,37 +10,39 @@
 
 class Ui_MainWindow;
 
-/// The window of the program: a panel for each instrument, and Start. Its members read the
-/// widgets, have the layer below do the work, and show the outcome.
+/// The window of the program: a panel for each instrument, and Start. Its members read the widgets,
+/// call functions of measurement/ and setup/, and show the outcome.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
-    /// Bind the VISA library and load the settings. Without VISA a box says so, and the window is
-    /// usable all the same.
+    /// Bind the VISA library and load the settings. Without VISA a message box says so, and then no
+    /// Init succeeds.
     explicit MainWindow(QWidget *parent = nullptr);
 
     /// Close the instruments and save the settings.
     ~MainWindow() override;
 
 public slots:
-    /// Fill the widgets from a settings file; what it does not hold takes its default. Returns 0.
+    /// Set the widgets from a settings file, or to their defaults where it has no value. Returns 0.
     int LoadCfgFile(const QString &fnam);
     /// Write the widgets' state to a settings file. Returns 0.
     int SaveCfgFile(const QString &fnam);
     /// Call saveTrace().
     int SaveBinFile(const QString &fnam, const QVector<double> &d, ViInt32 cnt);
-    /// Call loadTrace(), with a message box when the file cannot be opened.
+    /// Call loadTrace(), and show a message box when the file cannot be opened.
     int LoadBinFile(const QString &fnam, QVector<double> *d, ViInt32 *cnt);
 
 private slots:
-    // Those without a caller are part of what the window offers by name
-    // (QMetaObject::invokeMethod); the on_ slots are found by their names when the form is set up.
+    // Qt connects the on_ slots to the widgets by their names. The other slots can be called by
+    // name from outside (QMetaObject::invokeMethod). A run does not go through them: Meas() calls
+    // runSeries(), which calls queryTrace() and computeDelays() itself. So a change to
+    // CalcDeltaT2(), ReadArray() or IntReadArray() does not change what Start does.
 
     /// Run the series of measurements that the window describes: runSeries().
     int Meas(QVector<double> *d1, QVector<double> *d2, QVector<double> *d3, QVector<double> *t);
-    /// Call computeDelays(), into the program-wide instants and the two delays (milliseconds).
+    /// Call computeDelays(), and set the global instants and the two delays (milliseconds).
     void CalcDeltaT2(int pts, QVector<double> *d1, QVector<double> *d2, QVector<double> *d3,
                      QVector<double> *t, double *Src2Rf, double *Src2Snk);
     void on_VaHdmi_clicked(bool checked);

@@ -1,4 +1,4 @@
-// The settings file: what MainWindow keeps from one session to the next, in INI format.
+// The members of MainWindow that load and save the settings, a file in INI format.
 
 #include "app/Globals.h"
 #include "app/MainWindow.h"
@@ -27,7 +27,7 @@ const char *const saveDataKey = "General/Save Data";
 void loadText(const QSettings &settings, const char *key, const char *initial, QLineEdit *edit)
 {
     edit->setText(settings.value(key, initial).toString());
-    edit->setCursorPosition(0); // of a long resource string the host matters most
+    edit->setCursorPosition(0); // shows the start of a long resource string
 }
 
 void loadNumber(const QSettings &settings, const char *key, double initial, QLineEdit *edit)
@@ -35,13 +35,13 @@ void loadNumber(const QSettings &settings, const char *key, double initial, QLin
     edit->setText(numberText(settings.value(key, initial).toDouble()));
 }
 
-/// A check state is stored as a number; any that is not 0 counts as checked, and so does "true".
+/// A check state is stored as a number. All numbers but 0 count as checked, and so does "true".
 void loadCheck(const QSettings &settings, const char *key, QCheckBox *box)
 {
     box->setChecked(settings.value(key, false).toBool());
 }
 
-/// An index that the box does not have leaves it as it is.
+/// The box does not change when it has no such index.
 void loadIndex(const QSettings &settings, const char *key, int initial, QComboBox *box)
 {
     bool isNumber = false;
@@ -51,7 +51,7 @@ void loadIndex(const QSettings &settings, const char *key, int initial, QComboBo
     }
 }
 
-/// Something other than a regular file at the settings' place is left alone.
+/// Returns whether a settings file can be read or written there: opening a FIFO would never end.
 bool isUsable(const QString &fnam)
 {
     const QFileInfo info(fnam);
@@ -62,7 +62,7 @@ bool isUsable(const QString &fnam)
 
 int MainWindow::LoadCfgFile(const QString &fnam)
 {
-    const QString nothing = ":/"; // holds no settings: all take their defaults
+    const QString nothing = ":/"; // a folder without settings, which gives all defaults
     const QSettings settings(isUsable(fnam) ? fnam : nothing, QSettings::IniFormat);
     loadText(settings, osAddressKey, "TCPIP0::scope::INSTR", ui->OsIp);
     loadCheck(settings, osResetKey, ui->OsRst);

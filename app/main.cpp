@@ -10,8 +10,7 @@
 
 namespace {
 
-/// Give the windows their icon, and say which desktop entry they belong to: it is named after the
-/// executable, like the settings file.
+/// Set the windows' icon and the name of their desktop entry, which is named after the executable.
 void introduceToDesktop()
 {
     QIcon icon;
@@ -23,8 +22,8 @@ void introduceToDesktop()
                                      QFileInfo(QApplication::applicationFilePath()).baseName());
 }
 
-/// Where this executable looks for VISA. Relative paths begin at its own folder, so that the build
-/// tree and an installation can be moved.
+/// Returns where this executable looks for a VISA library. Relative paths start at its own folder,
+/// so that the build tree and an installation can be moved.
 QStringList visaLibraryPaths()
 {
     QStringList paths;
@@ -44,7 +43,7 @@ int main(int argc, char *argv[])
     introduceToDesktop();
     fitTextToForms();
     setVisaLibraryPaths(visaLibraryPaths());
-    // The window makes the settings directory itself, but not the one above it.
+    // The window makes the settings directory, but not the one above it.
     QDir().mkpath(QFileInfo(settingsDirectory()).path());
 
     MainWindow window;

@@ -28,7 +28,7 @@ ViStatus sendOrFallBack(ViSession session, const QStringList &commands)
     return status;
 }
 
-void sendOrStopAndIgnore(ViSession session, const QStringList &commands)
+void sendIgnoringFailure(ViSession session, const QStringList &commands)
 {
     static_cast<void>(sendOrStop(session, commands));
 }

@@ -4,16 +4,15 @@
 
 #include <QStringList>
 
-// The rules by which a chain of commands runs. Every command is a query that ends in
-// ";*OPC?\n": the instrument answers once the command is done, and only the VISA status of that
-// exchange counts. Status 0 is success, all others are failures.
+// Rules for sending a list of commands. Nearly every command ends in ";*OPC?\n", so that the
+// instrument answers once it is done. The answer is read and dropped. Status 0 is success, any
+// other status is a failure, a positive one too.
 
 /// Send the commands in order until one fails. Returns the status of the last one sent.
 [[nodiscard]] ViStatus sendOrStop(ViSession session, const QStringList &commands);
 
-/// Send the commands in order until one succeeds, each only because the one before it failed.
-/// Returns the status of the last one sent.
+/// Send the commands in order until one succeeds. Returns the status of the last one sent.
 [[nodiscard]] ViStatus sendOrFallBack(ViSession session, const QStringList &commands);
 
 /// Send the commands in order until one fails, and ignore the failure.
-void sendOrStopAndIgnore(ViSession session, const QStringList &commands);
+void sendIgnoringFailure(ViSession session, const QStringList &commands);

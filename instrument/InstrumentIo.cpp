@@ -1,5 +1,6 @@
 #include "instrument/InstrumentIo.h"
 
+#include "instrument/ExchangeLog.h"
 #include "instrument/NumberText.h"
 #include "instrument/VisaBinding.h"
 
@@ -12,94 +13,153 @@ constexpr std::size_t textReplySize = 20000;
 constexpr std::size_t numericReplySize = 100;
 constexpr std::size_t statusTextSize = 1000;
 
-/// A zeroed reply buffer with room for Size bytes and a zero byte that no read can reach.
+/// A zeroed buffer for a reply of at most Size bytes. One more byte stays zero and ends the text.
 template <std::size_t Size>
 using ReplyBuffer = std::array<char, Size + 1>;
 
-template <typename... Parameters, typename... Arguments>
-ViStatus callBound(ViStatus (*entryPoint)(Parameters...), Arguments... arguments)
+/// Make a VISA call, and log it when the log is on. Returns VI_ERROR_LIBRARY_NFOUND when the entry
+/// point is null. content() returns what the call carried, for the log.
+template <typename Content, typename... Parameters, typename... Arguments>
+ViStatus call(const char *name, const ViObject &session, const Content &content,
+              ViStatus (*entryPoint)(Parameters...), Arguments... arguments)
 {
-    return entryPoint != nullptr ? entryPoint(arguments...) : VI_ERROR_LIBRARY_NFOUND;
+    const auto made = [&] {
+        return entryPoint != nullptr ? entryPoint(arguments...) : VI_ERROR_LIBRARY_NFOUND;
+    };
+    if (!exchangeLog().isDebugEnabled()) {
+        return made();
+    }
+    const CallTimer timer;
+    const ViStatus status = made();
+    timer.log(name, session, content(), status);
+    return status;
+}
+
+QByteArray nothing()
+{
+    return {};
+}
+
+ViUInt32 valueOf(const ViUInt32 *count)
+{
+    return count != nullptr ? *count : 0;
+}
+
+QByteArray attributeName(ViAttr attribute)
+{
+    return attribute == VI_ATTR_TMO_VALUE ? "VI_ATTR_TMO_VALUE"
+                                          : "0x" + QByteArray::number(attribute, 16);
 }
 
 template <std::size_t BufferSize>
 ViStatus readReply(ViSession session, std::array<char, BufferSize> &buffer)
 {
-    return callBound(p_viRead, session, reinterpret_cast<ViByte *>(buffer.data()),
-                     static_cast<ViUInt32>(BufferSize - 1), nullptr);
+    return iaRead(session, reinterpret_cast<unsigned char *>(buffer.data()),
+                  static_cast<ViUInt32>(BufferSize - 1), nullptr);
 }
 
 template <std::size_t BufferSize>
 ViStatus query(ViSession session, const QString &command, std::array<char, BufferSize> &buffer)
 {
     const ViStatus status = iaPrintf(session, command);
-    return status == VI_SUCCESS ? readReply(session, buffer) : status;
+    if (status != VI_SUCCESS) {
+        return status;
+    }
+    return readReply(session, buffer);
 }
 
 } // namespace
 
 ViStatus iaOpenDefaultRM(ViSession *resourceManager)
 {
-    return callBound(p_viOpenDefaultRM, resourceManager);
+    return call("viOpenDefaultRM", *resourceManager, nothing, p_viOpenDefaultRM, resourceManager);
 }
 
 ViStatus iaOpen(ViSession resourceManager, const QString &resource, ViAccessMode accessMode,
                 ViUInt32 timeout, ViSession *session)
 {
-    return callBound(p_viOpen, resourceManager, resource.toLocal8Bit().constData(), accessMode,
-                     timeout, session);
+    const QByteArray name = resource.toLocal8Bit();
+    const auto content = [&] {
+        return readable(name.constData(), static_cast<ViUInt32>(name.size()));
+    };
+    return call("viOpen", *session, content, p_viOpen, resourceManager, name.constData(),
+                accessMode, timeout, session);
 }
 
 ViStatus iaClose(ViSession session)
 {
-    return callBound(p_viClose, session);
+    return call("viClose", session, nothing, p_viClose, session);
 }
 
 ViStatus iaClear(ViSession session)
 {
-    return callBound(p_viClear, session);
+    return call("viClear", session, nothing, p_viClear, session);
 }
 
 ViStatus iaWrite(ViSession session, unsigned char *buffer, ViUInt32 count, ViUInt32 *returnedCount)
 {
-    return callBound(p_viWrite, session, buffer, count, returnedCount);
+    const auto content = [=] { return readable(buffer, count); };
+    return call("viWrite", session, content, p_viWrite, session, buffer, count, returnedCount);
 }
 
 ViStatus iaRead(ViSession session, unsigned char *buffer, ViUInt32 count, ViUInt32 *returnedCount)
 {
-    return callBound(p_viRead, session, buffer, count, returnedCount);
+    ViUInt32 counted = 0;
+    if (exchangeLog().isDebugEnabled() && returnedCount == nullptr) {
+        returnedCount = &counted;
+    }
+    const auto content = [=] { return readable(buffer, qMin(valueOf(returnedCount), count)); };
+    return call("viRead", session, content, p_viRead, session, buffer, count, returnedCount);
 }
 
 ViStatus iaReadToFile(ViSession session, const QString &fileName, ViUInt32 count,
                       ViUInt32 *returnedCount)
 {
-    return callBound(p_viReadToFile, session, fileName.toLocal8Bit().constData(), count,
-                     returnedCount);
+    ViUInt32 counted = 0;
+    if (exchangeLog().isDebugEnabled() && returnedCount == nullptr) {
+        returnedCount = &counted;
+    }
+    const auto content = [=] {
+        return QByteArray::number(valueOf(returnedCount)) + " bytes to a file";
+    };
+    return call("viReadToFile", session, content, p_viReadToFile, session,
+                fileName.toLocal8Bit().constData(), count, returnedCount);
 }
 
 ViStatus iaSetAttribute(ViSession session, ViAttr attribute, ViAttrState value)
 {
-    return callBound(p_viSetAttribute, session, attribute, value);
+    const auto content = [=] {
+        return attributeName(attribute) + ' ' + QByteArray::number(qulonglong{value});
+    };
+    return call("viSetAttribute", session, content, p_viSetAttribute, session, attribute, value);
 }
 
 ViStatus iaGetAttribute(ViSession session, ViAttr attribute, void *value)
 {
-    return callBound(p_viGetAttribute, session, attribute, value);
+    const auto content = [=] { return attributeName(attribute); };
+    return call("viGetAttribute", session, content, p_viGetAttribute, session, attribute, value);
 }
 
 ViStatus iaSetBuf(ViSession session, ViUInt16 mask, ViUInt32 size)
 {
-    return callBound(p_viSetBuf, session, mask, size);
+    const auto content = [=] {
+        return "mask " + QByteArray::number(mask) + ", " + QByteArray::number(size) + " bytes";
+    };
+    return call("viSetBuf", session, content, p_viSetBuf, session, mask, size);
 }
 
 ViStatus iaReadSTB(ViSession session, ViUInt16 *statusByte)
 {
-    return callBound(p_viReadSTB, session, statusByte);
+    const auto content = [=] { return QByteArray::number(*statusByte); };
+    return call("viReadSTB", session, content, p_viReadSTB, session, statusByte);
 }
 
 ViStatus iaGpibControlREN(ViSession session, ViUInt16 mode)
 {
-    return callBound(p_viGpibControlREN, session, mode);
+    const auto content = [=] {
+        return mode == VI_GPIB_REN_ADDRESS_GTL ? "Go To Local" : "mode " + QByteArray::number(mode);
+    };
+    return call("viGpibControlREN", session, content, p_viGpibControlREN, session, mode);
 }
 
 ViStatus iaStatusDesc(ViSession session, ViStatus status, QString *text)
@@ -108,14 +168,16 @@ ViStatus iaStatusDesc(ViSession session, ViStatus status, QString *text)
         return VI_ERROR_LIBRARY_NFOUND;
     }
     ReplyBuffer<statusTextSize> buffer{};
-    const ViStatus result = p_viStatusDesc(session, status, buffer.data());
+    const auto content = [&] { return QByteArray(buffer.data()); };
+    const ViStatus result =
+        call("viStatusDesc", session, content, p_viStatusDesc, session, status, buffer.data());
     *text = QString::fromUtf8(buffer.data());
     return result;
 }
 
 ViStatus iaPrintf(ViSession session, const QString &command)
 {
-    // The write count is the number of characters, which an encoding with fewer bytes must cover.
+    // The count is the number of characters. Where the encoding makes fewer bytes, zeros fill up.
     QByteArray bytes = command.toLocal8Bit().leftJustified(command.size(), '\0');
     return iaWrite(session, reinterpret_cast<unsigned char *>(bytes.data()),
                    static_cast<ViUInt32>(command.size()), nullptr);
@@ -158,7 +220,7 @@ ViStatus iaScanf_s(ViSession session, QString *reply)
     }
     ReplyBuffer<textReplySize> buffer{};
     const ViStatus status = readReply(session, buffer);
-    // The remainder fits an int whatever the number; of an infinity or NaN there is none.
+    // The remainder of any finite number fits an int. An infinity or NaN gives the code 0.
     const double low = std::fmod(std::trunc(leadingNumber(buffer.data())), 256.0);
     const int code = std::isfinite(low) ? static_cast<int>(low) & 0xFF : 0;
     *reply = QString(QChar(code));

@@ -5,12 +5,12 @@
 #include <QString>
 
 // Thin layer over the VISA entry points. Every function returns a VISA status: 0 is success,
-// negative an error, positive a success with a remark. Without a bound VISA function it returns
-// VI_ERROR_LIBRARY_NFOUND and does no more. Nothing here shows a message or throws.
+// negative an error, positive a success with a remark. While its entry point is null, a function
+// returns VI_ERROR_LIBRARY_NFOUND and does nothing. No function shows a message or throws.
 //
-// Whatever the names say, no formatted I/O is behind them: all that is sent goes through viWrite(),
-// all that comes through viRead(). Commands go out as they are: each carries its own "\n". Text is
-// in the local 8-bit encoding.
+// The names iaPrintf, iaQueryf and iaScanf do not stand for formatted I/O: they call viWrite() and
+// viRead() only. Commands are sent unchanged, so each must end in "\n". Text is in the local 8-bit
+// encoding.
 
 /// Open the default resource manager.
 ViStatus iaOpenDefaultRM(ViSession *resourceManager);
@@ -47,31 +47,31 @@ ViStatus iaSetBuf(ViSession session, ViUInt16 mask, ViUInt32 size);
 /// Read the status byte (IEEE 488.2 11.2).
 ViStatus iaReadSTB(ViSession session, ViUInt16 *statusByte);
 
-/// Control remote and local state; the modes are those of viGpibControlREN.
+/// Switch between remote and local control; the modes are those of viGpibControlREN.
 ViStatus iaGpibControlREN(ViSession session, ViUInt16 mode);
 
-/// Fetch VISA's text for a status; the text is set even when VISA reports a failure.
+/// Get VISA's text for a status. The text is set even when VISA returns a failure.
 ViStatus iaStatusDesc(ViSession session, ViStatus status, QString *text);
 
 /// Write a command.
 ViStatus iaPrintf(ViSession session, const QString &command);
 
-/// Write a command and read its reply of at most 20000 bytes, terminator included. Any status
-/// but 0, of the write or of the read, ends the query and leaves the reply as it was.
+/// Write a command and read its reply of at most 20000 bytes, terminator included. When the write
+/// or the read returns another status than 0, that is returned and the reply is unchanged.
 ViStatus iaQueryf_s(ViSession session, const QString &command, QString *reply);
 
-/// Write a command and read a number; otherwise as iaQueryf_s(), with 100 bytes.
+/// Write a command and read a number of at most 100 bytes; otherwise like iaQueryf_s().
 ViStatus iaQueryf_f(ViSession session, const QString &command, double *value);
 
-/// Write a command and read a whole number; otherwise as iaQueryf_f().
+/// Write a command and read a whole number of at most 100 bytes; otherwise like iaQueryf_s().
 ViStatus iaQueryf_i(ViSession session, const QString &command, int *value);
 
-/// Read a character code as decimal text and set the reply to that one character (the code's low
-/// eight bits), whatever the read returned.
+/// Read a character code as decimal text and set the reply to that one character, of which the low
+/// eight bits count. The reply is set whatever the read returns.
 ViStatus iaScanf_s(ViSession session, QString *reply);
 
-/// Read a number of at most 100 bytes; the value is set whatever the read returned.
+/// Read a number of at most 100 bytes. The value is set whatever the read returns.
 ViStatus iaScanf_f(ViSession session, double *value);
 
-/// Cut a text off after its first "\n"; nothing is left when it has none.
+/// Returns a text up to its first "\n", which is included; an empty text when it has none.
 QString rstrip(const QString &text);

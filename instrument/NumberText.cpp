@@ -9,8 +9,8 @@
 
 double leadingNumber(const char *text)
 {
-    // A QApplication puts the process into the operator's locale, where the decimal point of an
-    // instrument's reply may end the number.
+    // Qt sets the operator's locale. Where that has a decimal comma, strtod() would stop at the
+    // point of an instrument's reply.
     static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", nullptr);
     return strtod_l(text, nullptr, cLocale);
 }

@@ -2,18 +2,18 @@
 
 #include <QString>
 
-// Numbers as instruments, results and fields write them, whatever the operator's locale.
+// Numbers as text, independent of the operator's locale.
 
-/// Write a number as text: at most six significant digits without trailing zeros, "." as the
+/// Returns a number as text: at most six significant digits without trailing zeros, "." as the
 /// decimal point, the shorter of fixed and exponent notation.
 inline QString numberText(double value)
 {
     return QString::number(value, 'g', 6);
 }
 
-/// Read the number that a text begins with, as atof() does in the C locale; 0 when there is none.
+/// Returns the number that a text begins with, like atof() in the C locale; 0 when there is none.
 double leadingNumber(const char *text);
 
-/// Read the whole number that a text begins with, as atoi() does; the nearest int for those that
-/// an int cannot hold.
+/// Returns the whole number that a text begins with, like atoi(); 0 when there is none, and the
+/// nearest int for a number that an int cannot hold.
 int leadingInteger(const char *text);

@@ -1,14 +1,14 @@
 #pragma once
 
-/// The command dialects of oscilloscopes. Every place where they differ is a switch without a
-/// default, so that the compiler lists those places for a further dialect.
+/// The command dialects of oscilloscopes. Wherever they differ there is a switch without a default,
+/// so that the compiler names all these places when a dialect is added.
 enum class OscilloscopeType
 {
     Kvx,
     Lpa4004,
 };
 
-/// Tell how long the dialect's record lasts, in seconds; the trigger is at its middle.
+/// Returns how long a record of the dialect lasts, in seconds; the trigger is in its middle.
 constexpr double recordSpan(OscilloscopeType type)
 {
     double span = 0.0;

@@ -4,6 +4,7 @@
 #include <QLibrary>
 
 #include <cstdio>
+#include <type_traits>
 
 visa::OpenDefaultRM *p_viOpenDefaultRM = nullptr;
 visa::StatusDesc *p_viStatusDesc = nullptr;
@@ -29,43 +30,53 @@ namespace {
 
 QStringList libraryPaths;
 
-template <typename Function>
-bool resolve(QLibrary &library, const char *symbol, Function *&entryPoint)
+/// Make all entry points null.
+void unbind()
 {
-    entryPoint = reinterpret_cast<Function *>(library.resolve(symbol));
-    return entryPoint != nullptr;
+    const auto reset = [](auto &...entryPoints) { ((entryPoints = nullptr), ...); };
+    reset(p_viOpenDefaultRM, p_viStatusDesc, p_viOpen, p_viWrite, p_viRead, p_viQueryf_s,
+          p_viQueryf_f, p_viQueryf_i, p_viPrintf, p_viScanf_s, p_viScanf_f, p_viReadToFile,
+          p_viClear, p_viClose, p_viSetAttribute, p_viGetAttribute, p_viSetBuf, p_viReadSTB,
+          p_viGpibControlREN);
 }
 
-bool resolveAll(QLibrary &library)
+/// Resolve the entry points in order, up to the first that the library lacks. Returns whether all
+/// are there. *symbol is the name of the last one tried.
+bool resolveAll(QLibrary &library, QString *symbol)
 {
-    return resolve(library, "viOpenDefaultRM", p_viOpenDefaultRM) &&
-           resolve(library, "viStatusDesc", p_viStatusDesc) &&
-           resolve(library, "viOpen", p_viOpen) && resolve(library, "viWrite", p_viWrite) &&
-           resolve(library, "viRead", p_viRead) && resolve(library, "viQueryf", p_viQueryf_s) &&
-           resolve(library, "viQueryf", p_viQueryf_f) &&
-           resolve(library, "viQueryf", p_viQueryf_i) && resolve(library, "viPrintf", p_viPrintf) &&
-           resolve(library, "viScanf", p_viScanf_f) &&
-           resolve(library, "viReadToFile", p_viReadToFile) &&
-           resolve(library, "viClear", p_viClear) && resolve(library, "viClose", p_viClose) &&
-           resolve(library, "viSetAttribute", p_viSetAttribute) &&
-           resolve(library, "viGetAttribute", p_viGetAttribute) &&
-           resolve(library, "viSetBuf", p_viSetBuf) && resolve(library, "viReadSTB", p_viReadSTB) &&
-           resolve(library, "viGpibControlREN", p_viGpibControlREN);
+    const auto resolve = [&](const char *name, auto *&entryPoint) {
+        using Pointer = std::remove_reference_t<decltype(entryPoint)>;
+        *symbol = name;
+        entryPoint = reinterpret_cast<Pointer>(library.resolve(name));
+        return entryPoint != nullptr;
+    };
+    return resolve("viOpenDefaultRM", p_viOpenDefaultRM) &&
+           resolve("viStatusDesc", p_viStatusDesc) && resolve("viOpen", p_viOpen) &&
+           resolve("viWrite", p_viWrite) && resolve("viRead", p_viRead) &&
+           resolve("viQueryf", p_viQueryf_s) && resolve("viQueryf", p_viQueryf_f) &&
+           resolve("viQueryf", p_viQueryf_i) && resolve("viPrintf", p_viPrintf) &&
+           resolve("viScanf", p_viScanf_f) && resolve("viReadToFile", p_viReadToFile) &&
+           resolve("viClear", p_viClear) && resolve("viClose", p_viClose) &&
+           resolve("viSetAttribute", p_viSetAttribute) &&
+           resolve("viGetAttribute", p_viGetAttribute) && resolve("viSetBuf", p_viSetBuf) &&
+           resolve("viReadSTB", p_viReadSTB) && resolve("viGpibControlREN", p_viGpibControlREN);
 }
 
-/// Bind the library at a path. Returns what keeps it from serving; nothing when it does.
+/// Bind the library at a path. Returns why it cannot be bound, or an empty text.
 QString bind(const QString &path)
 {
-    // QLibrary goes on to names with other prefixes and suffixes when a file is missing, which may
-    // be another library; and it would wait at a FIFO.
+    unbind();
+    // Without this check QLibrary tries other prefixes and suffixes when a file is missing, and may
+    // load another library. At a FIFO it would wait for ever.
     if (!QFileInfo(path).isFile()) {
         return QFileInfo::exists(path) ? "not a regular file" : "not there";
     }
     QLibrary library(path); // its destructor leaves the library loaded
-    if (!library.load() || !resolveAll(library)) {
+    if (!library.load()) {
         return library.errorString();
     }
-    return {};
+    QString symbol;
+    return resolveAll(library, &symbol) ? QString() : "lacks " + symbol;
 }
 
 } // namespace
@@ -77,15 +88,16 @@ void setVisaLibraryPaths(const QStringList &paths)
 
 bool iaVisaDll_Init()
 {
-    QStringList failures;
+    QString failures;
     for (const QString &path : qAsConst(libraryPaths)) {
         const QString failure = bind(path);
         if (failure.isEmpty()) {
-            std::fputs(qPrintable("VISA library: " + path + '\n'), stderr);
+            const QString passedOver = failures.isEmpty() ? "" : "Passed over:\n" + failures;
+            std::fputs(qPrintable(passedOver + "VISA library: " + path + '\n'), stderr);
             return true;
         }
         failures += "  " + path + ": " + failure + '\n';
     }
-    std::fputs(qPrintable("No VISA library could be loaded:\n" + failures.join("")), stderr);
+    std::fputs(qPrintable("No VISA library could be loaded:\n" + failures), stderr);
     return false;
 }

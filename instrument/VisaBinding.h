@@ -4,8 +4,8 @@
 
 #include <QStringList>
 
-// The VISA entry points of this process: null until iaVisaDll_Init() finds them, then valid until
-// the process ends. Only the ia functions call through them.
+// The VISA entry points of this process. They are null until iaVisaDll_Init() resolves them, and
+// then stay valid until the process ends. Only the functions of InstrumentIo.h call them.
 
 extern visa::OpenDefaultRM *p_viOpenDefaultRM;
 extern visa::StatusDesc *p_viStatusDesc;
@@ -16,7 +16,7 @@ extern visa::Queryf *p_viQueryf_s;
 extern visa::Queryf *p_viQueryf_f;
 extern visa::Queryf *p_viQueryf_i;
 extern visa::Printf *p_viPrintf;
-extern visa::Scanf *p_viScanf_s; ///< stays null: nothing reads strings with viScanf
+extern visa::Scanf *p_viScanf_s; ///< stays null: strings are read by viRead
 extern visa::Scanf *p_viScanf_f;
 extern visa::ReadToFile *p_viReadToFile;
 extern visa::Clear *p_viClear;
@@ -27,12 +27,11 @@ extern visa::SetBuf *p_viSetBuf;
 extern visa::ReadSTB *p_viReadSTB;
 extern visa::GpibControlREN *p_viGpibControlREN;
 
-/// Say where iaVisaDll_Init() looks for the VISA library: absolute paths of files, the first one
-/// that serves is taken.
+/// Set where iaVisaDll_Init() looks for a VISA library: absolute paths of files, in order.
 void setVisaLibraryPaths(const QStringList &paths);
 
-/// Load a VISA library and resolve its entry points in the order above. Returns true when all of
-/// them are there. At the first that is missing it gives that library up: the pointers before it
-/// keep their values, the later ones stay null. Standard error says which library serves, or why
-/// none does.
+/// Bind the first VISA library that has all entry points. They are resolved in the order above, up
+/// to the first that the library lacks. Returns false when no library is complete; then the
+/// pointers that the last one had keep their values, and the others are null. Writes to standard
+/// error which library is bound and why others were passed over.
 bool iaVisaDll_Init();

@@ -1,12 +1,10 @@
 #include "measurement/DelayComputation.h"
 
-#include "measurement/TimeAxis.h"
-
 namespace {
 
 constexpr double sourceRise = 0.035; // volts above the record's first sample
 constexpr double rfLevel = 0.05;     // of the envelope's 0 .. 0.2
-constexpr int rfRunLength = 8;       // samples: beacons are shorter
+constexpr int rfRunLength = 8;       // samples: longer than a beacon
 constexpr double sinkLevel = 0.06;   // volts
 constexpr double millisecondsPerSecond = 1000.0;
 
@@ -21,7 +19,7 @@ int sourceEdge(int n, const QVector<double> &source)
     return qMax(n, 0);
 }
 
-/// The run may reach past index n - 1, but not past the samples that there are.
+/// The run may end after index n - 1, if the trace has samples there.
 int rfEdge(int n, const QVector<double> &rf, int start)
 {
     int run = 0;
@@ -58,7 +56,7 @@ Delays computeDelays(int n, const QVector<double> &source, const QVector<double>
     const int s = sourceEdge(n, source);
     const Instants at = {instant(s), sampleInstant(rfEdge(n, rf, s), n, type),
                          instant(sinkEdge(n, sink))};
-    // An RF instant on the trigger itself reports no delay.
+    // An RF instant exactly on the trigger gives the delay 0.
     const double sourceToRf = at.rf == 0.0 ? 0.0 : (at.rf - at.source) * millisecondsPerSecond;
     return {at, sourceToRf, (at.sink - at.source) * millisecondsPerSecond};
 }

@@ -1,16 +1,6 @@
 #pragma once
 
-#include "instrument/OscilloscopeType.h"
-
-#include <QVector>
-
-/// Where the edges of one record lie, in seconds from the trigger.
-struct Instants
-{
-    double source = 0.0;
-    double rf = 0.0;
-    double sink = 0.0;
-};
+#include "measurement/Record.h"
 
 /// The edges of one record and the delays between them.
 struct Delays
@@ -20,11 +10,12 @@ struct Delays
     double sourceToSink = 0.0; ///< milliseconds
 };
 
-/// Find the edges in a record of n samples: where the source rises above its first sample, where
-/// eight RF samples in a row are on at or after that, and where the sink's level is reached.
-/// Source and sink are in volts, the RF envelope is normalised to 0 .. 0.2, the time axis is in
-/// seconds. An edge that does not come lies at index n; an instant that the axis does not hold is
-/// computed from the index for the oscilloscope type.
+/// Find the edges in a record of n samples and compute the delays. The source edge is where the
+/// source rises above its first sample. The RF edge is the first of eight RF samples in a row above
+/// a threshold, from the source edge on. The sink edge is where the sink reaches its level. Source
+/// and sink are in volts, the RF envelope is normalised to 0 .. 0.2, the time axis is in seconds.
+/// A missing edge counts as index n. Where the axis has no value for an index, the instant is
+/// computed for the oscilloscope type.
 Delays computeDelays(int n, const QVector<double> &source, const QVector<double> &rf,
                      const QVector<double> &sink, const QVector<double> &time,
                      OscilloscopeType type);

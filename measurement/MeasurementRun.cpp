@@ -2,8 +2,7 @@
 
 #include "instrument/CommandChain.h"
 #include "instrument/InstrumentIo.h"
-#include "measurement/RfEnvelope.h"
-#include "measurement/TimeAxis.h"
+#include "measurement/DelayComputation.h"
 #include "measurement/TraceFile.h"
 #include "measurement/WaveformTransfer.h"
 
@@ -46,11 +45,11 @@ void acquireLpa4004(const SeriesSettings &settings, Record *record)
         "FORM REAL,32;*OPC?\n",
         "*TRG;*OPC?\n",
     };
-    sendOrStopAndIgnore(settings.oscilloscope, {"SING;*OPC?\n"});
+    sendIgnoringFailure(settings.oscilloscope, {"SING;*OPC?\n"});
     if (sendOrStop(settings.oscilloscope, takeRecord) == VI_SUCCESS &&
         fetchSource(settings.oscilloscope, record)) {
-        // As many points in the analyzer's trace as in the record.
-        sendOrStopAndIgnore(settings.spectrumAnalyzer,
+        // The analyzer's trace gets as many points as the record.
+        sendIgnoringFailure(settings.spectrumAnalyzer,
                             {"SWE:POIN " + QString::number(record->samples) + ";*OPC?\n"});
     }
 }
@@ -71,8 +70,8 @@ void acquire(const SeriesSettings &settings, Record *record)
     }
 }
 
-/// Without any sample there is nothing to reject: an oscilloscope that never answered must not
-/// keep the run waiting for a better record.
+/// An empty trace is accepted: otherwise an oscilloscope that never answered would keep the run in
+/// its loop for ever.
 bool isPlausible(const QVector<double> &source)
 {
     return source.isEmpty() || (source[0] > lowestStart && source[0] < highestStart);
@@ -88,7 +87,7 @@ void fetchRf(const SeriesSettings &settings, Record *record)
     }
 }
 
-/// Read the HDMI delay in milliseconds, once the video analyzer says that it has one.
+/// Read the HDMI delay in milliseconds, if the video analyzer reports that it has one.
 void readHdmiDelay(ViSession videoAnalyzer, double *delay)
 {
     int state = 0;
@@ -104,16 +103,16 @@ void release(const SeriesSettings &settings)
 {
     switch (settings.oscilloscopeType) {
     case OscilloscopeType::Kvx:
-        sendOrStopAndIgnore(settings.oscilloscope, {"RUNC;*OPC?\n"});
+        sendIgnoringFailure(settings.oscilloscope, {"RUNC;*OPC?\n"});
         break;
     case OscilloscopeType::Lpa4004:
-        sendOrStopAndIgnore(settings.oscilloscope, {"RUN;*OPC?\n"});
+        sendIgnoringFailure(settings.oscilloscope, {"RUN;*OPC?\n"});
         break;
     }
-    sendOrStopAndIgnore(settings.spectrumAnalyzer, {"INIT:CONT ON;*OPC?\n"});
+    sendIgnoringFailure(settings.spectrumAnalyzer, {"INIT:CONT ON;*OPC?\n"});
 }
 
-/// The sum of all values over the count that was asked for: NaN for a count of 0.
+/// Returns the sum of the values divided by the number of measurements: NaN when that is 0.
 double mean(const QVector<double> &values, int count)
 {
     return std::accumulate(values.begin(), values.end(), 0.0) / count;
@@ -121,13 +120,13 @@ double mean(const QVector<double> &values, int count)
 
 int saveSeries(const SeriesSettings &settings, const SeriesResults &results, const Record &record)
 {
-    // In the C locale: other digits than ASCII's make names that other programs do not find.
+    // In the C locale, since other programs look for file names with ASCII digits.
     const QString prefix = settings.filePrefix + QLocale::c().toString(QDateTime::currentDateTime(),
                                                                        "yyyy-MM-dd_hh-mm-ss_");
     if (!writeResults(prefix + "Results.txt", results)) {
         return -1;
     }
-    // Every set holds the last measurement's traces; only the numbers follow the count.
+    // All sets hold the traces of the last measurement: those of the others are not kept.
     for (int i = 0; i < settings.count; ++i) {
         const QString set = prefix + QString("%1").arg(i + 1, 3, 10, QChar('0'));
         saveTrace(set + "_src.bin", record.source, record.samples);

@@ -1,43 +1,32 @@
 #pragma once
 
-#include "instrument/OscilloscopeType.h"
-#include "measurement/DelayComputation.h"
+#include "measurement/Record.h"
 #include "measurement/ResultsFile.h"
 #include "visa/VisaTypes.h"
 
 #include <QString>
-#include <QVector>
 
-/// What a series is run with; the three instruments are set up before.
+/// The settings of a series. The instruments are set up already.
 struct SeriesSettings
 {
     ViSession oscilloscope = 0;
     ViSession spectrumAnalyzer = 0;
     ViSession videoAnalyzer = 0;
     OscilloscopeType oscilloscopeType = OscilloscopeType::Kvx;
-    bool rfFromOscilloscope = false; ///< RF is channel 3, else the analyzer's own trace
-    bool measureHdmi = false;        ///< ask the video analyzer, too
+    bool rfFromOscilloscope = false; ///< from channel 3, otherwise from the analyzer's own trace
+    bool measureHdmi = false;        ///< read the delay that the video analyzer measures
     int count = 0;                   ///< measurements; none when not positive
     bool save = false;               ///< write the results and traces
-    QString filePrefix;              ///< the files' names are appended as they are
+    QString filePrefix;              ///< start of all file names, without a separator
 };
 
-/// What one series leaves to the next: the last record, and the time axes of all.
-struct Record
-{
-    QVector<double> source; ///< volts
-    QVector<double> rf;     ///< normalised to 0 .. 0.2
-    QVector<double> sink;   ///< volts
-    QVector<double> time;   ///< seconds; one axis more for every record attempted
-    int samples = 0;        ///< of one record; only so many values of the above count
-    Instants instants;      ///< of its edges
-};
-
-/// Run a series of measurements, from the record that the last one left, into that record and the
-/// results: the delays of each measurement and their means.
+/// Run a series of measurements. *record is the record that the last series left, and is replaced
+/// by the last one of this series. *results receives the delays of each measurement and their
+/// means.
 ///
-/// An exchange that fails ends its acquisition, and the measurement goes on with the traces that
-/// there are. A record whose source starts implausibly is taken again, as often as it takes.
+/// When an exchange fails, the rest of its acquisition is left out and the measurement goes on with
+/// the traces that are there. A record whose source starts implausibly is taken again, without a
+/// limit.
 ///
 /// Returns 0, or -1 when the results file cannot be written; then no trace file is written either.
 int runSeries(const SeriesSettings &settings, Record *record, SeriesResults *results);

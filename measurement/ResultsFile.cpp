@@ -22,22 +22,41 @@ QString paragraph(const QString &name, const DelaySeries &series)
 
 constexpr qint64 largestFile = 1 << 30; // bytes: some 40 million measurements
 
-/// The whole of a file; nothing and the reason if it is none that holds results.
-QByteArray readWhole(const QString &fileName, QString *reason)
+/// Returns why a file cannot hold results; an empty text when it can.
+QString whyNoResults(const QFileInfo &info)
 {
-    const QFileInfo info(fileName);
-    QFile file(fileName);
-    *reason = !info.exists()                ? "does not exist"
-              : info.isDir()                ? "is a folder"
-              : !info.isFile()              ? "is not an ordinary file" // reading might never end
-              : info.size() == 0            ? "is empty"
-              : info.size() > largestFile   ? "is larger than any results file"
-              : !file.open(QFile::ReadOnly) ? "cannot be read: " + file.errorString()
-                                            : QString();
-    return reason->isEmpty() ? file.readAll() : QByteArray();
+    if (!info.exists()) {
+        return "does not exist";
+    }
+    if (info.isDir()) {
+        return "is a folder";
+    }
+    if (!info.isFile()) {
+        return "is not an ordinary file"; // reading might never end
+    }
+    if (info.size() == 0) {
+        return "is empty";
+    }
+    return info.size() > largestFile ? "is larger than any results file" : "";
 }
 
-/// Read numbers, each after one blank. Returns false and what stands there instead.
+/// Read a whole file. Returns false and a reason when it cannot hold results or cannot be opened.
+bool readWhole(const QString &fileName, QByteArray *text, QString *reason)
+{
+    *reason = whyNoResults(QFileInfo(fileName));
+    if (!reason->isEmpty()) {
+        return false;
+    }
+    QFile file(fileName);
+    if (!file.open(QFile::ReadOnly)) {
+        *reason = "cannot be read: " + file.errorString();
+        return false;
+    }
+    *text = file.readAll();
+    return true;
+}
+
+/// Read numbers, each after one blank. Returns false and a reason when something else is there.
 bool readNumbers(const QByteArray &text, QVector<double> *numbers, QString *reason)
 {
     for (int start = 0; start < text.size();) {
@@ -56,11 +75,12 @@ bool readNumbers(const QByteArray &text, QVector<double> *numbers, QString *reas
     return true;
 }
 
-/// Whether this can be the mean, to the six digits that both have.
+/// Returns whether a number can be the mean of the values, when all have six digits.
 bool isMean(double mean, const QVector<double> &values)
 {
     constexpr double rounding = 5e-6;
-    constexpr double summable = 1e300; // greater ones may overflow here, or where they were summed
+    constexpr double summable =
+        1e300; // larger sums may overflow, here or in the program that wrote the file
     double sum = 0.0;
     double magnitude = 0.0;
     for (const double value : values) {
@@ -78,15 +98,15 @@ bool isMean(double mean, const QVector<double> &values)
 
 bool readResults(const QString &fileName, SeriesResults *results, QString *reason)
 {
-    const QByteArray text = readWhole(fileName, reason);
-    if (!reason->isEmpty()) {
+    QByteArray text;
+    if (!readWhole(fileName, &text, reason)) {
         return false;
     }
     if (!text.startsWith("Source2RF Delay:")) {
         *reason = "is not a results file: it does not begin with \"Source2RF Delay:\"";
         return false;
     }
-    // Editors end the last line, too.
+    // writeResults() does not end the last line, but editors do.
     const int lineCount = text.count('\n') + (text.endsWith('\n') ? 0 : 1);
     if (lineCount != 6) {
         *reason = QString(lineCount < 6 ? "is cut off: it has %1 of 6 lines"
@@ -135,7 +155,7 @@ bool readResults(const QString &fileName, SeriesResults *results, QString *reaso
 
 bool writeResults(const QString &fileName, const SeriesResults &results)
 {
-    QSaveFile file(fileName); // a file that cannot be written whole is none
+    QSaveFile file(fileName); // leaves no file that is not complete
     if (!file.open(QIODevice::WriteOnly)) {
         return false;
     }
@@ -143,7 +163,7 @@ bool writeResults(const QString &fileName, const SeriesResults &results)
                          paragraph("Source2HD", results.sourceToHdmi) + '\n' +
                          paragraph("Source2Snk", results.sourceToSink);
     const QByteArray bytes = text.toUtf8();
-    if (file.write(bytes) != bytes.size() || !file.flush()) { // neither is noticed by commit()
+    if (file.write(bytes) != bytes.size() || !file.flush()) { // commit() notices neither
         file.cancelWriting();
     }
     return file.commit();

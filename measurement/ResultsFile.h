@@ -18,9 +18,9 @@ struct SeriesResults
     DelaySeries sourceToSink;
 };
 
-/// Read what writeResults() wrote. Returns false on what is not such a file, and a reason that
-/// continues a sentence about the file, as "is a folder"; the results are then left alone. Numbers
-/// come back with the six digits that were written.
+/// Read a file that writeResults() wrote. Numbers have the six digits that are in the file. Returns
+/// false when it is not such a file; the results are then unchanged, and *reason is the rest of a
+/// sentence about the file, such as "is a folder".
 bool readResults(const QString &fileName, SeriesResults *results, QString *reason);
 
 /// Write the results as UTF-8 text: for RF, HDMI and sink a line with the delays and a line with

@@ -1,6 +1,6 @@
 #include "measurement/TraceFile.h"
 
-#include "measurement/VectorCapacity.h"
+#include "measurement/Record.h"
 
 #include <QFile>
 
@@ -19,7 +19,7 @@ int saveTrace(const QString &fileName, const QVector<double> &trace, int count)
     const qint64 size = qBound(0, count, trace.size()) * sampleSize;
     if (file.write(reinterpret_cast<const char *>(trace.constData()), size) != size ||
         !file.flush()) {
-        file.remove(); // half a trace looks like a whole one
+        file.remove(); // nothing in it would show that it is not complete
         return -1;
     }
     return 0;

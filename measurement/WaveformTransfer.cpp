@@ -2,19 +2,74 @@
 
 #include "instrument/InstrumentIo.h"
 #include "instrument/NumberText.h"
-#include "measurement/TransferFile.h"
 
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QVarLengthArray>
+
+#include <algorithm>
 #include <array>
-#include <cstring>
 #include <optional>
+#ifdef Q_OS_LINUX
+#include <sys/mman.h>
+#endif
 
 namespace {
 
-/// Room for the terminator that follows the block's data.
+/// The file of one transfer: viReadToFile() writes it by its name, and the program reads it. Where
+/// the system has files in memory, it is one of them. Otherwise it lies in a temporary folder. It
+/// is removed with the object.
+class TransferFile
+{
+public:
+    TransferFile()
+    {
+        if (!openInMemory()) {
+            file.close();
+            directory.emplace();
+            path = directory->isValid() ? directory->filePath("Trace.tmp") : QString();
+            file.setFileName(path);
+        }
+    }
+
+    /// Returns the file's name; empty when no file can be made.
+    [[nodiscard]] QString name() const { return path; }
+
+    /// Returns the device to read from; it has no bytes when the file cannot be opened.
+    [[nodiscard]] QIODevice &contents()
+    {
+        if (!file.isOpen()) {
+            file.open(unbuffered);
+        }
+        return file;
+    }
+
+private:
+    static constexpr QIODevice::OpenMode unbuffered = QIODevice::ReadOnly | QIODevice::Unbuffered;
+
+    bool openInMemory()
+    {
+#ifdef Q_OS_LINUX
+        static const QString descriptors = "/proc/self/fd/";
+        static const bool haveNames = QFileInfo::exists(descriptors);
+        const int descriptor = haveNames ? memfd_create("Trace.tmp", MFD_CLOEXEC) : -1;
+        path = descriptors + QString::number(descriptor);
+        return descriptor >= 0 && file.open(descriptor, unbuffered, QFileDevice::AutoCloseHandle);
+#else
+        return false;
+#endif
+    }
+
+    std::optional<QTemporaryDir> directory;
+    QString path;
+    QFile file;
+};
+
+/// Bytes to read beyond the block's data, for the terminator.
 constexpr ViUInt32 terminatorRoom = 10;
 
-/// Read the header of a definite-length block: '#', a digit n, n digits. Returns the length of the
-/// data in bytes, which is the number that came of those digits; 0 when none did.
+/// Read the header of a definite-length block: '#', a digit n, n digits. Returns the number of data
+/// bytes that it announces, 0 when there are no digits; nothing when there is no header.
 std::optional<ViUInt32> readBlockHeader(ViSession session)
 {
     std::array<unsigned char, 100> buffer{};
@@ -22,7 +77,7 @@ std::optional<ViUInt32> readBlockHeader(ViSession session)
     if (iaRead(session, buffer.data(), 2, &count) < 0 || count < 2 || buffer[0] != '#') {
         return std::nullopt;
     }
-    // Other characters than digits ask for as little and as much as there is room for.
+    // The character may be none of the digits; the buffer's size is the limit.
     const int digits = qBound(0, buffer[1] - '0', static_cast<int>(buffer.size()) - 1);
     count = 0;
     if (iaRead(session, buffer.data(), static_cast<ViUInt32>(digits), &count) < 0) {
@@ -33,11 +88,26 @@ std::optional<ViUInt32> readBlockHeader(ViSession session)
         qMax(0, leadingInteger(reinterpret_cast<const char *>(buffer.data()))));
 }
 
+/// Replace a trace by the 32-bit floats in the first bytes of a device, or in all that it has.
+void readSamples(QIODevice &device, qint64 bytes, QVector<double> *trace)
+{
+    constexpr qint64 size = sizeof(float);
+    const qint64 expected = qMin(bytes, device.size()) / size;
+    QVarLengthArray<float, 32768> floats(
+        static_cast<int>(expected)); // usual records fit on the stack
+    const qint64 read = device.read(reinterpret_cast<char *>(floats.data()), expected * size);
+    trace->resize(static_cast<int>(qMax<qint64>(read, 0) / size));
+    std::copy_n(floats.begin(), trace->size(), trace->begin());
+}
+
 } // namespace
 
 bool queryTrace(ViSession session, const QString &command, QVector<double> *trace)
 {
-    return iaPrintf(session, command) == VI_SUCCESS ? readTrace(session, trace) : true;
+    if (iaPrintf(session, command) != VI_SUCCESS) {
+        return true;
+    }
+    return readTrace(session, trace);
 }
 
 bool readTrace(ViSession session, QVector<double> *trace)
@@ -54,16 +124,6 @@ bool readTrace(ViSession session, QVector<double> *trace)
         return false;
     }
 
-    const QByteArray bytes = file.contents();
-    const int samples =
-        static_cast<int>(qMin(*length, static_cast<ViUInt32>(bytes.size())) / sizeof(float));
-    trace->resize(samples);
-    double *output = trace->data();
-    for (int i = 0; i < samples; ++i) {
-        float value = 0.0F;
-        std::memcpy(&value, bytes.constData() + static_cast<std::size_t>(i) * sizeof value,
-                    sizeof value);
-        output[i] = value;
-    }
+    readSamples(file.contents(), *length, trace);
     return true;
 }

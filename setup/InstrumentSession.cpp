@@ -16,5 +16,8 @@ ViStatus reopenSession(ViSession resourceManager, const QString &resource, ViAtt
         *session = 0;
     }
     const ViStatus status = iaOpen(resourceManager, resource, VI_NO_LOCK, openTimeout, session);
-    return status == VI_SUCCESS ? iaSetAttribute(*session, VI_ATTR_TMO_VALUE, ioTimeout) : status;
+    if (status != VI_SUCCESS) {
+        return status;
+    }
+    return iaSetAttribute(*session, VI_ATTR_TMO_VALUE, ioTimeout);
 }

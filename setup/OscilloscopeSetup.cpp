@@ -48,9 +48,9 @@ ViStatus setUpKvx(ViSession session, double triggerLevel, bool rfFromOscilloscop
         status = sendOrFallBack(session, ifChannel);
     }
     if (status != VI_SUCCESS) {
-        return status; // without Go To Local, unlike after failures from here on
+        return status; // without Go To Local; later failures get it
     }
-    sendOrStopAndIgnore(session, timeBase);
+    sendIgnoringFailure(session, timeBase);
     status = sendOrStop(session, triggerAndExport);
     iaGpibControlREN(session, VI_GPIB_REN_ADDRESS_GTL);
     return status;
@@ -101,13 +101,13 @@ ViStatus setUpOscilloscope(ViSession resourceManager, const OscilloscopeSettings
     ViStatus status =
         reopenSession(resourceManager, settings.resource, oscilloscopeTimeout, session);
     if (status == VI_SUCCESS) {
-        // Takes one entry off the error queue and proves the connection.
+        // Removes the oldest entry of the error queue, and shows that the instrument answers.
         status = sendOrStop(*session, {"SYST:ERR?\n"});
     }
     if (status == VI_SUCCESS && settings.reset) {
-        sendOrStopAndIgnore(*session, {"*RST;*OPC?\n"});
+        sendIgnoringFailure(*session, {"*RST;*OPC?\n"});
     }
-    // Attempted whatever happened before: on a session that is none the first command fails.
+    // Sent whatever the status is so far. Without a session the first command fails.
     switch (settings.oscilloscopeType) {
     case OscilloscopeType::Kvx:
         status = setUpKvx(*session, settings.triggerLevel, settings.rfFromOscilloscope);

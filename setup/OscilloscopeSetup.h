@@ -5,7 +5,7 @@
 
 #include <QString>
 
-/// What the operator chooses for the oscilloscope.
+/// The operator's settings for the oscilloscope.
 struct OscilloscopeSettings
 {
     QString resource;   ///< VISA resource string
@@ -17,7 +17,7 @@ struct OscilloscopeSettings
 
 /// Open the oscilloscope and configure its channels, a time base of 1 s (KVx) or 1.2 s (LPA4004)
 /// centred on the trigger, and the trigger on channel 1. The new session is in *session and stays
-/// open after a failure. Returns 0 when the instrument is ready, else the status that ended the
-/// chain.
+/// open after a failure. Returns 0 when the instrument is ready, otherwise the status of the
+/// command that failed.
 [[nodiscard]] ViStatus setUpOscilloscope(ViSession resourceManager,
                                          const OscilloscopeSettings &settings, ViSession *session);

@@ -11,7 +11,7 @@ constexpr ViAttrState spectrumAnalyzerTimeout = 5000; // ms
 constexpr int sweepPoints = 20001;
 constexpr double triggerHoldOff = -0.6; // seconds: the sweep begins before the trigger
 
-/// Open the analyzer and ask who it is; the answer stays empty when it does not say.
+/// Open the analyzer and ask for its identity in upper case; empty when there is no answer.
 QString openAndIdentify(ViSession resourceManager, const QString &resource, ViSession *session)
 {
     QString identity;
@@ -27,9 +27,9 @@ ViStatus setUpSpectrumAnalyzer(ViSession resourceManager, const SpectrumAnalyzer
                                ViSession *session)
 {
     const QString identity = openAndIdentify(resourceManager, settings.resource, session);
-    // The QANX models are named for the reader: the shorter name finds them too.
+    // "QAN" is part of "QANX" already. Both names stand here so that a search finds either.
     if (identity.contains("QAN") || identity.contains("QANX")) {
-        sendOrStopAndIgnore(*session, {"FREQ:MODE SW;*OPC?\n"});
+        sendIgnoringFailure(*session, {"FREQ:MODE SW;*OPC?\n"});
     }
 
     const QStringList zeroSpan = {
@@ -46,24 +46,24 @@ ViStatus setUpSpectrumAnalyzer(ViSession resourceManager, const SpectrumAnalyzer
         "BWID 50e6;*OPC?\n",
         "BWID:VID 20e3;*OPC?\n",
     };
-    // The slope is sent twice on purpose.
+    // The slope is sent a second time deliberately; it has no further effect.
     QStringList triggerAndIfOutput = {
         "TRIG1:HOLD " + numberText(triggerHoldOff) + ";*OPC?\n",
         "TRIG1:SLOP POS;*OPC?\n",
         "TRIG1:SLOP POS;*OPC?\n",
     };
-    if (!identity.contains("QEL")) { // the QEL family is not sent these
+    if (!identity.contains("QEL")) { // that family is set up without its IF output
         triggerAndIfOutput += {
             "OUTP:IF VID;*OPC?\n",
             "OUTP:IF:IFFR 2.0;*OPC?\n",
         };
     }
 
-    sendOrStopAndIgnore(*session, zeroSpan);
+    sendIgnoringFailure(*session, zeroSpan);
     const ViStatus status = sendOrStop(*session, sweepAndBandwidths);
     if (status != VI_SUCCESS) {
         return status;
     }
-    sendOrStopAndIgnore(*session, triggerAndIfOutput);
+    sendIgnoringFailure(*session, triggerAndIfOutput);
     return iaGpibControlREN(*session, VI_GPIB_REN_ADDRESS_GTL);
 }

@@ -5,7 +5,7 @@
 
 #include <QString>
 
-/// What the operator chooses for the spectrum analyzer.
+/// The operator's settings for the spectrum analyzer.
 struct SpectrumAnalyzerSettings
 {
     QString resource;             ///< VISA resource string
@@ -15,9 +15,9 @@ struct SpectrumAnalyzerSettings
 };
 
 /// Open the spectrum analyzer and put it into zero span with an external trigger, wide bandwidths
-/// and, but for the QEL family, the video signal on its IF output. It is never reset. The new
+/// and, except in the QEL family, the video signal on its IF output. It is never reset. The new
 /// session is in *session and stays open after a failure. Returns 0 when the analyzer is ready,
-/// else the status that ended the set-up.
+/// otherwise the status of the step that failed.
 [[nodiscard]] ViStatus setUpSpectrumAnalyzer(ViSession resourceManager,
                                              const SpectrumAnalyzerSettings &settings,
                                              ViSession *session);

@@ -27,9 +27,11 @@ ViStatus setUpVideoAnalyzer(ViSession resourceManager, const VideoAnalyzerSettin
         return status;
     }
     if (settings.reset) {
-        sendOrStopAndIgnore(*session, {"*RST;*OPC?\n"});
+        sendIgnoringFailure(*session, {"*RST;*OPC?\n"});
     }
     status = sendOrStop(*session, delayMeasurement);
-    return status == VI_SUCCESS ? iaGpibControlREN(spectrumAnalyzer, VI_GPIB_REN_ADDRESS_GTL)
-                                : status;
+    if (status != VI_SUCCESS) {
+        return status;
+    }
+    return iaGpibControlREN(spectrumAnalyzer, VI_GPIB_REN_ADDRESS_GTL);
 }

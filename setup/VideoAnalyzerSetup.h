@@ -4,19 +4,19 @@
 
 #include <QString>
 
-/// What the operator chooses for the video analyzer.
+/// The operator's settings for the video analyzer.
 struct VideoAnalyzerSettings
 {
     QString resource;       ///< VISA resource string
     bool reset = false;     ///< reset the instrument first
-    double threshold = 0.0; ///< of the delay measurement, percent
+    double threshold = 0.0; ///< percent, for the delay measurement
 };
 
 /// Open the video analyzer, set the threshold and hysteresis of its HDMI delay measurement and
-/// start it. The last step sends the spectrum analyzer to local and decides the result, so that
-/// the video analyzer is ready only beside an open spectrum analyzer. The new session is in
-/// *session and stays open after a failure. Returns 0 when ready, else the status of the step
-/// that failed.
+/// start it. The last step sends Go To Local to the spectrum analyzer, so the video analyzer
+/// becomes ready only while a spectrum analyzer is open. The new session is in *session and stays
+/// open after a failure. Returns 0 when the video analyzer is ready, otherwise the status of the
+/// step that failed.
 [[nodiscard]] ViStatus setUpVideoAnalyzer(ViSession resourceManager,
                                           const VideoAnalyzerSettings &settings,
                                           ViSession spectrumAnalyzer, ViSession *session);

@@ -1,4 +1,5 @@
 #include "app/graph/Graph.h"
+#include "app/Busy.h"
 #include "app/Globals.h"
 
 #include <QtTest>
@@ -50,6 +51,23 @@ private slots:
         }
         QCOMPARE(delays, QStringList({"2000.000", "", "-95.123"}));
         QCOMPARE(graph.findChild<QWidget *>("Src2Hd")->isEnabled(), VaHdmi);
+    }
+
+    /// Before the work begins the window shows what has changed, and the busy cursor.
+    void busy()
+    {
+        struct : QWidget
+        {
+            bool isPainted = false;
+            void paintEvent(QPaintEvent * /*event*/) override { isPainted = true; }
+        } widget;
+        widget.show();
+        {
+            const Busy busy;
+            QVERIFY(widget.isPainted);
+            QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+        }
+        QVERIFY(QApplication::overrideCursor() == nullptr);
     }
 };
 

@@ -15,8 +15,8 @@ inline auto entryPoints()
                     p_viReadToFile);
 }
 
-/// The way from the program to the VISA library that is bound when it is made. It keeps a
-/// transcript, and fails and answers as the test tells it to.
+/// Stands between the program and the VISA library that is bound when it is made. It keeps a
+/// transcript, and fails and answers as the test says; all else goes on to that library.
 ///
 /// In the transcript an instrument goes by its host name, and a command's "\n" is written out:
 /// "osc open", "osc timeout 5000", "osc < *IDN?\n" (written), "osc >" (read), "osc >file", "osc
@@ -24,11 +24,11 @@ inline auto entryPoints()
 class Line
 {
 public:
-    /// The status that a call has instead of its own, by its entry. After a time-out or a positive
-    /// status the instrument has obeyed; other errors keep the call from it.
+    /// Returns the status of a call instead of its own, by its entry in the transcript. The call is
+    /// made all the same when that is a time-out or positive.
     std::function<ViStatus(const QString &entry)> fails = [](auto &) { return VI_SUCCESS; };
-    /// What comes instead of an instrument's own answer, if anything: messages, none of which a
-    /// read goes beyond.
+    /// Returns what is read instead of the instrument's own answer to a command, if anything. A
+    /// read ends at the end of a message.
     std::function<QByteArrayList(const QByteArray &command)> answer = [](auto &) {
         return QByteArrayList();
     };
@@ -97,6 +97,9 @@ public:
                     return line.real<visa::ReadToFile>()(session, name, count, size);
                 }
                 const auto [status, bytes] = line.take(session, count);
+                if (size != nullptr) {
+                    *size = ViUInt32(bytes.size());
+                }
                 return ::write(QFile::decodeName(name), bytes) ? status : VI_ERROR_FILE_ACCESS;
             });
         };

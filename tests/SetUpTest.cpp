@@ -8,72 +8,21 @@
 
 namespace {
 
-// A group of commands: behind its rule they are separated by "|", without ";*OPC?". The rule says
-// what follows when one of them fails:
-//   ignore    the next group
-//   fallback  the next command; the first that succeeds ends the group
-//   stop      nothing
-//   local     Go To Local
-
-const QStringList kvx = {
-    "ignore SYST:ERR?",
-    "stop ACQ:POIN:AUTO 1|TIM:RANG 1.0|ACQ:POIN 20000|EXP:WAV:RAW ON|CHAN1 ON;STOP|"
-    "SYST:DISP:UPD ON|CHAN1 ON;CHAN1:RANG 0.5|CHAN1:POS -2.0;CHAN1:COUP DC|"
-    "CHAN2 ON;CHAN2:RANG 0.5|CHAN2:POS -2.0;CHAN2:COUP DC",
-    "ignore TIM:SCAL 100e-3;TIM:REF 50;TRIG3:OFFS:LIM 0",
-    "local CHAN3:SCAL 200e-3|CHAN:DIGF:CUT 100e3|CHAN1:BAND B20|TRIG1:LEV1 0.125|TRIG1:MODE NORM|"
-    "TRIG1:ANED:NREJ ON|TRIG1:HOLD:MODE TIME|TRIG1:HOLD:TIME 1.3|TRIG1:OUT:STAT ON|FORM ASC|"
-    "EXP:WAV:INCX OFF|RUN"};
-const char *const ifChannel =
-    "fallback CHAN3 ON;CHAN3:RANG 0.5|CHAN3:POS -3.0;CHAN3:COUP DC|CHAN3:TYPE RMS";
-const QStringList kvxWithReset = {"ignore SYST:ERR?|*RST", kvx[1], ifChannel, kvx[2], kvx[3]};
-const QStringList lpa4004 = {
-    "ignore SYST:ERR?|*RST",
-    "stop TRIG:B:ENAB OFF|TRIG:A:TYPE EDGE|TRIG:A:SOUR CH1|TRIG:A:ENAB ON|TRIG:A:MODE NORM|"
-    "TRIG:A:EDGE:SLOP POS|TRIG:A:EDGE:COUP DC|TRIG:A:EDGE:FILT:LPAS ON|TRIG:A:LEV1 0.125|"
-    "ACQ:WRAT MSAM|TIM:SCAL 0.1|TIM:POS 0.0|TIM:REF 50|CHAN2:STAT ON|CHAN2:SCAL 0.05|"
-    "CHAN2:POS -3.0|CHAN2:COUP DCL|CHAN2:TYPE SAMP|CHAN2:BAND B20|CHAN1:STAT ON|CHAN1:SCAL 0.05|"
-    "CHAN1:POS -3.0|CHAN1:COUP DCL|CHAN1:TYPE SAMP|CHAN1:BAND B20"};
-
-QStringList analyzer(const char *identification, const char *sweepTime, const char *ifOutput)
+/// A set-up of SetUpTranscripts.txt: its heading there, its instrument, and what it does.
+struct SetUp
 {
-    return {identification,
-            "ignore DISP:TRAC:Y:RLEV 0.0|INP1:ATT 0.0|FREQ:CENT 2.437e+09|FREQ:SPAN 0|"
-            "TRIG1:SOUR EXT",
-            QString("stop SWE:TIME ") + sweepTime +
-                "|SWE:POIN 20001|SWE:TYPE SWE;SWE:OPT;BWID:FFT AUTO|BWID 50e6|BWID:VID 20e3",
-            QString("ignore TRIG1:HOLD -0.6|TRIG1:SLOP POS|TRIG1:SLOP POS") + ifOutput};
-}
+    QString name;
+    QString host;
+    QStringList transcript;
+};
 
-const QStringList video = {
-    "ignore *RST",
-    "stop SYST:DISP:UPD ON|CONF:AVDA:TTV:APL:THR 35.5|CONF:AVDA:TTV:APL:HYST 5|INIT:AVDA"};
-
-/// The transcript of a set-up, without what is read, when a command fails by its number and those
-/// before it that have to for it to be sent; and whether the instrument is then ready.
-std::pair<QStringList, bool> play(const QString &host, const QStringList &groups, int failing)
+SetUp setUpOf(const QString &name)
 {
-    const QString fault = " -> 3fff0005";
-    QStringList transcript = {host + " open",
-                              host + " timeout " + (host == "video" ? "10000" : "5000")};
-    int first = 0; // command of the group
-    for (const QString &group : groups) {
-        const QString rule = group.section(' ', 0, 0);
-        const QStringList commands = group.section(' ', 1).split('|');
-        const int last = first + commands.size() - 1;
-        bool failed = false;
-        for (int i = first; i <= last && (i == first || failed == (rule == "fallback")); ++i) {
-            failed = i == failing || (rule == "fallback" && i < failing && failing <= last);
-            const QString &command = commands[i - first];
-            transcript << host + " < " + command + (command.endsWith('?') ? "\\n" : ";*OPC?\\n") +
-                              (failed ? fault : "");
-        }
-        if (failed && rule != "ignore") {
-            return {rule == "local" ? transcript << host + " local" : transcript, false};
-        }
-        first = last + 1;
-    }
-    return {transcript << (host == "video" ? "analyzer local" : host + " local"), true};
+    static const QString text = contents(QFINDTESTDATA("SetUpTranscripts.txt"));
+    const QString section = text.section('[' + name + ": ", 1).section("\n\n", 0, 0);
+    QStringList lines = section.trimmed().split('\n');
+    const QString host = lines.takeFirst().remove(']');
+    return {name, host, lines};
 }
 
 } // namespace
@@ -83,23 +32,32 @@ class SetUpTest : public QObject
     Q_OBJECT
 
     ViSession manager = 0;
+    ViSession spectrumAnalyzer = 0; // the one that the video analyzer sends to local
 
-    /// What a row sets up: whether it is ready then.
-    bool setUp(ViSession spectrumAnalyzer, ViSession *session) const
+    /// Set an instrument up. Returns whether it is ready.
+    bool isReady(const SetUp &which, ViSession *session) const
     {
-        const QString row = QTest::currentDataTag();
-        const QString host = row.section(' ', 0, 0);
-        const QString resource = "TCPIP0::" + host + "::INSTR";
-        const bool reset = row.endsWith("reset");
-        const auto type = host == "scope-kvx" || host == "analyzer-qan" ? OscilloscopeType::Kvx
-                                                                        : OscilloscopeType::Lpa4004;
-        const ViStatus status =
-            host == "video"
-                ? setUpVideoAnalyzer(manager, {resource, reset, 35.5}, spectrumAnalyzer, session)
-            : host.startsWith("scope")
-                ? setUpOscilloscope(manager, {resource, reset, type, 0.125, reset}, session)
-                : setUpSpectrumAnalyzer(manager, {resource, 2.437e9, type}, session);
-        return status == VI_SUCCESS;
+        const QString resource = "TCPIP0::" + which.host + "::INSTR";
+        const bool reset = which.name.contains("reset");
+        const auto type = which.host == "scope-kvx" || which.host == "analyzer-qan"
+                              ? OscilloscopeType::Kvx
+                              : OscilloscopeType::Lpa4004;
+        if (which.host == "video") {
+            return setUpVideoAnalyzer(manager, {resource, reset, 35.5}, spectrumAnalyzer,
+                                      session) == VI_SUCCESS;
+        }
+        if (which.host.startsWith("scope")) {
+            return setUpOscilloscope(manager, {resource, reset, type, 0.125, reset}, session) ==
+                   VI_SUCCESS;
+        }
+        return setUpSpectrumAnalyzer(manager, {resource, 2.437e9, type}, session) == VI_SUCCESS;
+    }
+
+    /// What the line has seen, without reads, the instrument's name and statuses.
+    static QStringList seen(Line &line, const SetUp &which)
+    {
+        QStringList entries = line.takeTranscript().filter(QRegularExpression("[^>]$"));
+        return entries.replaceInStrings(QRegularExpression("^" + which.host + " (< )?| -> .*"), "");
     }
 
 private slots:
@@ -108,73 +66,155 @@ private slots:
         setVisaLibraryPaths({BENCH_LIBRARY});
         QVERIFY(iaVisaDll_Init());
         QCOMPARE(iaOpenDefaultRM(&manager), VI_SUCCESS);
+        iaOpen(manager, "TCPIP0::analyzer::INSTR", VI_NO_LOCK, 10000, &spectrumAnalyzer);
     }
 
-    void setUps_data()
+    void transcript_data()
     {
-        const char *const output = "|OUTP:IF VID|OUTP:IF:IFFR 2.0";
-        QTest::addColumn<QStringList>("groups");
-        QTest::newRow("scope-kvx") << kvx;
-        QTest::newRow("scope-kvx with IF and reset") << kvxWithReset;
-        QTest::newRow("scope with IF and reset") << lpa4004;
-        QTest::newRow("analyzer") << analyzer("ignore *IDN?", "1.2", output);
-        QTest::newRow("analyzer-qan") << analyzer("ignore *IDN?|FREQ:MODE SW", "1", output);
-        QTest::newRow("analyzer-qel") << analyzer("ignore *IDN?", "1.2", "");
-        QTest::newRow("video") << QStringList{video[1]};
-        QTest::newRow("video with reset") << video;
+        QTest::addColumn<QString>("name");
+        for (const char *name :
+             {"KVx", "KVx with reset and IF", "LPA4004 with reset", "analyzer", "QAN analyzer",
+              "QEL analyzer", "video analyzer", "video analyzer with reset"}) {
+            QTest::newRow(name) << QString(name);
+        }
     }
 
-    /// Every chain as a whole, and with each of its commands failing. Then pressed again: the old
-    /// session is closed. Go To Local decides the readiness of both analyzers, and never that of
-    /// the oscilloscope. Where there is no new session, the first command of each chain is tried,
-    /// where its time-out could not be set, the chains run without what needs an answer; but the
-    /// video analyzer gets nothing.
-    void setUps()
+    void transcript()
     {
-        QFETCH(const QStringList, groups);
-        const QString host = QString(QTest::currentDataTag()).section(' ', 0, 0);
-        const bool isScope = host.startsWith("scope");
-        const bool isVideo = host == "video";
+        QFETCH(const QString, name);
+        const SetUp which = setUpOf(name);
         Line line;
-        ViSession analyzer = 0;
-        iaOpen(manager, "TCPIP0::analyzer::INSTR", VI_NO_LOCK, 10000, &analyzer);
-        line.takeTranscript();
+        line.open[spectrumAnalyzer] = "analyzer";
+        ViSession session = 0;
+        QVERIFY(isReady(which, &session));
+        QCOMPARE(seen(line, which), which.transcript);
+        iaClose(session);
+    }
 
-        const int commands = groups.size() + groups.join("").count('|');
-        for (int failing = -1; failing < commands; ++failing) {
-            if (failing == 0 && host.endsWith("qel")) {
-                continue; // nobody knows its family then
-            }
-            const auto [expected, ready] = play(host, groups, failing);
-            line.fails = [&list = expected, i = 0](const QString &entry) mutable {
-                const bool fails = !entry.endsWith(" >") && list.value(i++).contains("->");
+    void failures_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("first"); // of the commands of which one fails
+        QTest::addColumn<QString>("last");
+        QTest::addColumn<QString>("goesOnAt");
+        QTest::addColumn<bool>("ready");
+        const auto row = [](const char *name, const char *setUp, const char *first,
+                            const char *last, const char *goesOnAt, bool ready) {
+            QTest::newRow(name) << setUp << first << last << goesOnAt << ready;
+        };
+        const char *const nothing = "";
+        row("KVx, error query or reset", "KVx with reset and IF", "SYST:ERR", "*RST",
+            "ACQ:POIN:AUTO", true);
+        row("KVx, record and channels", "KVx", "ACQ:POIN:AUTO", "CHAN2:POS", nothing, false);
+        row("KVx, time base", "KVx", "TIM:SCAL", "TIM:SCAL", "CHAN3:SCAL", true);
+        row("KVx, trigger and export", "KVx", "CHAN3:SCAL", "RUN", "local", false);
+        row("LPA4004, reset", "LPA4004 with reset", "*RST", "*RST", "TRIG:B", true);
+        row("LPA4004", "LPA4004 with reset", "TRIG:B", "CHAN1:BAND", nothing, false);
+        row("analyzer, identity", "QAN analyzer", "*IDN", "*IDN", "DISP", true);
+        row("analyzer, mode", "QAN analyzer", "FREQ:MODE", "FREQ:MODE", "DISP", true);
+        row("analyzer, zero span", "analyzer", "DISP", "TRIG1:SOUR", "SWE:TIME", true);
+        row("analyzer, sweep", "analyzer", "SWE:TIME", "BWID:VID", nothing, false);
+        row("analyzer, trigger", "analyzer", "TRIG1:HOLD", "OUTP:IF:IFFR", "local", true);
+        row("video, reset", "video analyzer with reset", "*RST", "*RST", "SYST:DISP", true);
+        row("video", "video analyzer", "SYST:DISP", "INIT:AVDA", nothing, false);
+    }
+
+    /// Each of the commands fails in turn.
+    void failures()
+    {
+        QFETCH(const QString, name);
+        const SetUp which = setUpOf(name);
+        QFETCH(const QString, first);
+        QFETCH(const QString, last);
+        QFETCH(const QString, goesOnAt);
+        QFETCH(const bool, ready);
+        const QStringList &whole = which.transcript;
+        const auto index = [&](const QString &start) {
+            const auto found = std::find_if(whole.begin(), whole.end(), [&](const QString &entry) {
+                return entry.startsWith(start);
+            });
+            return int(found - whole.begin());
+        };
+        const QStringList rest = goesOnAt.isEmpty() ? QStringList() : whole.mid(index(goesOnAt));
+        QVERIFY(index(last) < whole.size());
+        for (int failing = index(first); failing <= index(last); ++failing) {
+            Line line;
+            line.fails = [=, call = 0](const QString &entry) mutable {
+                const bool fails = !entry.endsWith(" >") && call++ == failing;
                 return fails ? VI_SUCCESS_TERM_CHAR : VI_SUCCESS;
             };
+            line.open[spectrumAnalyzer] = "analyzer";
             ViSession session = 0;
-            QCOMPARE(setUp(analyzer, &session), ready);
-            const QRegularExpression notRead("[^>]$");
-            QCOMPARE(line.takeTranscript().filter(notRead).join('\n'), expected.join('\n'));
+            QCOMPARE(isReady(which, &session), ready);
+            QCOMPARE(seen(line, which), whole.mid(0, failing + 1) + rest);
             iaClose(session);
-            line.takeTranscript();
         }
+    }
 
+    void ifChannel_data()
+    {
+        QTest::addColumn<int>("failures");
+        QTest::addColumn<QString>("lastSent");
+        QTest::addColumn<bool>("ready");
+        QTest::newRow("first command fails") << 1 << "CHAN3:POS -3.0;CHAN3:COUP DC;*OPC?\\n"
+                                             << true;
+        QTest::newRow("two commands fail") << 2 << "CHAN3:TYPE RMS;*OPC?\\n" << true;
+        QTest::newRow("all commands fail") << 3 << "CHAN3:TYPE RMS;*OPC?\\n" << false;
+    }
+
+    /// The IF channel's commands are sent until one succeeds.
+    void ifChannel()
+    {
+        QFETCH(const int, failures);
+        QFETCH(const bool, ready);
+        Line line;
+        line.fails = [left = failures](const QString &entry) mutable {
+            return entry.contains("< CHAN3") && left-- > 0 ? VI_ERROR_IO : VI_SUCCESS;
+        };
+        ViSession session = 0;
+        const SetUp which = setUpOf("KVx with reset and IF");
+        QCOMPARE(isReady(which, &session), ready);
+        const QRegularExpression fallback("^CHAN3( ON|:POS|:TYPE)");
+        QTEST(seen(line, which).filter(fallback).last(), "lastSent");
+        iaClose(session);
+    }
+
+    void again_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("readyWithoutLocal");
+        QTest::addColumn<int>("sentWithoutSession");
+        QTest::addColumn<bool>("readyWithoutTimeout");
+        QTest::newRow("oscilloscope") << "LPA4004 with reset" << true << 1 << true;
+        QTest::newRow("analyzer") << "QAN analyzer" << false << 2 << true;
+        QTest::newRow("video analyzer") << "video analyzer with reset" << false << 0 << false;
+    }
+
+    /// Init is pressed again, and something other than a command fails.
+    void again()
+    {
+        QFETCH(const QString, name);
+        const SetUp which = setUpOf(name);
+        Line line;
         ViSession session = 0;
         const auto setUpWithout = [&](const char *what) {
             line.fails = [=](auto &entry) {
                 return entry.contains(what) ? VI_ERROR_NSUP_OPER : VI_SUCCESS;
             };
             line.takeTranscript();
-            return setUp(analyzer, &session);
+            return isReady(which, &session);
         };
-        QCOMPARE(setUpWithout(" local"), isScope);
-        QVERIFY(!setUpWithout(" open") && session == 0);
-        QCOMPARE(line.transcript.first(), host + " close");
-        QCOMPARE(line.transcript.filter("session 0 < ").size(), isVideo ? 0 : isScope ? 1 : 2);
+        QTEST(setUpWithout(" local"), "readyWithoutLocal");
 
-        QCOMPARE(setUpWithout(" timeout"), !isVideo);
-        const QStringList written = line.transcript.filter(" < ");
-        QCOMPARE(written.isEmpty(), isVideo);
-        QVERIFY(written.filter(QRegularExpression("ERR|IDN|RST|FREQ:MODE")).isEmpty());
+        QVERIFY(!setUpWithout(" open"));
+        QCOMPARE(session, 0U);
+        QCOMPARE(line.transcript.first(), which.host + " close");
+        QTEST(line.transcript.filter("session 0 < ").size(), "sentWithoutSession");
+
+        QTEST(setUpWithout(" timeout"), "readyWithoutTimeout");
+        const QRegularExpression needAnAnswer("ERR|IDN|RST|FREQ:MODE");
+        QCOMPARE(line.transcript.filter(needAnAnswer), QStringList());
+        iaClose(session);
     }
 };
 

@@ -21,7 +21,7 @@ may_include() {
     fi
 }
 
-types='visa/VisaTypes\.h' # the standard's, for whoever uses a VISA library
+types='visa/(VisaTypes|StatusText)\.h' # the standard's, for whoever uses a VISA library
 may_include instrument "$types"
 may_include setup "(instrument/.*|$types)"
 may_include measurement "(instrument/.*|$types)"

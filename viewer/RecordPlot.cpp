@@ -1,7 +1,7 @@
 #include "viewer/RecordPlot.h"
 
 #include "analysis/DelayText.h"
-#include "measurement/TimeAxis.h"
+#include "measurement/Record.h"
 #include "viewer/PlotStyle.h"
 #include "viewer/TraceData.h"
 #include "viewer/WrapText.h"

@@ -75,39 +75,10 @@ constexpr ViStatus visaStatus(ViUInt32 pattern)
     return static_cast<ViStatus>(pattern);
 }
 
-// Completion and error codes (VPP-4.3, appendix B).
-constexpr ViStatus VI_SUCCESS = 0;
-constexpr ViStatus VI_SUCCESS_EVENT_DIS = visaStatus(0x3FFF0003);
-constexpr ViStatus VI_SUCCESS_QUEUE_EMPTY = visaStatus(0x3FFF0004);
-constexpr ViStatus VI_SUCCESS_TERM_CHAR = visaStatus(0x3FFF0005);
-constexpr ViStatus VI_SUCCESS_MAX_CNT = visaStatus(0x3FFF0006);
-constexpr ViStatus VI_SUCCESS_NESTED_EXCLUSIVE = visaStatus(0x3FFF009A);
-constexpr ViStatus VI_WARN_NULL_OBJECT = visaStatus(0x3FFF0082);
-constexpr ViStatus VI_WARN_UNKNOWN_STATUS = visaStatus(0x3FFF0085);
-constexpr ViStatus VI_ERROR_SYSTEM_ERROR = visaStatus(0xBFFF0000);
-constexpr ViStatus VI_ERROR_INV_OBJECT = visaStatus(0xBFFF000E);
-constexpr ViStatus VI_ERROR_RSRC_LOCKED = visaStatus(0xBFFF000F);
-constexpr ViStatus VI_ERROR_INV_EXPR = visaStatus(0xBFFF0010);
-constexpr ViStatus VI_ERROR_RSRC_NFOUND = visaStatus(0xBFFF0011);
-constexpr ViStatus VI_ERROR_INV_RSRC_NAME = visaStatus(0xBFFF0012);
-constexpr ViStatus VI_ERROR_INV_ACC_MODE = visaStatus(0xBFFF0013);
-constexpr ViStatus VI_ERROR_TMO = visaStatus(0xBFFF0015);
-constexpr ViStatus VI_ERROR_NSUP_ATTR = visaStatus(0xBFFF001D);
-constexpr ViStatus VI_ERROR_NSUP_ATTR_STATE = visaStatus(0xBFFF001E);
-constexpr ViStatus VI_ERROR_ATTR_READONLY = visaStatus(0xBFFF001F);
-constexpr ViStatus VI_ERROR_INV_LOCK_TYPE = visaStatus(0xBFFF0020);
-constexpr ViStatus VI_ERROR_ALLOC = visaStatus(0xBFFF003C);
-constexpr ViStatus VI_ERROR_INV_MASK = visaStatus(0xBFFF003D);
-constexpr ViStatus VI_ERROR_IO = visaStatus(0xBFFF003E);
-constexpr ViStatus VI_ERROR_NSUP_OPER = visaStatus(0xBFFF0067);
-constexpr ViStatus VI_ERROR_USER_BUF = visaStatus(0xBFFF0071);
-constexpr ViStatus VI_ERROR_INV_PROT = visaStatus(0xBFFF0079);
-constexpr ViStatus VI_ERROR_INV_MODE = visaStatus(0xBFFF0091);
-constexpr ViStatus VI_ERROR_SESN_NLOCKED = visaStatus(0xBFFF009C);
-constexpr ViStatus VI_ERROR_LIBRARY_NFOUND = visaStatus(0xBFFF009E);
-constexpr ViStatus VI_ERROR_FILE_ACCESS = visaStatus(0xBFFF00A1);
-constexpr ViStatus VI_ERROR_FILE_IO = visaStatus(0xBFFF00A2);
-constexpr ViStatus VI_ERROR_CONN_LOST = visaStatus(0xBFFF00A6);
+// Completion and error codes.
+#define VISA_STATUS(name, pattern, text) constexpr ViStatus name = visaStatus(pattern);
+#include "visa/StatusCodes.def"
+#undef VISA_STATUS
 
 // Attributes with the width that viGetAttribute writes (VPP-4.3, appendix A).
 constexpr ViAttr VI_ATTR_RSRC_IMPL_VERSION = 0x3FFF0003; ///< 32 bits: 12 major, 12 minor, 8 patch

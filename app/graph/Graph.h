@@ -9,16 +9,16 @@
 class QwtPlotCurve;
 class Ui_Graph;
 
-/// Colours for the curves of a plot, in order.
+/// Brushes for six curves of a plot, in order. The curves of Graph have colours of their own.
 extern const std::array<QBrush, 6> PenCol;
 
-/// The last record of a series with its edges, and the series' mean delays.
+/// The dialog that shows the last record of a series with its edges, and the mean delays.
 class Graph : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// Draw the program-wide traces, instants and means as they are now.
+    /// Draw the traces, instants and means of app/Globals.h as they are now.
     explicit Graph(QWidget *parent);
     ~Graph() override;
 

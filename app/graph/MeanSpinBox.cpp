@@ -15,7 +15,7 @@ QString MeanSpinBox::textFromValue(double value) const
 
 QValidator::State MeanSpinBox::validate(QString &text, int &position) const
 {
-    // An empty field is complete: else it would be given its last number when it loses the focus.
+    // Otherwise an empty field would get its last number back when it loses the focus.
     return text.isEmpty() && !isNumber ? QValidator::Acceptable
                                        : QDoubleSpinBox::validate(text, position);
 }

@@ -2,8 +2,8 @@
 
 #include <QDoubleSpinBox>
 
-/// A field for a mean delay in milliseconds. It can be typed into, but neither wheel nor keys step
-/// it; a mean that is no number is an empty field.
+/// A field for a mean delay in milliseconds. Text can be typed into it, but neither the mouse wheel
+/// nor the keys step its value. When the mean is not a number, the field is empty.
 class MeanSpinBox : public QDoubleSpinBox
 {
     Q_OBJECT
@@ -11,7 +11,7 @@ class MeanSpinBox : public QDoubleSpinBox
 public:
     using QDoubleSpinBox::QDoubleSpinBox;
 
-    /// Show a mean, within the field's range.
+    /// Show a mean, or the nearest value in the field's range.
     void setMean(double mean);
 
     [[nodiscard]] QString textFromValue(double value) const override;

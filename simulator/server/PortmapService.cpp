@@ -8,7 +8,7 @@ namespace server {
 
 namespace {
 
-constexpr std::size_t callLimit = 1024; // bytes
+constexpr std::size_t requestLimit = 1024; // bytes
 constexpr std::uint32_t nullProcedure = 0;
 constexpr std::uint32_t dumpProcedure = 4;
 
@@ -55,7 +55,7 @@ std::string portmapAnswer(const wire::RpcCall &call, std::uint16_t corePort)
 }
 
 PortmapConnection::PortmapConnection(QTcpSocket *socket, std::uint16_t corePort)
-    : RpcConnection(socket, callLimit), corePort(corePort)
+    : RpcConnection(socket, requestLimit), corePort(corePort)
 {
 }
 

@@ -1,0 +1,30 @@
+#include "instrument/ExchangeLog.h"
+
+#include "visa/StatusText.h"
+
+#include <QDebug>
+
+Q_LOGGING_CATEGORY(exchangeLog, "orvanta.visa", QtWarningMsg)
+
+void CallTimer::log(const char *function, ViObject session, const QByteArray &content,
+                    ViStatus status) const
+{
+    const double milliseconds = static_cast<double>(elapsed.nsecsElapsed()) / 1e6;
+    const QByteArray call = function + (content.isEmpty() ? QByteArray() : ' ' + content);
+    qCDebug(exchangeLog, "%s session %u %s %s %.2f ms",
+            qPrintable(start.toString(Qt::ISODateWithMs)), session, call.constData(),
+            visa::statusName(status).c_str(), milliseconds);
+}
+
+QByteArray readable(const void *bytes, ViUInt32 count)
+{
+    const auto message =
+        QByteArray::fromRawData(static_cast<const char *>(bytes), static_cast<int>(count));
+    const int digits = message.startsWith('#') && count > 2 ? message[1] - '0' : 0;
+    if (digits >= 1 && digits <= 9 && message.size() > 2 + digits) {
+        return message.left(2 + digits) + "... " + QByteArray::number(message.size()) + " bytes";
+    }
+    QString text;
+    QDebug(&text).nospace() << message;
+    return text.toLatin1();
+}
