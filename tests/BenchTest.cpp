@@ -6,7 +6,7 @@
 #include "setup/OscilloscopeSetup.h"
 #include "setup/SpectrumAnalyzerSetup.h"
 #include "setup/VideoAnalyzerSetup.h"
-#include "simulator/server/InProcessBackend.h"
+#include "simulator/InProcessBackend.h"
 #include "visa/VisaFunctions.h"
 
 #include <QtTest>

@@ -1,4 +1,4 @@
-#include "simulator/server/InProcessBackend.h"
+#include "simulator/InProcessBackend.h"
 
 #include "simulator/MessageExchange.h"
 #include "visa/Link.h"
