@@ -6,18 +6,6 @@ namespace simulator {
 
 namespace {
 
-enum class AnalyzerTrigger
-{
-    Immediate,
-    External,
-};
-
-enum class Output
-{
-    Carrier,
-    Video,
-};
-
 const char *identityOf(AnalyzerFamily family)
 {
     switch (family) {
@@ -34,11 +22,10 @@ const char *identityOf(AnalyzerFamily family)
 } // namespace
 
 SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link)
-    : BenchInstrument(identityOf(family), link),
+    : Instrument(identityOf(family)),
+      link(link),
       frequency(add(number("FREQuency:CENTer", 0.0, 40e9, 2.437e9, "HZ"))),
-      triggerSource(add(choice<AnalyzerTrigger>(
-          "TRIGger<1>[:SEQuence]:SOURce",
-          {{"IMMediate", AnalyzerTrigger::Immediate}, {"EXTernal", AnalyzerTrigger::External}}))),
+      triggerSource(add(choice("TRIGger<1>[:SEQuence]:SOURce", {"IMMediate", "EXTernal"}))),
       holdOff(add(number("TRIGger<1>[:SEQuence]:HOLDoff[:TIME]", -10.0, 30.0, 0.0, "S"))),
       sweepTime(add(number("SWEep:TIME", 1e-6, 16000.0, 1.0, "S"))),
       points(add(integer("SWEep:POINts", 101.0, 100001.0, 1001.0))),
@@ -57,8 +44,7 @@ SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link)
         add(choice("FREQuency:MODE", {"CW", "SWeep"}));
     }
     if (family != AnalyzerFamily::Qel) {
-        output = &add(choice<Output>("OUTPut<1>:IF[:SOURce]",
-                                     {{"IF", Output::Carrier}, {"VIDeo", Output::Video}}));
+        output = &add(choice("OUTPut<1>:IF[:SOURce]", {"IF", "VIDeo"}));
         outputFrequency = &add(number("OUTPut<1>:IF:IFFRequency", 0.0, 1e9, 2.0, "HZ"));
     }
     addFormatCommands();
@@ -71,7 +57,7 @@ SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link)
 
 void SpectrumAnalyzer::startSweep()
 {
-    sweep = radioLink().freeSweep();
+    sweep = link.freeSweep();
     setDuration(sweepTime.value());
 }
 
@@ -84,8 +70,7 @@ Receiver SpectrumAnalyzer::receiver() const
 void SpectrumAnalyzer::messageExecuted()
 {
     if (output != nullptr) {
-        radioLink().connect(
-            {output->is(Output::Video) ? Signal::Video : Signal::Carrier, receiver()});
+        link.connect({output->is("VIDeo") ? Signal::Video : Signal::Carrier, receiver()});
     }
 }
 
@@ -104,11 +89,11 @@ Error SpectrumAnalyzer::answerTrace(const Call &call, std::string *answer)
         }
     }
 
-    const bool isTriggered = triggerSource.is(AnalyzerTrigger::External);
+    const bool isTriggered = triggerSource.is("EXTernal");
     if (!isTriggered && continuous.isOn()) {
         startSweep();
     }
-    const RadioLinkEvent &shown = isTriggered ? radioLink().lastRecord() : sweep;
+    const RadioLinkEvent &shown = isTriggered ? link.lastRecord() : sweep;
     std::vector<float> samples =
         shown.trace(Signal::RfPower,
                     {isTriggered ? holdOff.value() : 0.0, sweepTime.value(),

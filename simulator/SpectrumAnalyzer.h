@@ -1,6 +1,7 @@
 #pragma once
 
-#include "simulator/BenchInstrument.h"
+#include "simulator/RadioLink.h"
+#include "simulator/scpi/Instrument.h"
 
 namespace simulator {
 
@@ -15,7 +16,7 @@ enum class AnalyzerFamily
 /// A spectrum analyzer in zero span. Its external trigger comes from the oscilloscopes. All
 /// analyzers share the cable to the oscilloscopes' channel 3; it carries the output of the analyzer
 /// that received the last message.
-class SpectrumAnalyzer : public BenchInstrument
+class SpectrumAnalyzer : public Instrument
 {
 public:
     SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link);
@@ -28,6 +29,7 @@ private:
     [[nodiscard]] Receiver receiver() const;
     Error answerTrace(const Call &call, std::string *answer);
 
+    RadioLink &link;
     Setting &frequency;
     Setting &triggerSource;
     Setting &holdOff;
@@ -36,7 +38,7 @@ private:
     Setting &bandwidth;
     Setting &continuous;
     Setting *output = nullptr;          // null where there is no IF output
-    Setting *outputFrequency = nullptr; // as above
+    Setting *outputFrequency = nullptr; // likewise
     RadioLinkEvent sweep{0, 0.0};       // the last one without an external trigger
 };
 

@@ -56,6 +56,8 @@ public:
 
     /// Add a command by its pattern.
     void onCommand(std::string_view pattern, ParameterCount count, Handler handler);
+    /// Add a query by its pattern, without the question mark.
+    void onQuery(std::string_view pattern, ParameterCount count, Handler handler);
 
     /// Returns how many seconds the record or sweep lasts that was started since the last call; 0
     /// when there was none. Here it is complete at once; the caller may let its clients wait.
@@ -66,8 +68,6 @@ protected:
     Setting &add(Setting setting);
     /// Add a command and a query whose parameter and answer are factor times a setting's value.
     void addMultiple(std::string_view pattern, Setting &setting, double factor);
-    /// Add a query by its pattern, without the question mark.
-    void onQuery(std::string_view pattern, ParameterCount count, Handler handler);
     /// Add a command that takes no parameters and cannot fail.
     void onAction(std::string_view pattern, const std::function<void()> &action);
     /// Add a query that takes no parameters and cannot fail.
