@@ -70,7 +70,7 @@ public:
         outcome.count = part->bytes.size();
         if (part->isLast) {
             outcome.end = visa::ReadEnd::End;
-        } else if (termination && buffer[outcome.count - 1] == *termination) {
+        } else if (part->isTerminated) {
             outcome.end = visa::ReadEnd::TerminationCharacter;
         }
         return outcome;

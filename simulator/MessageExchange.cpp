@@ -68,7 +68,7 @@ std::optional<MessageExchange::Part> MessageExchange::read(std::size_t count,
         bytes = bytes.substr(0, std::min(bytes.find(*termination), bytes.size() - 1) + 1);
     }
     outputRead += bytes.size();
-    return Part{bytes, !hasAnswer()};
+    return Part{bytes, !bytes.empty() && bytes.back() == termination, !hasAnswer()};
 }
 
 void MessageExchange::clear()

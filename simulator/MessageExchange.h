@@ -32,7 +32,8 @@ public:
     struct Part
     {
         std::string_view bytes;
-        bool isLast; ///< nothing of the answer is left
+        bool isTerminated; ///< the last byte is the termination character
+        bool isLast;       ///< nothing of the answer is left
     };
     /// Take up to count bytes of the answer, up to the termination character if there is one.
     /// Nothing while the answer is not ready; nor when there is none, which leaves an error in the

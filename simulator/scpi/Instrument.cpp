@@ -19,26 +19,16 @@ constexpr unsigned masterSummary = 0x40;
 // A bit of the event status register (IEEE 488.2 11.5.1).
 constexpr unsigned operationComplete = 0x01;
 
-/// Split a text at the separators outside quotes (IEEE 488.2 7.7.5).
+/// Split a text at the separators. No command of the bench takes a quoted string, which could hold
+/// one.
 std::vector<std::string_view> split(std::string_view text, char separator)
 {
     std::vector<std::string_view> parts;
-    char quote = 0;
-    std::size_t start = 0;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        const char c = text[at];
-        if (quote != 0) {
-            if (c == quote) {
-                quote = 0;
-            }
-        } else if (c == '"' || c == '\'') {
-            quote = c;
-        } else if (c == separator) {
-            parts.push_back(trimmed(text.substr(start, at - start)));
-            start = at + 1;
-        }
+    for (std::size_t start = 0; start <= text.size();) {
+        const std::size_t end = std::min(text.find(separator, start), text.size());
+        parts.push_back(trimmed(text.substr(start, end - start)));
+        start = end + 1;
     }
-    parts.push_back(trimmed(text.substr(start)));
     return parts;
 }
 
@@ -180,14 +170,12 @@ const Instrument::Command *Instrument::find(std::string_view header, Suffixes *s
 
 Error Instrument::executeUnit(std::string_view unit, std::string *path, std::string *answer)
 {
-    const auto space = std::find_if(unit.begin(), unit.end(), [](char c) {
-        return trimmed({&c, 1}).empty();
-    });
+    const auto space = std::find_if(unit.begin(), unit.end(), isSpace);
     const auto headerSize = static_cast<std::size_t>(space - unit.begin());
-    std::string header(unit.substr(0, headerSize));
+    std::string header = upperCase(unit.substr(0, headerSize));
     Call call{};
-    if (const auto rest = trimmed(unit.substr(headerSize)); !rest.empty()) {
-        call.parameters = split(rest, ',');
+    if (headerSize < unit.size()) { // which is trimmed
+        call.parameters = split(unit.substr(headerSize), ',');
     }
 
     // A header continues from the path of the unit before (SCPI-99 volume 1, 6.2.4). When nothing

@@ -70,10 +70,8 @@ Answer read(const CoreCall &call, MessageExchange &client, Clock::time_point beg
     if (!part) {
         return error(IoTimeout, DeviceRead);
     }
-    const bool isTerminated =
-        termination && !part->bytes.empty() && part->bytes.back() == termination;
     const std::uint32_t reason = (part->isLast ? EndIndicator : 0U) |
-                                 (isTerminated ? TermChar : 0U) |
+                                 (part->isTerminated ? TermChar : 0U) |
                                  (part->bytes.size() == call.requestSize ? RequestCount : 0U);
     return xdrWords({None, reason}) + wire::xdrOpaque(part->bytes);
 }
@@ -171,17 +169,10 @@ Answer CoreChannel::answer(const CoreCall &call, Clock::time_point began)
         return createLink(call, began);
     case DestroyLink:
         return error(links.erase(call.link) == 1 ? None : InvalidLink, DestroyLink);
-    case DeviceWrite:
-    case DeviceRead:
-    case DeviceReadStb:
-    case DeviceTrigger:
-    case DeviceClear:
-    case DeviceRemote:
-    case DeviceLocal:
-    case DeviceLock:
-    case DeviceUnlock:
-        break;
     default:
+        break;
+    }
+    if (call.procedure > DeviceUnlock) {
         return error(NotSupported, call.procedure);
     }
     const auto found = links.find(call.link);

@@ -14,6 +14,8 @@
 #include <csignal>
 #include <sys/resource.h>
 
+Q_DECLARE_METATYPE(OscilloscopeType)
+
 namespace {
 
 /// The instruments of a series on the bench, set up.
@@ -37,7 +39,7 @@ struct Instruments
     }
     ~Instruments() { iaClose(manager); }
 
-    /// What the instruments complain of, by their error queues, which are empty then.
+    /// Returns the errors in the instruments' queues, and empties these.
     QString takeErrors()
     {
         QString text;
@@ -48,6 +50,13 @@ struct Instruments
             }
         }
         return text;
+    }
+    /// Have the next series take three measurements and save them.
+    void saveThree(const QString &filePrefix)
+    {
+        series.count = 3;
+        series.save = true;
+        series.filePrefix = filePrefix;
     }
     int run() { return runSeries(series, &record, &results); }
 
@@ -61,8 +70,8 @@ struct Instruments
 
 } // namespace
 
-/// The program on the bench: its delays against the truth, and places for its files.
-class BenchTest : public QObject
+/// The program measures series on the bench: its delays against the truth, and its files.
+class SeriesOnBenchTest : public QObject
 {
     Q_OBJECT
 
@@ -81,72 +90,81 @@ private slots:
 
     void truth_data()
     {
-        QTest::addColumn<double>("rfLate"); // ms
-        QTest::newRow("analyzer") << 0.0;
-        QTest::newRow("analyzer-qan") << 0.0;
-        QTest::newRow("analyzer-qel") << 100.0; // its sweep begins 0.1 s earlier than a record
+        QTest::addColumn<QString>("analyzer");
+        QTest::addColumn<OscilloscopeType>("oscilloscope");
+        QTest::addColumn<bool>("ifOutput");
+        QTest::addColumn<double>("early"); // ms from the start of the sweep to that of the record
+        QTest::newRow("LPA4004") << "analyzer" << OscilloscopeType::Lpa4004 << false << 0.0;
+        QTest::newRow("KVx, IF output") << "analyzer-qan" << OscilloscopeType::Kvx << true << 0.0;
+        QTest::newRow("KVx, sweep") << "analyzer-qel" << OscilloscopeType::Kvx << false << 100.0;
     }
 
-    /// The program's delays against the instants that only the bench's radio link knows. Each time
-    /// after a series in which a call timed out, or the connection was lost for a while.
+    /// The program's delays agree with the instants that only the bench's radio link knows, also
+    /// after a series in which one call timed out or the connection was lost for 100 calls.
     void truth()
     {
-        QFETCH(const double, rfLate);
-        const QString analyzer = QTest::currentDataTag();
-        Instruments bench(analyzer == "analyzer" ? OscilloscopeType::Lpa4004
-                                                 : OscilloscopeType::Kvx,
-                          analyzer.endsWith("qan"), analyzer);
+        QFETCH(const QString, analyzer);
+        QFETCH(const OscilloscopeType, oscilloscope);
+        QFETCH(const bool, ifOutput);
+        QFETCH(const double, early);
+        Instruments bench(oscilloscope, ifOutput, analyzer);
         const auto openFiles = [] {
             return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System).size();
         };
         const int before = openFiles();
-        double sum = 0.0;
-        constexpr int measurements = 200;
-        for (int i = 0; i < measurements; ++i) {
-            bench.line.fails = [isShort = i % 2 == 0, call = -i / 2](auto &) mutable {
-                const bool befalls = call >= 0 && call < (isShort ? 1 : 100);
-                ++call;
-                return !befalls ? VI_SUCCESS : isShort ? VI_ERROR_TMO : VI_ERROR_CONN_LOST;
+        const auto failFrom = [&](int first, int count, ViStatus status) {
+            bench.line.fails = [=, call = 0](auto &) mutable {
+                const int sinceFirst = call++ - first;
+                return sinceFirst >= 0 && sinceFirst < count ? status : VI_SUCCESS;
             };
+        };
+        double sum = 0.0;
+        constexpr int seriesOfEachFault = 100;
+        for (int i = 0; i < 2 * seriesOfEachFault; ++i) {
+            if (i < seriesOfEachFault) {
+                failFrom(i, 1, VI_ERROR_TMO);
+            } else {
+                failFrom(i - seriesOfEachFault, 100, VI_ERROR_CONN_LOST);
+            }
             QCOMPARE(bench.run(), 0);
-            bench.line.fails = [](auto &) { return VI_SUCCESS; };
+            failFrom(0, 0, VI_SUCCESS);
             QCOMPARE(bench.run(), 0);
             const simulator::TrueInstants &truth = ::bench().radioLink().lastEvent().instants();
             const double rfError =
-                bench.results.sourceToRf.mean - rfLate - (truth.rf - truth.source) * 1000;
+                bench.results.sourceToRf.mean - early - (truth.rf - truth.source) * 1000;
             const double sinkError =
                 bench.results.sourceToSink.mean - (truth.sink - truth.source) * 1000;
             sum += rfError + sinkError;
-            QVERIFY(qAbs(rfError) < 0.5 && qAbs(sinkError) < 0.5);
+            QVERIFY(qAbs(rfError) < 0.5);
+            QVERIFY(qAbs(sinkError) < 0.5);
             QVERIFY(qAbs(bench.results.sourceToHdmi.mean - truth.hdmiDelayMs) < 0.01);
         }
-        QVERIFY(qAbs(sum / measurements) < 0.1);
-        bench.takeErrors(); // that the faults left
-        QVERIFY(bench.run() == 0 && bench.takeErrors().isEmpty());
+        QVERIFY(qAbs(sum) < 0.1 * 2 * seriesOfEachFault);
+        bench.takeErrors(); // of the faults
+        QCOMPARE(bench.run(), 0);
+        QCOMPARE(bench.takeErrors(), QString());
         QCOMPARE(openFiles(), before);
     }
 
     void savedSeries_data()
     {
-        QTest::addColumn<int>("type");
-        QTest::newRow("KVx") << int(OscilloscopeType::Kvx);
-        QTest::newRow("LPA4004") << int(OscilloscopeType::Lpa4004);
+        QTest::addColumn<OscilloscopeType>("oscilloscope");
+        QTest::newRow("KVx") << OscilloscopeType::Kvx;
+        QTest::newRow("LPA4004") << OscilloscopeType::Lpa4004;
     }
 
-    /// A saved series tells of which oscilloscope it is, and comes back as it was measured.
+    /// A saved series says of which oscilloscope it is, and comes back as it was measured.
     void savedSeries()
     {
-        QFETCH(const int, type);
+        QFETCH(const OscilloscopeType, oscilloscope);
         const QTemporaryDir folder;
-        Instruments bench(OscilloscopeType(type), false, "analyzer");
-        bench.series.count = 3;
-        bench.series.save = true;
-        bench.series.filePrefix = folder.filePath("data");
+        Instruments bench(oscilloscope, false, "analyzer");
+        bench.saveThree(folder.filePath("data"));
         QCOMPARE(bench.run(), 0);
         Series series;
         QString reason;
         QVERIFY(openSeries(seriesIn(folder.path()).value(0), &series, &reason));
-        QVERIFY(series.oscilloscope.type == OscilloscopeType(type));
+        QVERIFY(series.oscilloscope.type == oscilloscope);
         QCOMPARE(series.oscilloscope.instants.sink, bench.record.instants.sink);
         QCOMPARE(series.samples, bench.record.samples);
         QCOMPARE(flaggedCount(series), 0);
@@ -158,44 +176,35 @@ private slots:
         }
     }
 
-    void places_data()
+    void filesThatCannotBeWritten_data()
     {
         QTest::addColumn<int>("room"); // bytes in a file
-        QTest::addColumn<QString>("folder");
+        QTest::addColumn<QString>("prefix");
         QTest::addColumn<int>("result");
         QTest::addColumn<int>("files");
-        QTest::newRow("usual") << INT_MAX << "/" << 0 << 10;
-        QTest::newRow("no room for the results") << 50 << "/" << -1 << 0;
-        QTest::newRow("no room for traces") << 60000 << "/" << 0 << 1;
-        QTest::newRow("no folder") << INT_MAX << "/none/" << -1 << 0;
+        QTest::newRow("no room for the results") << 50 << "data" << -1 << 0;
+        QTest::newRow("no room for traces") << 60000 << "data" << 0 << 1;
+        QTest::newRow("no folder") << INT_MAX << "none/data" << -1 << 0;
     }
 
-    /// Places for the files of a series that are full, or are not there.
-    void places()
+    /// Where a file finds no room or no folder, nothing is left of it.
+    void filesThatCannotBeWritten()
     {
         QFETCH(const int, room);
-        QFETCH(const QString, folder);
+        QFETCH(const QString, prefix);
+        const QTemporaryDir folder;
         Instruments bench(OscilloscopeType::Lpa4004, true, "analyzer");
-        const QTemporaryDir results;
-        const QTemporaryDir other;
-        bench.series.count = 3;
-        bench.series.save = true;
-        bench.series.filePrefix = results.path() + folder;
+        bench.saveThree(folder.filePath(prefix));
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{rlim_t(room), RLIM_INFINITY};
         QCOMPARE(setrlimit(RLIMIT_FSIZE, &limit), 0);
-        const int returned = bench.run();
-        SeriesResults many; // more than is written at once
-        many.sourceToRf.values.fill(1.5, 20000);
-        const bool isWhole = writeResults(other.filePath("many"), many);
-        const rlimit usual{RLIM_INFINITY, RLIM_INFINITY};
-        QCOMPARE(setrlimit(RLIMIT_FSIZE, &usual), 0);
-        QCOMPARE(isWhole, room == INT_MAX);
-        QCOMPARE(QDir(other.path()).isEmpty(), room != INT_MAX);
-        QTEST(returned, "result");
-        QTEST(QDir(results.path()).entryList(QDir::Files).size(), "files");
+        const int result = bench.run();
+        const rlimit unlimited{RLIM_INFINITY, RLIM_INFINITY};
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &unlimited), 0);
+        QTEST(result, "result");
+        QTEST(QDir(folder.path()).entryList(QDir::Files).size(), "files");
     }
 };
 
-QTEST_GUILESS_MAIN(BenchTest)
-#include "BenchTest.moc"
+QTEST_GUILESS_MAIN(SeriesOnBenchTest)
+#include "SeriesOnBenchTest.moc"
