@@ -93,6 +93,20 @@ QString listen(QUdpSocket *socket, const QHostAddress &address, quint16 port)
     return {};
 }
 
+/// Returns this machine's IPv4 addresses, those of interfaces without a cable too.
+QList<QNetworkAddressEntry> ownAddresses()
+{
+    QList<QNetworkAddressEntry> addresses;
+    for (const QNetworkInterface &interface : QNetworkInterface::allInterfaces()) {
+        for (const QNetworkAddressEntry &entry : interface.addressEntries()) {
+            if (entry.ip().protocol() == QAbstractSocket::IPv4Protocol) {
+                addresses << entry;
+            }
+        }
+    }
+    return addresses;
+}
+
 /// Returns the addresses by which clients reach a server that listens at an address.
 QList<QHostAddress> reachableAddresses(const QHostAddress &address)
 {
@@ -100,10 +114,8 @@ QList<QHostAddress> reachableAddresses(const QHostAddress &address)
         return {address};
     }
     QList<QHostAddress> addresses;
-    for (const QHostAddress &own : QNetworkInterface::allAddresses()) {
-        if (own.protocol() == QAbstractSocket::IPv4Protocol) {
-            addresses << own;
-        }
+    for (const QNetworkAddressEntry &own : ownAddresses()) {
+        addresses << own.ip();
     }
     return addresses;
 }
@@ -113,11 +125,9 @@ QList<QHostAddress> reachableAddresses(const QHostAddress &address)
 QList<QHostAddress> datagramAddresses(const QHostAddress &address)
 {
     QList<QHostAddress> addresses{address};
-    for (const QNetworkInterface &interface : QNetworkInterface::allInterfaces()) {
-        for (const QNetworkAddressEntry &entry : interface.addressEntries()) {
-            if (entry.ip() == address && !entry.broadcast().isNull()) {
-                addresses << entry.broadcast();
-            }
+    for (const QNetworkAddressEntry &own : ownAddresses()) {
+        if (own.ip() == address && !own.broadcast().isNull()) {
+            addresses << own.broadcast();
         }
     }
     return addresses;
