@@ -87,9 +87,9 @@ Bench::Bench(double timeScale)
     };
     add("scope", std::make_unique<Oscilloscope>(lpa4004Dialect(), link));
     add("scope-kvx", std::make_unique<Oscilloscope>(kvxDialect(), link));
-    add("analyzer", std::make_unique<SpectrumAnalyzer>(AnalyzerFamily::Plain, link));
-    add("analyzer-qan", std::make_unique<SpectrumAnalyzer>(AnalyzerFamily::Qan, link));
-    add("analyzer-qel", std::make_unique<SpectrumAnalyzer>(AnalyzerFamily::Qel, link));
+    add("analyzer", std::make_unique<SpectrumAnalyzer>(spaDialect, link));
+    add("analyzer-qan", std::make_unique<SpectrumAnalyzer>(qanDialect, link));
+    add("analyzer-qel", std::make_unique<SpectrumAnalyzer>(qelDialect, link));
     add("video", std::make_unique<VideoAnalyzer>(link));
 }
 

@@ -13,7 +13,7 @@ namespace {
 using simulator::Clock;
 using simulator::MessageExchange;
 
-/// The bench of the process, on which nothing takes time. Whoever uses it holds the mutex.
+/// The bench of the process, on which nothing takes time. Its users hold the mutex.
 struct SharedBench
 {
     simulator::Bench bench;
@@ -91,7 +91,7 @@ public:
         return use([&] { *statusByte = exchange->statusByte(); });
     }
 
-    /// The instruments have no front panel that remote control would lock.
+    /// Does nothing: the instruments have no front panel that remote control would lock.
     ViStatus controlRemote(ViUInt16 /*mode*/, visa::Deadline /*deadline*/) override
     {
         return use([] {});
@@ -125,7 +125,7 @@ public:
     [[nodiscard]] std::string address() const override { return "127.0.0.1"; }
 
 private:
-    /// Carry out a call, unless the connection is lost or others have locked the device.
+    /// Carry out a call, unless the connection is lost or another client has locked the device.
     template <typename Body>
     ViStatus use(Body body)
     {
@@ -150,7 +150,7 @@ private:
     }
 
     simulator::Device &device;
-    std::optional<MessageExchange> exchange; // none once the connection is lost
+    std::optional<MessageExchange> exchange; // nothing once the connection is lost
 };
 
 class InProcessBackend : public visa::Backend

@@ -2,5 +2,5 @@
 
 #include "simulator/Bench.h"
 
-/// Give access to the bench of this process's VISA sessions; for tests, between their calls.
+/// Returns the bench that this process's VISA sessions use. Tests use it between VISA calls.
 simulator::Bench &bench();

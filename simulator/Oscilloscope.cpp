@@ -127,7 +127,7 @@ Error Oscilloscope::answerRecord(const Call &call, std::string *answer)
     if (!channelState.isOn(channel)) {
         return scpi::settingsConflict;
     }
-    *answer = traceFormat().encode(samples(channel));
+    *answer = traceText(samples(channel));
     return scpi::noError;
 }
 

@@ -4,25 +4,8 @@
 
 namespace simulator {
 
-namespace {
-
-const char *identityOf(AnalyzerFamily family)
-{
-    switch (family) {
-    case AnalyzerFamily::Qan:
-        return "Varnholt,QAN40,100202,1.00";
-    case AnalyzerFamily::Qel:
-        return "Varnholt,QEL8,100203,1.00";
-    case AnalyzerFamily::Plain:
-        break;
-    }
-    return "Varnholt,SPA26,100201,1.00";
-}
-
-} // namespace
-
-SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link)
-    : Instrument(identityOf(family)),
+SpectrumAnalyzer::SpectrumAnalyzer(const AnalyzerDialect &dialect, RadioLink &link)
+    : Instrument(dialect.identity),
       link(link),
       frequency(add(number("FREQuency:CENTer", 0.0, 40e9, 2.437e9, "HZ"))),
       triggerSource(add(choice("TRIGger<1>[:SEQuence]:SOURce", {"IMMediate", "EXTernal"}))),
@@ -40,10 +23,10 @@ SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link)
     add(choice("SWEep:OPTimize", {"AUTO", "DYNamic", "SPEed"}).withOptionalParameter());
     add(choice("BWIDth:FFT", {"AUTO", "WIDE", "NARRow"}));
     add(number("BWIDth:VIDeo", 1.0, 80e6, 3e6, "HZ"));
-    if (family == AnalyzerFamily::Qan) {
+    if (dialect.hasFrequencyMode) {
         add(choice("FREQuency:MODE", {"CW", "SWeep"}));
     }
-    if (family != AnalyzerFamily::Qel) {
+    if (dialect.hasIfOutput) {
         output = &add(choice("OUTPut<1>:IF[:SOURce]", {"IF", "VIDeo"}));
         outputFrequency = &add(number("OUTPut<1>:IF:IFFRequency", 0.0, 1e9, 2.0, "HZ"));
     }
@@ -100,7 +83,7 @@ Error SpectrumAnalyzer::answerTrace(const Call &call, std::string *answer)
                      static_cast<std::size_t>(points.value())},
                     receiver());
     samples.resize(static_cast<std::size_t>(wanted));
-    *answer = traceFormat().encode(samples);
+    *answer = traceText(samples);
     return scpi::noError;
 }
 

@@ -5,13 +5,17 @@
 
 namespace simulator {
 
-/// The families of spectrum analyzers.
-enum class AnalyzerFamily
+/// What distinguishes one family of spectrum analyzers from another.
+struct AnalyzerDialect
 {
-    Plain,
-    Qan, ///< has a frequency mode
-    Qel, ///< has no IF output
+    const char *identity;
+    bool hasFrequencyMode;
+    bool hasIfOutput;
 };
+
+constexpr AnalyzerDialect spaDialect{"Varnholt,SPA26,100201,1.00", false, true};
+constexpr AnalyzerDialect qanDialect{"Varnholt,QAN40,100202,1.00", true, true};
+constexpr AnalyzerDialect qelDialect{"Varnholt,QEL8,100203,1.00", false, false};
 
 /// A spectrum analyzer in zero span. Its external trigger comes from the oscilloscopes. All
 /// analyzers share the cable to the oscilloscopes' channel 3; it carries the output of the analyzer
@@ -19,7 +23,7 @@ enum class AnalyzerFamily
 class SpectrumAnalyzer : public Instrument
 {
 public:
-    SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link);
+    SpectrumAnalyzer(const AnalyzerDialect &dialect, RadioLink &link);
 
 protected:
     void messageExecuted() override;

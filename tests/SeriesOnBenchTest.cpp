@@ -44,9 +44,11 @@ struct Instruments
     {
         QString text;
         for (const QString &host : qAsConst(hosts)) {
-            auto &errors = ::bench().find(host.toStdString())->instrument->errors();
-            while (!errors.isEmpty()) {
-                text += QString::fromStdString(errors.next());
+            auto &instrument = *::bench().find(host.toStdString())->instrument;
+            std::string error = instrument.execute("SYST:ERR?");
+            while (error != "0,\"No error\"\n") {
+                text += QString::fromStdString(error);
+                error = instrument.execute("SYST:ERR?");
             }
         }
         return text;

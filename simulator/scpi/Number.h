@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/scpi/ErrorQueue.h"
+#include "simulator/scpi/Error.h"
 
 #include <string>
 #include <string_view>

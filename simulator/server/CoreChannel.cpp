@@ -19,9 +19,10 @@ namespace {
 
 constexpr std::size_t callLimit = 1 << 20; // bytes
 constexpr std::uint32_t receiveSize = 65536;
-constexpr int clientsPerDevice = 16; // as hardware has them
+constexpr int clientsPerDevice = 16; // real instruments have a similar limit
 
-/// The results of a procedure that failed, whose other words are there, too (VXI-11 1.0, C.1).
+/// Returns the results of a procedure that failed: the error, and 0 for all others (VXI-11 1.0,
+/// C.1).
 std::string error(Error code, std::uint32_t procedure)
 {
     switch (procedure) {
@@ -38,7 +39,8 @@ std::string error(Error code, std::uint32_t procedure)
     }
 }
 
-/// The answer to a call while others have locked the device; nothing when they have not.
+/// Returns the answer to a call while another client has locked the device; nothing when the device
+/// is free.
 std::optional<Answer> answerIfLocked(const CoreCall &call, const Device &device,
                                      const MessageExchange *client, Clock::time_point began)
 {
@@ -98,7 +100,7 @@ Answer answerOn(MessageExchange &client, const CoreCall &call, Clock::time_point
         break;
     case DeviceUnlock:
         return error(client.unlock() ? None : NoLockHeld, DeviceUnlock);
-    default: // DeviceRemote and DeviceLocal: there is no front panel
+    default: // DeviceRemote and DeviceLocal, without effect: there is no front panel
         break;
     }
     return error(None, call.procedure);
@@ -114,7 +116,7 @@ CoreChannel::CoreChannel(QTcpSocket *socket, SharedBench &shared, Devices number
 
 CoreChannel::~CoreChannel()
 {
-    shared.changed.start(); // its locks go
+    shared.changed.start(); // its locks are released
 }
 
 bool CoreChannel::serveNext()
@@ -133,8 +135,8 @@ bool CoreChannel::serveNext()
     return true;
 }
 
-/// Take the next call; one that is none of the core channel's is refused at once. Returns false
-/// when there is no call.
+/// Take the next call. A call that cannot be decoded is refused at once. Returns false when there
+/// is no call.
 bool CoreChannel::takeCall()
 {
     std::optional<std::string> next = takeRecord();
@@ -216,7 +218,7 @@ Answer CoreChannel::createLink(const CoreCall &call, Clock::time_point began)
     if (call.lockDevice) {
         links[id]->lock();
     }
-    const std::uint32_t abortPort = 0; // nothing here takes long enough to be aborted
+    const std::uint32_t abortPort = 0; // there is no abort channel
     return xdrWords({None, id, abortPort, receiveSize});
 }
 

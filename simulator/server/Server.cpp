@@ -45,7 +45,7 @@ void servePortmap(QUdpSocket *receiver, QUdpSocket *sender, quint16 corePort)
     });
 }
 
-/// Returns what may help when nobody can listen at a port.
+/// Returns what may help when listening at a port failed.
 QString advice(quint16 port, QAbstractSocket::SocketError error)
 {
     const QString ownNetwork =
@@ -60,7 +60,7 @@ QString advice(quint16 port, QAbstractSocket::SocketError error)
         return {};
     }
     if (port == wire::portmapperPort) {
-        return "As a rule rpcbind is there: type 'sudo systemctl stop rpcbind.socket "
+        return "It is usually rpcbind that listens there: type 'sudo systemctl stop rpcbind.socket "
                "rpcbind.service' before you start this, or " +
                ownNetwork;
     }

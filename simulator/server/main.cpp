@@ -67,9 +67,10 @@ int main(int argc, char *argv[])
         return 1;
     }
     out << server.resources().join("\n") << "\n"
-        << "Any of them answers BENCH:EVENT? with the truth of the last event.\n";
+        << "Each answers BENCH:EVENT? with the true delays of the last event.\n";
     if (!options->address.isLoopback()) {
-        out << "Whoever reaches the address can use the bench: VXI-11 has neither passwords nor "
+        out << "Anybody who reaches the address can use the bench: VXI-11 has neither passwords "
+               "nor "
                "encryption.\n";
     }
     out.flush();

@@ -42,7 +42,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
             core.requestSize = input.ConsumeIntegral<std::uint32_t>();
             core.terminator = '\n';
             core.lockDevice = input.ConsumeBool();
-            core.data = core.procedure == CreateLink ? "inst0" : bytes;
+            core.data = core.procedure == CreateLink ? std::string_view("inst0") : bytes;
             channel->answer(core, server::Clock::now());
             const auto procedure = input.ConsumeIntegralInRange(0U, 5U);
             server::portmapAnswer({0, {wire::portmapperProgram, 2, procedure}, bytes}, 1);
