@@ -14,17 +14,17 @@ using simulator::Clock;
 using simulator::MessageExchange;
 
 /// The bench of the process, on which nothing takes time. Its users hold the mutex.
-struct SharedBench
+struct ProcessBench
 {
     simulator::Bench bench;
     std::mutex mutex;
     std::condition_variable unlocked;
 };
 
-SharedBench &shared()
+ProcessBench &shared()
 {
     // Never destroyed: other threads may use it until the process has ended.
-    static SharedBench &shared = *new SharedBench;
+    static ProcessBench &shared = *new ProcessBench;
     return shared;
 }
 
