@@ -114,7 +114,7 @@ SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognit
     const QVector<AxisEnds> ends = axisEnds(samples, recognition);
     // Only an RF edge counted from the start of the axis is further than its end.
     const double furthest = ends.last().late + ends.last().tolerance;
-    const bool hdmiUsed = isHdmiUsed(results);
+    const bool hdmiUsed = isMeasured(results, SourceToHdmi);
 
     SeriesFlags flags;
     for (QVector<Flags> &column : flags) {
@@ -148,55 +148,19 @@ SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognit
     return flags;
 }
 
-bool isHdmiUsed(const SeriesResults &results)
-{
-    const QVector<double> &values = results[SourceToHdmi].values;
-    return std::any_of(values.begin(), values.end(), [](double value) { return value != 0.0; });
-}
-
 bool isMeasured(const SeriesResults &results, DelayKind kind)
 {
-    return kind != SourceToHdmi || isHdmiUsed(results);
-}
-
-QVector<Flag> allFlags()
-{
-    return {Flag::EndOfAxis,   Flag::NoSource,    Flag::NothingArrived,
-            Flag::OnTrigger,   Flag::Repeated,    Flag::Stuck,
-            Flag::NoHdmiValue, Flag::NoHdmiEvent, Flag::NotFinite};
-}
-
-QString flagReason(Flag flag)
-{
-    switch (flag) {
-    case Flag::EndOfAxis:
-        return "no edge: the delay lies at the end of the time axis";
-    case Flag::NoSource:
-        return "no source edge: the delay counts from an end of the time axis";
-    case Flag::NothingArrived:
-        return "nothing arrived: both delays are 0, as with empty traces";
-    case Flag::OnTrigger:
-        return "no delay: 0 is written when the RF edge lies on the trigger itself";
-    case Flag::Repeated:
-        return "nothing new arrived: RF and sink are those of the measurement before";
-    case Flag::Stuck:
-        return "stuck: more equal delays in a row than chance brings";
-    case Flag::NoHdmiValue:
-        return "no value from the video analyzer";
-    case Flag::NoHdmiEvent:
-        return "no event at the video analyzer (-230)";
-    case Flag::NotFinite:
-        break;
-    }
-    return "not a finite number, left out of all statistics";
+    const QVector<double> &values = results[kind].values;
+    return kind != SourceToHdmi ||
+           std::any_of(values.begin(), values.end(), [](double value) { return value != 0.0; });
 }
 
 QString flagReasons(Flags flags)
 {
     QStringList reasons;
-    for (const Flag flag : allFlags()) {
+    for (const auto &[flag, reason] : reasonsByFlag) {
         if (flags.testFlag(flag)) {
-            reasons += flagReason(flag);
+            reasons += reason;
         }
     }
     return reasons.join("; ");

@@ -3,6 +3,7 @@
 #include "analysis/Flags.h"
 
 #include <QDateTime>
+#include <QStringList>
 
 /// A saved series, and what its files tell. Traces are not kept: loadRecord() has them.
 struct Series
@@ -28,6 +29,16 @@ void addTraces(Series *series);
 
 /// Open a series with its traces. Returns false and a reason as readResults() does.
 bool openSeries(const QString &fileName, Series *series, QString *reason);
+
+/// Series that were asked for, and a sentence for each file that is none.
+struct LoadedSeries
+{
+    QVector<Series> series;
+    QStringList problems;
+};
+
+/// Open series with their traces; a folder stands for all in it, oldest first.
+LoadedSeries loadSeries(const QStringList &filesAndFolders);
 
 /// Load the traces of a series' last record. Returns false and a sentence when they cannot be read
 /// or are not of one record; those that can be read are there all the same.

@@ -1,9 +1,7 @@
 #include "viewer/ResultsWindow.h"
-#include "analysis/SeriesLoading.h"
 #include "SavedSeries.h"
-#include "viewer/DriftPlot.h"
-#include "viewer/MeasurementText.h"
 #include "viewer/PlotColumn.h"
+#include "viewer/Plots.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -125,7 +123,7 @@ private slots:
         const double x = plot->canvasMap(QwtPlot::xBottom).transform(2);
         QCOMPARE(measurementText(*plot, shown, SourceToRf, {int(x), 2}),
                  QString("2026-03-05 14:07:09\nMeasurement 2: 501 ms\n") +
-                     flagReason(Flag::EndOfAxis));
+                     flagReasons(Flag::EndOfAxis));
         QCOMPARE(measurementText(*plot, shown, SourceToRf, {int(x), 100}), QString());
     }
 

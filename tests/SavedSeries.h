@@ -2,7 +2,6 @@
 
 #include "analysis/Series.h"
 #include "analysis/SeriesFiles.h"
-#include "measurement/MeasurementRun.h"
 #include "measurement/TraceFile.h"
 
 #include <algorithm>

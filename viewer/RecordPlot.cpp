@@ -1,10 +1,9 @@
-#include "viewer/RecordPlot.h"
-
 #include "analysis/DelayText.h"
+#include "analysis/Summary.h"
 #include "measurement/Record.h"
+#include "viewer/Plots.h"
 #include "viewer/PlotStyle.h"
 #include "viewer/TraceData.h"
-#include "viewer/WrapText.h"
 
 #include <qwt_plot.h>
 #include <qwt_plot_curve.h>
@@ -47,24 +46,25 @@ QwtPlot *recordPlot(const Series &series, int columns)
         const char *title;
         const QVector<double> *trace;
         double instant; // seconds
-        QPen pen;
+        QColor colour;  // of Okabe and Ito, Color Universal Design
+        Qt::PenStyle line;
     };
     const Instants &at = series.oscilloscope.instants;
     // The bursts of RF go to the back: they would hide the rest.
-    for (const Row &row :
-         {Row{"RF (scaled)", &record.rf, at.rf, QPen(rfColour, dataWidth, Qt::DotLine)},
-          Row{"Source", &record.source, at.source, QPen(sourceColour, dataWidth, Qt::DashLine)},
-          Row{"Sink", &record.sink, at.sink, QPen(sinkColour, dataWidth, Qt::DashDotLine)}}) {
+    for (const Row &row : {Row{"RF (scaled)", &record.rf, at.rf, {230, 159, 0}, Qt::DotLine},
+                           Row{"Source", &record.source, at.source, Qt::black, Qt::DashLine},
+                           Row{"Sink", &record.sink, at.sink, {0, 114, 178}, Qt::DashDotLine}}) {
         auto *curve = new QwtPlotCurve(
             type ? QString("%1, edge %2 ms")
                        .arg(row.title, delayText(row.instant * milliseconds, interval))
                  : QString(row.title));
-        curve->setPen(row.pen.color(), dataWidth);
+        curve->setPen(row.colour, dataWidth);
         curve->setLegendAttribute(QwtPlotCurve::LegendShowLine);
         curve->setSamples(new TraceData(*row.trace, first, interval, columns));
         curve->attach(plot);
         if (type) {
-            addLine(plot, row.instant * milliseconds, row.pen); // edges are too near for labels
+            // Edges are too near for labels.
+            addLine(plot, row.instant * milliseconds, QPen(row.colour, dataWidth, row.line));
         }
     }
     plot->setAxisScale(QwtPlot::xBottom, first, first + interval * std::max(1, record.samples - 1));
