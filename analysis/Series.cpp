@@ -104,8 +104,7 @@ int flaggedCount(const Series &series)
 {
     int count = 0;
     for (const QVector<Flags> &flags : series.flags) {
-        count += static_cast<int>(
-            std::count_if(flags.begin(), flags.end(), [](Flags value) { return value != 0; }));
+        count += flags.size() - flags.count(Flags());
     }
     return count;
 }

@@ -90,12 +90,9 @@ private slots:
     {
         QTest::addColumn<Values>("second");
         QTest::addColumn<Values>("shares"); // of the second's bins that are not empty
-        const auto row = [](const char *name, const Values &second, const Values &shares) {
-            QTest::newRow(name) << second << shares;
-        };
-        row("all flagged", {501}, {});
-        row("far from the first", {54.1, 54.2, 54.3, 54.2}, {25, 50, 25});
-        row("two humps", {44.1, 44.2, 60.8, 60.9}, {25, 25, 25, 25});
+        QTest::newRow("all flagged") << Values{501} << Values();
+        QTest::newRow("far away") << Values{54.1, 54.2, 54.3, 54.2} << Values{25, 50, 25};
+        QTest::newRow("two humps") << Values{44.1, 44.2, 60.8, 60.9} << Values{25, 25, 25, 25};
     }
     /// Each series keeps its shape, whatever the other one is like.
     void histogram()

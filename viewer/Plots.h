@@ -30,6 +30,6 @@ QwtPlot *histogramPlot(const QVector<Series> &selection, DelayKind kind);
 QwtPlot *cumulativePlot(const QVector<Series> &selection, DelayKind kind);
 
 /// Draw the last record of a series with its three edges, over time or, while the oscilloscope type
-/// is not known, over the number of the sample. What is missing of it is said in the plot. It shows
+/// is not known, over the number of the sample. What is missing of it is said below. It shows
 /// the extremes of so many columns: many on a screen, where a person zooms in.
 QwtPlot *recordPlot(const Series &series, int columns = 4096);

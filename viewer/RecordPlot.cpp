@@ -1,5 +1,4 @@
 #include "analysis/DelayText.h"
-#include "analysis/Summary.h"
 #include "measurement/Record.h"
 #include "viewer/Plots.h"
 #include "viewer/PlotStyle.h"
@@ -7,35 +6,21 @@
 
 #include <qwt_plot.h>
 #include <qwt_plot_curve.h>
-#include <qwt_plot_textlabel.h>
-
-namespace {
-
-/// A text in the corner of the canvas where a record has not begun.
-void addRemark(QwtPlot *plot, const QString &text)
-{
-    constexpr int width = 50;
-    QwtText label(wrapText(text, width), QwtText::PlainText);
-    label.setRenderFlags(Qt::AlignLeft | Qt::AlignTop);
-    label.setFont(plot->font());
-    label.setBackgroundBrush(QColor(255, 255, 255, 220));
-    auto *remark = new QwtPlotTextLabel;
-    remark->setText(label);
-    remark->attach(plot);
-}
-
-} // namespace
 
 QwtPlot *recordPlot(const Series &series, int columns)
 {
     Record record;
     QString problem;
-    const bool isLoaded = loadRecord(series.fileName, &record, &problem) && record.samples > 1;
+    loadRecord(series.fileName, &record, &problem);
     const auto type = series.oscilloscope.type;
     QwtPlot *plot = makePlot(type ? "Time / ms" : "Sample", "Voltage / V");
-    QwtText title(plotNames({series})[0], QwtText::PlainText);
-    title.setFont(plot->font());
-    plot->setTitle(title);
+    const auto label = [plot](const QString &text) {
+        QwtText label(text, QwtText::PlainText);
+        label.setFont(plot->font());
+        return label;
+    };
+    plot->setTitle(label(plotNames({series})[0]));
+    plot->setFooter(label(problem.isEmpty() ? series.oscilloscope.remark : problem));
 
     constexpr double milliseconds = 1000.0;
     const double first = type ? sampleInstant(0, record.samples, *type) * milliseconds : 0.0;
@@ -68,10 +53,5 @@ QwtPlot *recordPlot(const Series &series, int columns)
         }
     }
     plot->setAxisScale(QwtPlot::xBottom, first, first + interval * std::max(1, record.samples - 1));
-    if (!isLoaded) {
-        addRemark(plot, problem.isEmpty() ? "The record is empty." : problem);
-    } else if (!type) {
-        addRemark(plot, series.oscilloscope.remark);
-    }
     return plot;
 }
