@@ -17,6 +17,7 @@ QwtPlot *recordPlot(const Series &series, int columns)
     const auto label = [plot](const QString &text) {
         QwtText label(text, QwtText::PlainText);
         label.setFont(plot->font());
+        label.setRenderFlags(static_cast<int>(Qt::AlignCenter) | Qt::TextWordWrap);
         return label;
     };
     plot->setTitle(label(plotNames({series})[0]));
