@@ -1,7 +1,5 @@
 #include "analysis/Flags.h"
 
-#include "measurement/Record.h"
-
 #include <QStringList>
 
 #include <cmath>
@@ -9,45 +7,36 @@
 namespace {
 
 constexpr double noHdmiEvent = -230.0; // what the video analyzer says without an event
-// How far the source's edge lies from that of the last record, at most, as a share of the record:
-// it is triggered, so only a slow or noisy rise moves it.
-constexpr double sourceTolerance = 0.01;
 
-/// Where delays lie that end at an end of an axis, in milliseconds.
-struct AxisEnds
+/// A time axis, in milliseconds from the trigger in its middle.
+struct Axis
 {
-    double early;
-    double late;
-    double tolerance;
+    double end;
+    double source; ///< instant of the source's edge
+
+    /// How far the source's edge may lie from that of the last record: it is triggered, so only a
+    /// slow or noisy rise moves it. An edge that is missing is one sample beyond the end, too.
+    [[nodiscard]] double tolerance() const { return 0.02 * end; }
+    [[nodiscard]] bool endsAt(double delay) const
+    {
+        return std::abs(std::abs(source + delay) - end) <= tolerance();
+    }
 };
 
-/// The ends of the axis, or of both types' axes while the type is not known, the longer one last.
-QVector<AxisEnds> axisEnds(int samples, const Recognition &recognition)
+/// Returns the axis, or both types' axes while the type is not known, the longer one last.
+QVector<Axis> possibleAxes(const Recognition &recognition)
 {
     constexpr double milliseconds = 1000.0;
-    QVector<AxisEnds> all;
+    const double source = recognition.instants.source * milliseconds;
+    QVector<Axis> axes;
     for (const OscilloscopeType type : {OscilloscopeType::Kvx, OscilloscopeType::Lpa4004}) {
-        if (type != recognition.type.value_or(type)) {
-            continue;
+        if (type == recognition.type.value_or(type)) {
+            const double end = recordSpan(type) / 2 * milliseconds;
+            // Where the last record has no source edge, the trigger must do.
+            axes += {end, std::abs(source) < end ? source : 0.0};
         }
-        const double halfSpan = recordSpan(type) / 2;
-        const double end = samples < 2 ? halfSpan : sampleInstant(samples, samples, type);
-        double source = recognition.instants.source;
-        if (std::abs(source) >= halfSpan) {
-            source = 0.0; // the last record has no source edge; then the trigger must do
-        }
-        all += {(-halfSpan - source) * milliseconds, (end - source) * milliseconds,
-                sourceTolerance * 2 * halfSpan * milliseconds};
     }
-    return all;
-}
-
-bool isAtEnd(double delay, const QVector<AxisEnds> &all)
-{
-    return std::any_of(all.begin(), all.end(), [delay](const AxisEnds &ends) {
-        return std::abs(delay - ends.late) <= ends.tolerance ||
-               std::abs(delay - ends.early) <= ends.tolerance;
-    });
+    return axes;
 }
 
 /// Flag RF and sink where both are those of the measurement before. Where RF or the sink repeats so
@@ -106,14 +95,18 @@ void flagStuck(const QVector<double> &values, QVector<Flags> *flags)
 
 } // namespace
 
-SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognition &recognition)
+SeriesFlags flagDelays(const SeriesResults &results, const Recognition &recognition)
 {
     const QVector<double> &toRf = results[SourceToRf].values;
     const QVector<double> &toHdmi = results[SourceToHdmi].values;
     const QVector<double> &toSink = results[SourceToSink].values;
-    const QVector<AxisEnds> ends = axisEnds(samples, recognition);
+    const QVector<Axis> axes = possibleAxes(recognition);
+    const auto isAtEnd = [&axes](double delay) {
+        return std::any_of(axes.begin(), axes.end(),
+                           [delay](const Axis &axis) { return axis.endsAt(delay); });
+    };
     // Only an RF edge counted from the start of the axis is further than its end.
-    const double furthest = ends.last().late + ends.last().tolerance;
+    const double furthest = axes.last().end - axes.last().source + axes.last().tolerance();
     const bool hdmiUsed = isMeasured(results, SourceToHdmi);
 
     SeriesFlags flags;
@@ -124,8 +117,8 @@ SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognit
         Flags &rf = flags[SourceToRf][i];
         Flags &hdmi = flags[SourceToHdmi][i];
         Flags &sink = flags[SourceToSink][i];
-        rf.setFlag(Flag::EndOfAxis, isAtEnd(toRf[i], ends));
-        sink.setFlag(Flag::EndOfAxis, isAtEnd(toSink[i], ends));
+        rf.setFlag(Flag::EndOfAxis, isAtEnd(toRf[i]));
+        sink.setFlag(Flag::EndOfAxis, isAtEnd(toSink[i]));
         if (toRf[i] == 0.0 && toSink[i] == 0.0) {
             rf |= Flag::NothingArrived;
             sink |= Flag::NothingArrived;

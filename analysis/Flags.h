@@ -39,7 +39,7 @@ using SeriesFlags = EachDelay<QVector<Flags>>;
 
 /// Flag the values of a series. Where the axis ends is known with the type; without it, the ends of
 /// both types' axes count.
-SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognition &recognition);
+SeriesFlags flagDelays(const SeriesResults &results, const Recognition &recognition);
 
 /// Returns whether a delay was measured: without a video analyzer every HDMI delay is 0.
 bool isMeasured(const SeriesResults &results, DelayKind kind);

@@ -17,7 +17,7 @@ bool openResults(const QString &fileName, Series *series, QString *reason)
     }
     opened.fileName = fileName;
     opened.time = seriesTime(fileName);
-    opened.flags = flagDelays(opened.results, opened.samples, opened.oscilloscope);
+    opened.flags = flagDelays(opened.results, opened.oscilloscope);
     *series = opened;
     return true;
 }
@@ -32,7 +32,7 @@ void addTraces(Series *series)
     series->hasReadTraces = true;
     series->samples = record.samples;
     series->oscilloscope = recognition;
-    series->flags = flagDelays(series->results, series->samples, series->oscilloscope);
+    series->flags = flagDelays(series->results, series->oscilloscope);
 }
 
 bool openSeries(const QString &fileName, Series *series, QString *reason)

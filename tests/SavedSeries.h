@@ -53,7 +53,7 @@ inline Series seriesOf(const Values &delays)
     series.hasReadTraces = true;
     series.samples = 10001;
     series.oscilloscope.type = OscilloscopeType::Kvx;
-    series.flags = flagDelays(series.results, series.samples, series.oscilloscope);
+    series.flags = flagDelays(series.results, series.oscilloscope);
     return series;
 }
 
