@@ -1,7 +1,5 @@
 #include "analysis/Flags.h"
 
-#include "measurement/Record.h"
-
 #include <QStringList>
 
 #include <cmath>
@@ -9,45 +7,36 @@
 namespace {
 
 constexpr double noHdmiEvent = -230.0; // what the video analyzer says without an event
-// How far the source's edge lies from that of the last record, at most, as a share of the record:
-// it is triggered, so only a slow or noisy rise moves it.
-constexpr double sourceTolerance = 0.01;
 
-/// Where delays lie that end at an end of an axis, in milliseconds.
-struct AxisEnds
+/// A time axis, in milliseconds from the trigger in its middle.
+struct Axis
 {
-    double early;
-    double late;
-    double tolerance;
+    double end;
+    double source; ///< instant of the source's edge
+
+    /// How far the source's edge may lie from that of the last record: it is triggered, so only a
+    /// slow or noisy rise moves it. An edge that is missing is one sample beyond the end, too.
+    [[nodiscard]] double tolerance() const { return 0.02 * end; }
+    [[nodiscard]] bool endsAt(double delay) const
+    {
+        return std::abs(std::abs(source + delay) - end) <= tolerance();
+    }
 };
 
-/// The ends of the axis, or of both types' axes while the type is not known, the longer one last.
-QVector<AxisEnds> axisEnds(int samples, const Recognition &recognition)
+/// Returns the axis, or both types' axes while the type is not known, the longer one last.
+QVector<Axis> possibleAxes(const Recognition &recognition)
 {
     constexpr double milliseconds = 1000.0;
-    QVector<AxisEnds> all;
+    const double source = recognition.instants.source * milliseconds;
+    QVector<Axis> axes;
     for (const OscilloscopeType type : {OscilloscopeType::Kvx, OscilloscopeType::Lpa4004}) {
-        if (type != recognition.type.value_or(type)) {
-            continue;
+        if (type == recognition.type.value_or(type)) {
+            const double end = recordSpan(type) / 2 * milliseconds;
+            // Where the last record has no source edge, the trigger must do.
+            axes += {end, std::abs(source) < end ? source : 0.0};
         }
-        const double halfSpan = recordSpan(type) / 2;
-        const double end = samples < 2 ? halfSpan : sampleInstant(samples, samples, type);
-        double source = recognition.instants.source;
-        if (std::abs(source) >= halfSpan) {
-            source = 0.0; // the last record has no source edge; then the trigger must do
-        }
-        all += {(-halfSpan - source) * milliseconds, (end - source) * milliseconds,
-                sourceTolerance * 2 * halfSpan * milliseconds};
     }
-    return all;
-}
-
-bool isAtEnd(double delay, const QVector<AxisEnds> &all)
-{
-    return std::any_of(all.begin(), all.end(), [delay](const AxisEnds &ends) {
-        return std::abs(delay - ends.late) <= ends.tolerance ||
-               std::abs(delay - ends.early) <= ends.tolerance;
-    });
+    return axes;
 }
 
 /// Flag RF and sink where both are those of the measurement before. Where RF or the sink repeats so
@@ -73,8 +62,8 @@ void flagRepeated(const QVector<double> &toRf, const QVector<double> &toSink, Se
         return;
     }
     for (const int i : both) {
-        (*flags)[0][i] |= Flag::Repeated;
-        (*flags)[2][i] |= Flag::Repeated;
+        (*flags)[SourceToRf][i] |= Flag::Repeated;
+        (*flags)[SourceToSink][i] |= Flag::Repeated;
     }
 }
 
@@ -106,26 +95,30 @@ void flagStuck(const QVector<double> &values, QVector<Flags> *flags)
 
 } // namespace
 
-SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognition &recognition)
+SeriesFlags flagDelays(const SeriesResults &results, const Recognition &recognition)
 {
-    const QVector<double> &toRf = results.sourceToRf.values;
-    const QVector<double> &toHdmi = results.sourceToHdmi.values;
-    const QVector<double> &toSink = results.sourceToSink.values;
-    const QVector<AxisEnds> ends = axisEnds(samples, recognition);
+    const QVector<double> &toRf = results[SourceToRf].values;
+    const QVector<double> &toHdmi = results[SourceToHdmi].values;
+    const QVector<double> &toSink = results[SourceToSink].values;
+    const QVector<Axis> axes = possibleAxes(recognition);
+    const auto isAtEnd = [&axes](double delay) {
+        return std::any_of(axes.begin(), axes.end(),
+                           [delay](const Axis &axis) { return axis.endsAt(delay); });
+    };
     // Only an RF edge counted from the start of the axis is further than its end.
-    const double furthest = ends.last().late + ends.last().tolerance;
-    const bool hdmiUsed = isHdmiUsed(results);
+    const double furthest = axes.last().end - axes.last().source + axes.last().tolerance();
+    const bool hdmiUsed = isMeasured(results, SourceToHdmi);
 
     SeriesFlags flags;
     for (QVector<Flags> &column : flags) {
         column.resize(toRf.size());
     }
     for (int i = 0; i < toRf.size(); ++i) {
-        Flags &rf = flags[0][i];
-        Flags &hdmi = flags[1][i];
-        Flags &sink = flags[2][i];
-        rf.setFlag(Flag::EndOfAxis, isAtEnd(toRf[i], ends));
-        sink.setFlag(Flag::EndOfAxis, isAtEnd(toSink[i], ends));
+        Flags &rf = flags[SourceToRf][i];
+        Flags &hdmi = flags[SourceToHdmi][i];
+        Flags &sink = flags[SourceToSink][i];
+        rf.setFlag(Flag::EndOfAxis, isAtEnd(toRf[i]));
+        sink.setFlag(Flag::EndOfAxis, isAtEnd(toSink[i]));
         if (toRf[i] == 0.0 && toSink[i] == 0.0) {
             rf |= Flag::NothingArrived;
             sink |= Flag::NothingArrived;
@@ -138,66 +131,29 @@ SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognit
         hdmi.setFlag(Flag::NoHdmiValue, hdmiUsed && toHdmi[i] == 0.0);
         hdmi.setFlag(Flag::NoHdmiEvent, toHdmi[i] == noHdmiEvent);
         for (const DelayKind kind : delayKinds) {
-            flags[static_cast<std::size_t>(kind)][i].setFlag(
-                Flag::NotFinite, !std::isfinite(valuesOf(results, kind)[i]));
+            flags[kind][i].setFlag(Flag::NotFinite, !std::isfinite(results[kind].values[i]));
         }
     }
     flagRepeated(toRf, toSink, &flags);
     for (const DelayKind kind : delayKinds) {
-        flagStuck(valuesOf(results, kind), &flags[static_cast<std::size_t>(kind)]);
+        flagStuck(results[kind].values, &flags[kind]);
     }
     return flags;
 }
 
-bool isHdmiUsed(const SeriesResults &results)
-{
-    const QVector<double> &values = results.sourceToHdmi.values;
-    return std::any_of(values.begin(), values.end(), [](double value) { return value != 0.0; });
-}
-
 bool isMeasured(const SeriesResults &results, DelayKind kind)
 {
-    return kind != DelayKind::Hdmi || isHdmiUsed(results);
-}
-
-QVector<Flag> allFlags()
-{
-    return {Flag::EndOfAxis,   Flag::NoSource,    Flag::NothingArrived,
-            Flag::OnTrigger,   Flag::Repeated,    Flag::Stuck,
-            Flag::NoHdmiValue, Flag::NoHdmiEvent, Flag::NotFinite};
-}
-
-QString flagReason(Flag flag)
-{
-    switch (flag) {
-    case Flag::EndOfAxis:
-        return "no edge: the delay lies at the end of the time axis";
-    case Flag::NoSource:
-        return "no source edge: the delay counts from an end of the time axis";
-    case Flag::NothingArrived:
-        return "nothing arrived: both delays are 0, as with empty traces";
-    case Flag::OnTrigger:
-        return "no delay: 0 is written when the RF edge lies on the trigger itself";
-    case Flag::Repeated:
-        return "nothing new arrived: RF and sink are those of the measurement before";
-    case Flag::Stuck:
-        return "stuck: more equal delays in a row than chance brings";
-    case Flag::NoHdmiValue:
-        return "no value from the video analyzer";
-    case Flag::NoHdmiEvent:
-        return "no event at the video analyzer (-230)";
-    case Flag::NotFinite:
-        break;
-    }
-    return "not a finite number, left out of all statistics";
+    const QVector<double> &values = results[kind].values;
+    return kind != SourceToHdmi ||
+           std::any_of(values.begin(), values.end(), [](double value) { return value != 0.0; });
 }
 
 QString flagReasons(Flags flags)
 {
     QStringList reasons;
-    for (const Flag flag : allFlags()) {
+    for (const auto &[flag, reason] : reasonsByFlag) {
         if (flags.testFlag(flag)) {
-            reasons += flagReason(flag);
+            reasons += reason;
         }
     }
     return reasons.join("; ");

@@ -1,9 +1,10 @@
 #pragma once
 
-#include "analysis/DelayKind.h"
 #include "analysis/TypeRecognition.h"
 
 #include <QFlags>
+
+#include <utility>
 
 /// Why a value may be no delay of the link.
 enum class Flag : unsigned
@@ -21,24 +22,27 @@ enum class Flag : unsigned
 Q_DECLARE_FLAGS(Flags, Flag)
 Q_DECLARE_OPERATORS_FOR_FLAGS(Flags)
 
-/// The flags of each measurement, for each delay by its kind.
-using SeriesFlags = std::array<QVector<Flags>, delayKinds.size()>;
+constexpr std::array<std::pair<Flag, const char *>, 9> reasonsByFlag = {{
+    {Flag::EndOfAxis, "no edge: the delay lies at the end of the time axis"},
+    {Flag::NoSource, "no source edge: the delay counts from an end of the time axis"},
+    {Flag::NothingArrived, "nothing arrived: both delays are 0, as with empty traces"},
+    {Flag::OnTrigger, "no delay: 0 is written when the RF edge lies on the trigger itself"},
+    {Flag::Repeated, "nothing new arrived: RF and sink are those of the measurement before"},
+    {Flag::Stuck, "stuck: more equal delays in a row than chance brings"},
+    {Flag::NoHdmiValue, "no value from the video analyzer"},
+    {Flag::NoHdmiEvent, "no event at the video analyzer (-230)"},
+    {Flag::NotFinite, "not a finite number, left out of all statistics"},
+}};
+
+/// The flags of each measurement.
+using SeriesFlags = EachDelay<QVector<Flags>>;
 
 /// Flag the values of a series. Where the axis ends is known with the type; without it, the ends of
 /// both types' axes count.
-SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognition &recognition);
+SeriesFlags flagDelays(const SeriesResults &results, const Recognition &recognition);
 
-/// Whether the video analyzer took part: without it every HDMI delay is 0.
-bool isHdmiUsed(const SeriesResults &results);
-
-/// Whether a delay was measured.
+/// Returns whether a delay was measured: without a video analyzer every HDMI delay is 0.
 bool isMeasured(const SeriesResults &results, DelayKind kind);
 
-/// List the flags that there are.
-QVector<Flag> allFlags();
-
-/// Give the reason for a flag, as "no edge: ...".
-QString flagReason(Flag flag);
-
-/// Give the reasons for all flags of a value, separated by semicolons.
+/// Returns the reasons for all flags of a value, separated by semicolons.
 QString flagReasons(Flags flags);

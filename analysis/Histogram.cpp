@@ -7,8 +7,6 @@
 
 namespace {
 
-constexpr double mostBins = 500.0;
-
 /// The width of bins that suits values in ascending order.
 double suitableWidth(const QVector<double> &sorted)
 {
@@ -21,43 +19,26 @@ double suitableWidth(const QVector<double> &sorted)
     return sorted.size() < few ? std::min(width, widestForFew) : width;
 }
 
-double leastDistance(const QVector<double> &sorted)
-{
-    double least = 0.0;
-    for (int i = 1; i < sorted.size(); ++i) {
-        const double distance = sorted[i] - sorted[i - 1];
-        if (distance > 0.0 && (least == 0.0 || distance < least)) {
-            least = distance;
-        }
-    }
-    return least;
-}
-
 } // namespace
 
 Bins chooseBins(const QVector<QVector<double>> &series, double interval, double from, double to)
 {
-    QVector<double> all;
+    constexpr double mostBins = 500.0;
+    constexpr double usualInterval = 0.01; // ms: as fine as delays are shown
+    const double unit = interval > 0.0 ? interval : usualInterval;
     double wanted = to - from;
+    bool isEmpty = true;
     for (QVector<double> values : series) {
         if (!values.isEmpty()) {
             std::sort(values.begin(), values.end());
             wanted = std::min(wanted, suitableWidth(values));
-            all += values;
+            isEmpty = false;
         }
     }
-    if (all.isEmpty()) {
+    if (isEmpty) {
         return {};
-    }
-    std::sort(all.begin(), all.end());
-    const double unit = interval > 0.0 ? interval : leastDistance(all);
-    if (!(unit > 0.0)) {
-        return {from - 0.5, 1.0, 1};
     }
     const double least = (to - from) / (mostBins - 1.0);
-    if (!std::isfinite(unit) || !std::isfinite(least / unit)) {
-        return {};
-    }
     double width = unit;
     double next = 2.0 * unit;
     for (int i = 1; width < least || next <= wanted; ++i) {

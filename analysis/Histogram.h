@@ -17,7 +17,7 @@ struct Bins
 /// narrowest of the series: bins that suit all values together would hide how series differ. It is
 /// 1, 2 or 5 times a power of ten of the values' interval (that of sampling, in the values' unit,
 /// ms), and no value lies on an edge: else bins hold more possible values and less by turns, and a
-/// comb appears. With an interval of 0 the least distance of two values stands in for it.
+/// comb appears. An interval of 0 is not known.
 Bins chooseBins(const QVector<QVector<double>> &series, double interval, double from, double to);
 
 /// Count the values below all bins, in each bin, and above all bins.

@@ -13,7 +13,6 @@ struct MedianDifference
     double high = low;
 
     [[nodiscard]] bool hasInterval() const { return low <= high; }
-    [[nodiscard]] bool isShown() const { return low > 0.0 || high < 0.0; }
 };
 
 /// How often the values are drawn anew for the interval.

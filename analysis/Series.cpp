@@ -17,7 +17,7 @@ bool openResults(const QString &fileName, Series *series, QString *reason)
     }
     opened.fileName = fileName;
     opened.time = seriesTime(fileName);
-    opened.flags = flagDelays(opened.results, opened.samples, opened.oscilloscope);
+    opened.flags = flagDelays(opened.results, opened.oscilloscope);
     *series = opened;
     return true;
 }
@@ -32,7 +32,7 @@ void addTraces(Series *series)
     series->hasReadTraces = true;
     series->samples = record.samples;
     series->oscilloscope = recognition;
-    series->flags = flagDelays(series->results, series->samples, series->oscilloscope);
+    series->flags = flagDelays(series->results, series->oscilloscope);
 }
 
 bool openSeries(const QString &fileName, Series *series, QString *reason)
@@ -42,6 +42,33 @@ bool openSeries(const QString &fileName, Series *series, QString *reason)
     }
     addTraces(series);
     return true;
+}
+
+LoadedSeries loadSeries(const QStringList &filesAndFolders)
+{
+    LoadedSeries loaded;
+    QStringList files;
+    for (const QString &name : filesAndFolders) {
+        if (!QFileInfo(name).isDir()) {
+            files += name;
+            continue;
+        }
+        const QStringList inside = seriesIn(name);
+        if (inside.isEmpty()) {
+            loaded.problems += name + " is a folder without results files.";
+        }
+        files += inside;
+    }
+    for (const QString &file : qAsConst(files)) {
+        Series series;
+        QString reason;
+        if (openSeries(file, &series, &reason)) {
+            loaded.series += series;
+        } else {
+            loaded.problems += file + ' ' + reason + '.';
+        }
+    }
+    return loaded;
 }
 
 bool loadRecord(const QString &fileName, Record *record, QString *reason)
@@ -77,8 +104,7 @@ int flaggedCount(const Series &series)
 {
     int count = 0;
     for (const QVector<Flags> &flags : series.flags) {
-        count += static_cast<int>(
-            std::count_if(flags.begin(), flags.end(), [](Flags value) { return value != 0; }));
+        count += flags.size() - flags.count(Flags());
     }
     return count;
 }
@@ -110,8 +136,8 @@ double samplingInterval(const Series &series)
 
 QVector<double> selectValues(const Series &series, DelayKind kind, bool withFlagged)
 {
-    const QVector<double> &values = valuesOf(series.results, kind);
-    const QVector<Flags> &flags = series.flagsOf(kind);
+    const QVector<double> &values = series.results[kind].values;
+    const QVector<Flags> &flags = series.flags[kind];
     QVector<double> selected;
     if (!isMeasured(series.results, kind)) {
         return selected;

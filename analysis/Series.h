@@ -3,6 +3,7 @@
 #include "analysis/Flags.h"
 
 #include <QDateTime>
+#include <QStringList>
 
 /// A saved series, and what its files tell. Traces are not kept: loadRecord() has them.
 struct Series
@@ -15,12 +16,7 @@ struct Series
     Recognition oscilloscope;
     SeriesFlags flags;
 
-    /// The flags of one delay.
-    [[nodiscard]] const QVector<Flags> &flagsOf(DelayKind kind) const
-    {
-        return flags[static_cast<std::size_t>(kind)];
-    }
-    [[nodiscard]] int count() const { return results.sourceToRf.values.size(); }
+    [[nodiscard]] int count() const { return results[SourceToRf].values.size(); }
 };
 
 /// Open a series by its results file alone, which is quick. Returns false and a reason as
@@ -33,6 +29,16 @@ void addTraces(Series *series);
 
 /// Open a series with its traces. Returns false and a reason as readResults() does.
 bool openSeries(const QString &fileName, Series *series, QString *reason);
+
+/// Series that were asked for, and a sentence for each file that is none.
+struct LoadedSeries
+{
+    QVector<Series> series;
+    QStringList problems;
+};
+
+/// Open series with their traces; a folder stands for all in it, oldest first.
+LoadedSeries loadSeries(const QStringList &filesAndFolders);
 
 /// Load the traces of a series' last record. Returns false and a sentence when they cannot be read
 /// or are not of one record; those that can be read are there all the same.

@@ -14,32 +14,25 @@ namespace {
 constexpr int nameWidth = 15;
 constexpr int countWidth = 6;
 constexpr int numberWidth = 9; // with a blank before it
-constexpr int correlationWidth = 7;
 
-QString cell(double value, double step)
+QString tableLine(const QString &name, int width, const QString &count, const QStringList &numbers)
 {
-    return ' ' + delayText(value, step).rightJustified(numberWidth - 1);
-}
-
-QString headingLine()
-{
-    QString line =
-        QString("Delay / ms").leftJustified(nameWidth) + QString("n").rightJustified(countWidth);
-    for (const char *name : {"minimum", "median", "mean", "maximum", "std.dev.", "p-p", "P5", "P95",
-                             "P99", "P95-P50"}) {
-        line += QString(name).rightJustified(numberWidth);
+    QString line = name.leftJustified(width) + count.rightJustified(countWidth);
+    for (const QString &number : numbers) {
+        line += ' ' + number.rightJustified(numberWidth - 1);
     }
-    return line + QString("lag-1").rightJustified(correlationWidth) + '\n';
+    return line;
 }
 
 QString statisticsLine(const QString &name, const Statistics &of, double step)
 {
-    QString line = name.leftJustified(nameWidth) + QString::number(of.n).rightJustified(countWidth);
+    QStringList numbers;
     for (const double value : {of.minimum, of.median, of.mean, of.maximum, of.deviation,
                                of.peakToPeak(), of.p5, of.p95, of.p99, of.p95 - of.median}) {
-        line += cell(value, step);
+        numbers += delayText(value, step);
     }
-    return line + delayText(of.correlation, 0.0).rightJustified(correlationWidth) + '\n';
+    numbers += delayText(of.correlation, 0.0);
+    return tableLine(name, nameWidth, QString::number(of.n), numbers) + '\n';
 }
 
 /// Numbers of measurements, from 1, with ranges: "2, 5-7".
@@ -64,11 +57,10 @@ QString numbersText(const QVector<int> &numbers)
     return parts.join(", ");
 }
 
-QString flagLines(const Series &series, DelayKind kind)
+QString flagLines(const QVector<Flags> &flags, DelayKind kind)
 {
-    const QVector<Flags> &flags = series.flagsOf(kind);
     QString lines;
-    for (const Flag flag : allFlags()) {
+    for (const auto &[flag, reason] : reasonsByFlag) {
         QVector<int> flagged;
         for (int i = 0; i < flags.size(); ++i) {
             if (flags[i].testFlag(flag)) {
@@ -80,7 +72,7 @@ QString flagLines(const Series &series, DelayKind kind)
                          .arg(delayName(kind))
                          .arg(flagged.size())
                          .arg(flags.size())
-                         .arg(flagReason(flag), numbersText(flagged));
+                         .arg(reason, numbersText(flagged));
         }
     }
     return lines;
@@ -148,11 +140,17 @@ QString verdict(const MedianDifference &found, double step)
         return QString("   no interval: that takes %1 values in each series")
             .arg(fewestForInterval);
     }
-    return cell(found.low, step) + " to" + cell(found.high, step) +
-           (found.isShown()
-                ? QString("   difference shown: %1").arg(found.low > 0.0 ? "slower" : "faster")
-                : QString("   no difference shown; one of %1 ms would have been")
-                      .arg(delayText((found.high - found.low) / 2, step)));
+    const QString interval = QString("%1 to%2   ")
+                                 .arg(delayText(found.low, step), numberWidth)
+                                 .arg(delayText(found.high, step), numberWidth);
+    if (found.low > 0.0) {
+        return interval + "difference shown: slower";
+    }
+    if (found.high < 0.0) {
+        return interval + "difference shown: faster";
+    }
+    return interval + QString("no difference shown; one of %1 ms would have been")
+                          .arg(delayText((found.high - found.low) / 2, step));
 }
 
 } // namespace
@@ -162,19 +160,23 @@ QString summarise(const Series &series)
     const double step = samplingInterval(series);
     QString text = QString("%1\nSeries of %2, %3 measurements\n")
                        .arg(series.fileName, seriesName(series), QString::number(series.count())) +
-                   oscilloscopeLine(series) + headingLine();
+                   oscilloscopeLine(series) +
+                   tableLine("Delay / ms", nameWidth, "n",
+                             {"minimum", "median", "mean", "maximum", "std.dev.", "p-p", "P5",
+                              "P95", "P99", "P95-P50", "lag-1"}) +
+                   '\n';
     QString flags;
     for (const DelayKind kind : delayKinds) {
         if (!isMeasured(series.results, kind)) {
             text += delayName(kind).leftJustified(nameWidth) + "  not used: every value is 0\n";
             continue;
         }
-        const QVector<double> all = selectValues(series, kind, true);
-        const QVector<double> unflagged = selectValues(series, kind, false);
-        text += statisticsLine(delayName(kind), computeStatistics(all), step);
-        const QString reasons = flagLines(series, kind);
+        text += statisticsLine(delayName(kind), computeStatistics(selectValues(series, kind, true)),
+                               step);
+        const QString reasons = flagLines(series.flags[kind], kind);
         if (!reasons.isEmpty()) {
-            text += statisticsLine("  unflagged", computeStatistics(unflagged), step);
+            text += statisticsLine("  unflagged",
+                                   computeStatistics(selectValues(series, kind, false)), step);
         }
         flags += reasons;
     }
@@ -191,21 +193,20 @@ QString summariseBriefly(const QVector<Series> &series)
     for (const Series &one : series) {
         width = std::max(width, seriesName(one).size());
     }
-    QString text = heading.leftJustified(width) + QString("n").rightJustified(countWidth);
+    QStringList names;
     for (const DelayKind kind : delayKinds) {
-        text += delayEnd(kind).rightJustified(numberWidth) +
-                QString("P95-P50").rightJustified(numberWidth);
+        names << delayEnd(kind) << "P95-P50";
     }
-    text += "  flags\n";
+    QString text = tableLine(heading, width, "n", names) + "  flags\n";
     for (const Series &one : series) {
-        text += seriesName(one).leftJustified(width) +
-                QString::number(one.count()).rightJustified(countWidth);
+        QStringList numbers;
         for (const DelayKind kind : delayKinds) {
             const Statistics of = computeStatistics(selectValues(one, kind, false));
-            text += cell(of.median, samplingInterval(one)) +
-                    cell(of.p95 - of.median, samplingInterval(one));
+            numbers << delayText(of.median, samplingInterval(one))
+                    << delayText(of.p95 - of.median, samplingInterval(one));
         }
-        text += QString("  %1%2\n")
+        text += tableLine(seriesName(one), width, QString::number(one.count()), numbers) +
+                QString("  %1%2\n")
                     .arg(flaggedCount(one))
                     .arg(one.oscilloscope.contradicts ? ", wrong delays"
                          : one.oscilloscope.type      ? ""
@@ -241,4 +242,40 @@ QString compareSeries(const Series &first, const Series &second)
            QString("Delay / ms").leftJustified(nameWidth) +
            QString("difference").rightJustified(differenceWidth) +
            QString("   95 % interval (bootstrap, %1 resamplings)\n").arg(resamplings) + lines;
+}
+
+QString describeSelection(const QVector<Series> &selection)
+{
+    QStringList parts;
+    if (selection.size() == 2) {
+        parts += compareSeries(selection[0], selection[1]);
+    }
+    for (const Series &series : selection) {
+        parts += summarise(series);
+    }
+    return parts.join('\n');
+}
+
+QString wrapText(const QString &text, int width)
+{
+    QStringList lines;
+    for (QString line : text.split('\n')) {
+        while (line.size() > width) {
+            const int blank = line.lastIndexOf(' ', width);
+            if (blank <= 2) {
+                line = shortenText(line, width);
+                break;
+            }
+            lines += line.left(blank);
+            line = "  " + line.mid(blank + 1);
+        }
+        lines += line;
+    }
+    return lines.join('\n');
+}
+
+QString shortenText(const QString &text, int width)
+{
+    const int half = (width - 3) / 2;
+    return text.size() <= width ? text : text.left(half) + "..." + text.right(width - 3 - half);
 }

@@ -19,8 +19,8 @@ std::optional<Instants> match(const Record &record, const SeriesResults &results
         }
         const Delays delays =
             computeDelays(record.samples, record.source, record.rf, record.sink, axes, type);
-        if (numberText(delays.sourceToRf) == numberText(results.sourceToRf.values.last()) &&
-            numberText(delays.sourceToSink) == numberText(results.sourceToSink.values.last())) {
+        if (numberText(delays.sourceToRf) == numberText(results[SourceToRf].values.last()) &&
+            numberText(delays.sourceToSink) == numberText(results[SourceToSink].values.last())) {
             return delays.instants;
         }
     }
@@ -32,22 +32,24 @@ std::optional<Instants> match(const Record &record, const SeriesResults &results
 Recognition recogniseType(const Record &record, const SeriesResults &results)
 {
     Recognition found;
-    if (results.sourceToRf.values.isEmpty()) {
+    if (results[SourceToRf].values.isEmpty()) {
         found.remark = "The series has no measurements.";
         return found;
     }
-    const auto kvx = match(record, results, OscilloscopeType::Kvx);
-    const auto lpa4004 = match(record, results, OscilloscopeType::Lpa4004);
-    if (kvx && lpa4004) {
+    int matches = 0;
+    for (const OscilloscopeType type : {OscilloscopeType::Kvx, OscilloscopeType::Lpa4004}) {
+        if (const auto instants = match(record, results, type)) {
+            found.type = type;
+            found.instants = *instants;
+            ++matches;
+        }
+    }
+    if (matches > 1) {
+        found.type.reset();
         found.remark = record.samples == 0 ? "The source trace is empty: nothing arrived."
                                            : "Both oscilloscope types give the saved delays.";
-    } else if (kvx) {
-        found.type = OscilloscopeType::Kvx;
-        found.instants = *kvx;
-    } else if (lpa4004) {
-        found.type = OscilloscopeType::Lpa4004;
-        found.instants = *lpa4004;
-    } else {
+    }
+    if (matches == 0) {
         found.contradicts = true;
         found.remark = "The traces give the saved delays with neither oscilloscope type: the type "
                        "or the record length was changed within the session, or a file was changed "

@@ -1,6 +1,9 @@
 #pragma once
 
-#include "measurement/MeasurementRun.h"
+#include "measurement/Record.h"
+#include "measurement/ResultsFile.h"
+
+#include <QString>
 
 #include <optional>
 

@@ -100,7 +100,7 @@ void traceDrawn(benchmark::State &state)
         loadTrace(file.name, &trace, &count);
         const std::unique_ptr<QwtPlot> plot(makePlot("Time / s", "Voltage / V"));
         auto *curve = new QwtPlotCurve;
-        curve->setPen(sourceColour, dataWidth);
+        curve->setPen(Qt::black, dataWidth);
         curve->setSamples(new TraceData(trace, -0.5, 1e-6, 4096));
         curve->attach(plot.get());
         plot->replot();

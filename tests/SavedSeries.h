@@ -2,7 +2,6 @@
 
 #include "analysis/Series.h"
 #include "analysis/SeriesFiles.h"
-#include "measurement/MeasurementRun.h"
 #include "measurement/TraceFile.h"
 
 #include <algorithm>
@@ -42,9 +41,19 @@ inline QString save(const QString &folder, const Values &rf, const Values &hdmi,
 /// Open a series; one without measurements when that fails.
 inline Series open(const QString &file)
 {
+    return loadSeries({file}).series.value(0);
+}
+
+/// A series with these delays, to RF and to the sink alike, as if its traces had been read.
+inline Series seriesOf(const Values &delays)
+{
     Series series;
-    QString reason;
-    openSeries(file, &series, &reason);
+    series.fileName = "measured";
+    series.results = {{{delays, 0}, {Values(delays.size(), 0), 0}, {delays, 0}}};
+    series.hasReadTraces = true;
+    series.samples = 10001;
+    series.oscilloscope.type = OscilloscopeType::Kvx;
+    series.flags = flagDelays(series.results, series.oscilloscope);
     return series;
 }
 
@@ -52,9 +61,8 @@ inline Series open(const QString &file)
 inline Values varied(int count, double last)
 {
     Values values(count);
-    for (int i = 0; i < count; ++i) {
-        const int back = count - 1 - i;
-        values[i] = last + 2 * back % 11;
+    for (int back = 0; back < count; ++back) {
+        values[count - 1 - back] = last + 2 * back % 11;
     }
     return values;
 }

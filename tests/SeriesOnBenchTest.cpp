@@ -133,13 +133,13 @@ private slots:
             QCOMPARE(bench.run(), 0);
             const simulator::TrueInstants &truth = ::bench().radioLink().lastEvent().instants();
             const double rfError =
-                bench.results.sourceToRf.mean - early - (truth.rf - truth.source) * 1000;
+                bench.results[SourceToRf].mean - early - (truth.rf - truth.source) * 1000;
             const double sinkError =
-                bench.results.sourceToSink.mean - (truth.sink - truth.source) * 1000;
+                bench.results[SourceToSink].mean - (truth.sink - truth.source) * 1000;
             sum += rfError + sinkError;
             QVERIFY(qAbs(rfError) < 0.5);
             QVERIFY(qAbs(sinkError) < 0.5);
-            QVERIFY(qAbs(bench.results.sourceToHdmi.mean - truth.hdmiDelayMs) < 0.01);
+            QVERIFY(qAbs(bench.results[SourceToHdmi].mean - truth.hdmiDelayMs) < 0.01);
         }
         QVERIFY(qAbs(sum) < 0.1 * 2 * seriesOfEachFault);
         bench.takeErrors(); // of the faults
@@ -164,9 +164,9 @@ private slots:
             QCOMPARE(series.samples, bench.record.samples);
             QCOMPARE(flaggedCount(series), 0);
             for (const DelayKind kind : delayKinds) {
-                const QVector<double> &measured = valuesOf(bench.results, kind);
+                const QVector<double> &measured = bench.results[kind].values;
                 for (int i = 0; i < 3; ++i) { // with six digits in the file
-                    QVERIFY(qAbs(valuesOf(series.results, kind)[i] / measured[i] - 1) <= 5e-6);
+                    QVERIFY(qAbs(series.results[kind].values[i] / measured[i] - 1) <= 5e-6);
                 }
             }
         }

@@ -25,8 +25,10 @@ types='visa/(VisaTypes|StatusText)\.h' # the standard's, for whoever uses a VISA
 may_include instrument "$types"
 may_include setup "(instrument/.*|$types)"
 may_include measurement "(instrument/.*|$types)"
-may_include analysis '(instrument|measurement)/.*'
-may_include viewer '(analysis|instrument|measurement)/.*'
+saved='instrument/(NumberText|OscilloscopeType)\.h'
+saved+='|measurement/(DelayComputation|Record|ResultsFile|TraceFile)\.h' # no instruments, no VISA
+may_include analysis "($saved)"
+may_include viewer "(analysis/.*|$saved)"
 may_include app "((instrument|setup|measurement)/.*|$types)"
 may_include visa 'no others'
 may_include visa/wire 'no others'

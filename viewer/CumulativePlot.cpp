@@ -1,8 +1,6 @@
-#include "viewer/CumulativePlot.h"
-
 #include "analysis/DelayText.h"
 #include "analysis/Statistics.h"
-#include "viewer/DelayRange.h"
+#include "viewer/Plots.h"
 #include "viewer/PlotStyle.h"
 
 #include <qwt_plot.h>
@@ -14,19 +12,16 @@
 
 namespace {
 
-/// The corners of the steps, no more than can be told apart.
+/// Returns the corners of the steps, of which a plot cannot show more than a thousand.
 QVector<QPointF> cumulate(QVector<double> values)
 {
-    constexpr double finest = 0.1; // per cent
+    constexpr int most = 1000;
     std::sort(values.begin(), values.end());
     QVector<QPointF> points = {{values.first(), 0.0}};
-    for (int i = 0; i < values.size(); ++i) {
-        const bool isLast = i + 1 == values.size();
-        const double share = 100.0 * (i + 1) / values.size();
-        if (isLast || (values[i + 1] != values[i] && share - points.last().y() >= finest)) {
-            points += {values[i], share};
-        }
+    for (int i = 0; i < values.size(); i += 1 + values.size() / most) {
+        points += {values[i], 100.0 * (i + 1) / values.size()};
     }
+    points += {values.last(), 100.0};
     return points;
 }
 
@@ -80,7 +75,7 @@ QwtPlot *cumulativePlot(const QVector<Series> &selection, DelayKind kind)
         curve->attach(plot);
         addPoints(plot, {}, marks, seriesStyle(i).makeSymbol(7));
     }
-    const QwtInterval axis = withAir(delayRange(selection, kind));
+    const QwtInterval axis = delayAxis(selection, kind);
     plot->setAxisScale(QwtPlot::xBottom, axis.minValue(), axis.maxValue());
     plot->setAxisScale(QwtPlot::yLeft, 0.0, 118.0);
     return plot;

@@ -1,12 +1,14 @@
-#include "viewer/DriftPlot.h"
-
+#include "analysis/DelayText.h"
 #include "analysis/Statistics.h"
-#include "viewer/DelayRange.h"
+#include "instrument/NumberText.h"
+#include "viewer/Plots.h"
 #include "viewer/PlotStyle.h"
 
 #include <qwt_plot.h>
 #include <qwt_plot_curve.h>
 #include <qwt_plot_intervalcurve.h>
+#include <qwt_scale_div.h>
+#include <qwt_scale_map.h>
 
 #include <algorithm>
 #include <cmath>
@@ -15,33 +17,6 @@ namespace {
 
 constexpr int mostPoints = 2000; // of a series with more, columns of values are drawn
 constexpr int mostColumns = 100; // so that P5 and P95 have the values that they need
-
-/// Where the values of a series lie in the plot, in the order of measurements.
-struct Points
-{
-    Points(const Series &series, DelayKind kind, const QwtInterval &axis)
-    {
-        const QVector<double> &values = valuesOf(series.results, kind);
-        const double border = 0.02 * axis.width(); // a symbol on the axis itself would be cut
-        for (int i = 0; i < values.size(); ++i) {
-            if (!std::isfinite(values[i])) {
-                continue; // there is no place for it
-            }
-            const bool isInside = axis.contains(values[i]);
-            const QPointF point(i + 1.0, isInside ? values[i]
-                                                  : qBound(axis.minValue() + border, values[i],
-                                                           axis.maxValue() - border));
-            const bool isFlagged = series.flagsOf(kind)[i] != 0;
-            (isFlagged ? flagged : unflagged) += point;
-            (isFlagged || isInside ? ordinary : beyond) += point;
-        }
-    }
-
-    QVector<QPointF> flagged;
-    QVector<QPointF> unflagged;
-    QVector<QPointF> ordinary; ///< all but those beyond
-    QVector<QPointF> beyond;   ///< too far away to be inside, and not flagged
-};
 
 /// Keep one point of each column of so many measurements.
 QVector<QPointF> thin(const QVector<QPointF> &points, int columnWidth)
@@ -57,7 +32,7 @@ QVector<QPointF> thin(const QVector<QPointF> &points, int columnWidth)
 
 /// Draw median and band of each column of so many measurements. Returns the columns' extremes.
 QVector<QPointF> addColumns(QwtPlot *plot, const QVector<QPointF> &points, int columnWidth,
-                            const SeriesStyle &style, bool inLegend)
+                            const SeriesStyle &style)
 {
     QVector<QwtIntervalSample> bands;
     QVector<QPointF> medians;
@@ -86,8 +61,10 @@ QVector<QPointF> addColumns(QwtPlot *plot, const QVector<QPointF> &points, int c
     median->setPen(style.pen(dataWidth));
     median->setLegendAttribute(QwtPlotCurve::LegendShowLine);
     median->setSamples(medians);
+    // Once in the legend for both series.
+    const bool isFirst = plot->itemList(QwtPlotItem::Rtti_PlotIntervalCurve).isEmpty();
     for (QwtPlotItem *item : std::initializer_list<QwtPlotItem *>{band, median}) {
-        item->setItemAttribute(QwtPlotItem::Legend, inLegend);
+        item->setItemAttribute(QwtPlotItem::Legend, isFirst);
         item->attach(plot);
     }
     return extremes;
@@ -105,34 +82,80 @@ QwtPlot *driftPlot(const QVector<Series> &selection, DelayKind kind)
     QwtPlot *plot = makePlot(
         columnWidth > 1 ? QString("Measurement (columns of %1)").arg(columnWidth) : "Measurement",
         delayEnd(kind) + " / ms");
-    const QwtInterval axis = withAir(delayRange(selection, kind));
-    QVector<QPointF> flagged;
-    int flaggedCount = 0;
-    bool inLegend = true; // once for both series
-    for (int i = 0; i < selection.size(); ++i) {
-        if (!isMeasured(selection[i].results, kind)) {
+    const QwtInterval axis = delayAxis(selection, kind);
+    const double border = 0.02 * axis.width(); // a symbol on the axis itself would be cut
+    for (int number = 0; number < selection.size(); ++number) {
+        const Series &series = selection[number];
+        if (!isMeasured(series.results, kind)) {
             continue;
         }
-        const SeriesStyle style = seriesStyle(i);
-        const Points points(selection[i], kind, axis);
-        const bool isLong = selection[i].count() > mostPoints;
+        const QVector<double> &values = series.results[kind].values;
+        QVector<QPointF> flagged;
+        QVector<QPointF> unflagged;
+        QVector<QPointF> beyond; // of those without flags
+        for (int i = 0; i < values.size(); ++i) {
+            if (!std::isfinite(values[i])) {
+                continue; // there is no place for it
+            }
+            const QPointF point(i + 1.0, axis.contains(values[i])
+                                             ? values[i]
+                                             : qBound(axis.minValue() + border, values[i],
+                                                      axis.maxValue() - border));
+            const bool isFlagged = series.flags[kind][i] != 0;
+            (isFlagged ? flagged : unflagged) += point;
+            if (!isFlagged && !axis.contains(values[i])) {
+                beyond += point;
+            }
+        }
+        const SeriesStyle style = seriesStyle(number);
+        const bool isLong = series.count() > mostPoints;
         const QVector<QPointF> extremes =
-            addColumns(plot, points.unflagged, isLong ? columnWidth : longest, style, inLegend);
-        inLegend = false;
-        addPoints(plot, plotNames(selection)[i], isLong ? extremes : points.ordinary,
+            addColumns(plot, unflagged, isLong ? columnWidth : longest, style);
+        addPoints(plot, plotNames(selection)[number], isLong ? extremes : unflagged,
                   style.makeSymbol(isLong ? 3 : 7));
-        addBeyond(plot, points.beyond.size(), thin(points.beyond, columnWidth), style);
-        flagged += thin(points.flagged, columnWidth);
-        flaggedCount += points.flagged.size();
-    }
-    if (!flagged.isEmpty()) {
-        const int size = columnWidth > 1 ? 5 : 11;
-        addPoints(plot, QString("%1 flagged").arg(flaggedCount), flagged,
-                  new QwtSymbol(QwtSymbol::XCross, Qt::NoBrush, QPen(flagColour, dataWidth),
-                                QSize(size, size)));
+        addMarks(plot, "beyond", beyond.size(), thin(beyond, columnWidth), QwtSymbol::Triangle,
+                 style.colour);
+        addMarks(plot, "flagged", flagged.size(), thin(flagged, columnWidth), QwtSymbol::XCross,
+                 style.colour);
     }
     const double side = std::max(0.5, 0.02 * longest);
     plot->setAxisScale(QwtPlot::xBottom, 1 - side, longest + side);
     plot->setAxisScale(QwtPlot::yLeft, axis.minValue(), axis.maxValue());
     return plot;
+}
+
+QString measurementText(const QwtPlot &plot, const QVector<Series> &selection, DelayKind kind,
+                        const QPoint &place)
+{
+    const QwtScaleMap x = plot.canvasMap(QwtPlot::xBottom);
+    const QwtScaleMap y = plot.canvasMap(QwtPlot::yLeft);
+    const QwtScaleDiv &axis = plot.axisScaleDiv(QwtPlot::yLeft);
+    double distance = 10.0; // pixels: farther away is not meant
+    QString text;
+    for (const Series &series : selection) {
+        const QVector<double> &values = series.results[kind].values;
+        const auto at = [&](double pixel) { // measurements are counted from 1
+            return static_cast<int>(qBound(0.0, x.invTransform(pixel) - 1, values.size() - 1.0));
+        };
+        for (int i = at(place.x() - distance); i <= at(place.x() + distance) + 1; ++i) {
+            if (i >= values.size() || !isMeasured(series.results, kind)) {
+                break;
+            }
+            // Values beyond the axis lie at its border.
+            const double shown = qBound(axis.lowerBound(), values[i], axis.upperBound());
+            const double away =
+                std::hypot(x.transform(i + 1) - place.x(), y.transform(shown) - place.y());
+            if (away < distance) {
+                distance = away;
+                text = QString("%1\nMeasurement %2: %3 ms")
+                           .arg(seriesName(series))
+                           .arg(i + 1)
+                           .arg(numberText(values[i]));
+                if (const Flags flags = series.flags[kind][i]) {
+                    text += '\n' + flagReasons(flags);
+                }
+            }
+        }
+    }
+    return text;
 }

@@ -129,23 +129,21 @@ QByteArray pdfOf(int count, const std::function<Page(int)> &makePage)
 {
     QBuffer buffer;
     buffer.open(QIODevice::WriteOnly);
-    {
-        QPdfWriter writer(&buffer);
-        Page page = makePage(0);
-        writer.setTitle(count > 1 || page.title.isEmpty() ? QString("Orvanta results")
-                                                          : page.title);
-        writer.setCreator("OrvantaResults " ORVANTA_VERSION);
+    QPdfWriter writer(&buffer);
+    writer.setTitle("Orvanta results");
+    writer.setCreator("OrvantaResults " ORVANTA_VERSION);
+    QPainter painter;
+    for (int i = 0; i < count; ++i) {
+        const Page page = makePage(i);
         writer.setPageLayout(layoutOf(page));
-        QPainter painter(&writer);
-        for (int i = 0; i < count; ++i) {
-            if (i > 0) {
-                page = makePage(i);
-                writer.setPageLayout(layoutOf(page));
-                writer.newPage();
-            }
-            paintPage(page, &painter, QSizeF(writer.width(), writer.height()));
+        if (i == 0) {
+            painter.begin(&writer);
+        } else {
+            writer.newPage();
         }
+        paintPage(page, &painter, QSizeF(writer.width(), writer.height()));
     }
+    painter.end();
     return buffer.data();
 }
 

@@ -1,9 +1,7 @@
-#include "viewer/HistogramPlot.h"
-
 #include "analysis/DelayText.h"
 #include "analysis/Histogram.h"
 #include "analysis/Statistics.h"
-#include "viewer/DelayRange.h"
+#include "viewer/Plots.h"
 #include "viewer/PlotStyle.h"
 
 #include <qwt_plot.h>
@@ -29,24 +27,19 @@ void addHistogram(QwtPlot *plot, const QString &title, const QVector<QwtInterval
 
 QwtPlot *histogramPlot(const QVector<Series> &selection, DelayKind kind)
 {
-    const QwtInterval range = delayRange(selection, kind);
     QVector<QVector<double>> values; // of each series
     double step = 0.0;
     for (const Series &series : selection) {
         values += selectValues(series, kind, false);
         step = std::max(step, delayStep(series, kind));
     }
-    const Bins bins = chooseBins(values, step, range.minValue(), range.maxValue());
+    const QwtInterval axis = delayAxis(selection, kind);
+    const Bins bins = chooseBins(values, step, axis.minValue(), axis.maxValue());
     const bool isShare = selection.size() > 1; // series of different counts are to be compared
     QwtPlot *plot =
-        makePlot(delayName(kind) + (bins.count == 0
-                                        ? QString(" / ms")
-                                        : " / ms, bins of " + delayText(bins.width, step) + " ms"),
+        makePlot(delayName(kind) + " / ms, bins of " + delayText(bins.width, step) + " ms",
                  isShare ? "Share / %" : "Count");
-    const double air = std::max(1.0, bins.count * 0.03) * bins.width;
-    const QwtInterval axis = bins.count == 0
-                                 ? withAir(range)
-                                 : QwtInterval(bins.start - air, bins.edge(bins.count) + air);
+    double highest = 0.0;
     for (int i = 0; i < selection.size(); ++i) {
         if (!isMeasured(selection[i].results, kind)) {
             continue;
@@ -58,30 +51,29 @@ QwtPlot *histogramPlot(const QVector<Series> &selection, DelayKind kind)
         QVector<QwtIntervalSample> columns;
         for (int bin = 0; bin < bins.count; ++bin) {
             columns += QwtIntervalSample(counts[bin + 1] * one, bins.edge(bin), bins.edge(bin + 1));
+            highest = std::max(highest, columns.last().value);
         }
         QString title = plotNames(selection)[i];
-        const int leftOut = valuesOf(selection[i].results, kind).size() - n;
-        if (leftOut > 0) {
+        if (const int leftOut = selection[i].count() - n) {
             title += QString(" (%1 flagged left out)").arg(leftOut);
         }
         addHistogram(plot, title, columns, style);
         if (n > 0) {
             addLine(plot, computeStatistics(values[i]).median, style.pen(2 * dataWidth));
         }
+        const double border = 0.02 * axis.width();
         QVector<QPointF> beyond;
-        for (const auto &[count, border] : {std::pair(counts.first(), axis.minValue() + air / 2),
-                                            {counts.last(), axis.maxValue() - air / 2}}) {
+        for (const auto &[count, place] : {std::pair(counts.first(), axis.minValue() + border),
+                                           {counts.last(), axis.maxValue() - border}}) {
             if (count > 0) {
-                beyond += QPointF(border, count * one);
+                beyond += QPointF(place, count * one);
+                highest = std::max(highest, count * one);
             }
         }
-        addBeyond(plot, counts.first() + counts.last(), beyond, style);
-    }
-    double most = 0.0;
-    for (const QwtPlotItem *item : plot->itemList()) {
-        most = std::max(most, item->boundingRect().bottom());
+        addMarks(plot, "beyond", counts.first() + counts.last(), beyond, QwtSymbol::Triangle,
+                 style.colour);
     }
     plot->setAxisScale(QwtPlot::xBottom, axis.minValue(), axis.maxValue());
-    plot->setAxisScale(QwtPlot::yLeft, 0.0, most > 0.0 ? most * 1.08 : 1.0);
+    plot->setAxisScale(QwtPlot::yLeft, 0.0, highest > 0.0 ? highest * 1.08 : 1.0);
     return plot;
 }

@@ -1,8 +1,8 @@
 #include "viewer/PlotStyle.h"
 
-#include "analysis/Series.h"
 #include "analysis/SeriesFiles.h"
-#include "viewer/WrapText.h"
+#include "analysis/Statistics.h"
+#include "analysis/Summary.h"
 
 #include <qwt_legend.h>
 #include <qwt_plot.h>
@@ -12,12 +12,32 @@
 #include <qwt_plot_marker.h>
 #include <qwt_text.h>
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 
-const QColor sourceColour(0, 0, 0);
-const QColor rfColour(230, 159, 0);
-const QColor sinkColour(0, 114, 178);
-const QColor flagColour(0, 0, 0);
+namespace {
+
+/// Returns the range of the values, in any order, without those that are far away.
+QwtInterval usualRange(QVector<double> values, double step)
+{
+    if (values.isEmpty()) {
+        return {};
+    }
+    const Statistics of = computeStatistics(values);
+    std::sort(values.begin(), values.end());
+    const double first = nearestRank(values, 250);
+    const double third = nearestRank(values, 750);
+    constexpr double leastStep = 0.1; // ms: where half of the values are equal and no step is known
+    constexpr double farAway = 5.0;   // interquartile ranges
+    const double far = farAway * std::max(third - first, step > 0.0 ? step : leastStep);
+    const double from = std::fmin(first - far, of.p5);
+    const double to = std::fmax(third + far, of.p95);
+    return {*std::lower_bound(values.begin(), values.end(), from),
+            *(std::upper_bound(values.begin(), values.end(), to) - 1)};
+}
+
+} // namespace
 
 QwtSymbol *SeriesStyle::makeSymbol(int size) const
 {
@@ -95,13 +115,13 @@ void addPoints(QwtPlot *plot, const QString &title, const QVector<QPointF> &poin
     curve->attach(plot);
 }
 
-void addBeyond(QwtPlot *plot, int count, const QVector<QPointF> &points, const SeriesStyle &style)
+void addMarks(QwtPlot *plot, const QString &what, int count, const QVector<QPointF> &points,
+              QwtSymbol::Style symbol, const QColor &colour)
 {
     if (count > 0) {
-        constexpr int size = 10;
-        addPoints(plot, QString("%1 beyond").arg(count), points,
-                  new QwtSymbol(QwtSymbol::Triangle, QBrush(style.colour), QPen(Qt::NoPen),
-                                QSize(size, size)));
+        constexpr int size = 9;
+        addPoints(plot, QString("%1 %2").arg(QString::number(count), what), points,
+                  new QwtSymbol(symbol, colour, QPen(colour, dataWidth), QSize(size, size)));
     }
 }
 
@@ -112,4 +132,39 @@ void addLine(QwtPlot *plot, double position, const QPen &pen)
     line->setLinePen(pen);
     line->setXValue(position);
     line->attach(plot);
+}
+
+QwtInterval delayAxis(const QVector<Series> &selection, DelayKind kind)
+{
+    constexpr double air = 0.12;
+    for (const bool withFlagged : {false, true}) {
+        QwtInterval range;
+        for (const Series &series : selection) {
+            range |= usualRange(selectValues(series, kind, withFlagged), delayStep(series, kind));
+        }
+        if (range.isValid() && std::isfinite(range.width())) {
+            const double margin =
+                std::max(range.width() * air, 1e-3 * std::abs(range.maxValue()) + 1e-9);
+            return {range.minValue() - margin, range.maxValue() + margin};
+        }
+    }
+    return {0.0, 1.0};
+}
+
+double delayStep(const Series &series, DelayKind kind)
+{
+    return kind == SourceToHdmi ? 0.0 : samplingInterval(series);
+}
+
+QVector<DelayKind> plottedDelays(const QVector<Series> &selection)
+{
+    QVector<DelayKind> kinds;
+    for (const DelayKind kind : delayKinds) {
+        if (std::any_of(selection.begin(), selection.end(), [kind](const Series &series) {
+                return isMeasured(series.results, kind);
+            })) {
+            kinds += kind;
+        }
+    }
+    return kinds;
 }

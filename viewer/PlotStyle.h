@@ -1,13 +1,13 @@
 #pragma once
 
-#include <QPen>
-#include <QStringList>
-#include <QVector>
+#include "analysis/Series.h"
 
+#include <QPen>
+
+#include <qwt_interval.h>
 #include <qwt_symbol.h>
 
 class QwtPlot;
-struct Series;
 
 /// How a series is drawn, so that it is told from the other by people who are colour-blind and on
 /// grey paper, too: by hue and lightness, by its points' shape and by its lines' dashes.
@@ -31,13 +31,6 @@ struct SeriesStyle
 /// The style of the first or second series selected.
 SeriesStyle seriesStyle(int index);
 
-/// Colours of source, RF and sink, and of what is flagged: of Okabe and Ito, Color Universal
-/// Design.
-extern const QColor sourceColour;
-extern const QColor rfColour;
-extern const QColor sinkColour;
-extern const QColor flagColour;
-
 /// Width of a line that shows data, in pixels of a screen and the same on paper; a width of zero
 /// would be a hairline there.
 constexpr double dataWidth = 1.0;
@@ -54,8 +47,18 @@ QStringList plotNames(const QVector<Series> &selection);
 void addPoints(QwtPlot *plot, const QString &title, const QVector<QPointF> &points,
                QwtSymbol *symbol);
 
-/// Draw points at the border for values of a series that lie beyond it, and tell their count.
-void addBeyond(QwtPlot *plot, int count, const QVector<QPointF> &points, const SeriesStyle &style);
+/// Mark values that are out of the ordinary, and tell their count in the legend, as "3 flagged".
+void addMarks(QwtPlot *plot, const QString &what, int count, const QVector<QPointF> &points,
+              QwtSymbol::Style symbol, const QColor &colour);
 
 /// Draw a vertical line, as at a median or an edge.
 void addLine(QwtPlot *plot, double position, const QPen &pen);
+
+/// Returns an axis for the delays without flags, or for all where there are none, in milliseconds.
+/// Delays more than five interquartile ranges from the quartiles do not widen it, so that an
+/// outlier flattens no plot; but it holds those from P5 to P95, where there are enough for these.
+QwtInterval delayAxis(const QVector<Series> &selection, DelayKind kind);
+
+/// Returns the difference of two delays that a series can tell apart, in milliseconds: the sampling
+/// interval. It is 0 when that is not known, and for HDMI, which is the video analyzer's.
+double delayStep(const Series &series, DelayKind kind);

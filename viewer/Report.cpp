@@ -1,21 +1,15 @@
 #include "viewer/Report.h"
 
 #include "analysis/Summary.h"
-#include "viewer/CumulativePlot.h"
-#include "viewer/DriftPlot.h"
 #include "viewer/Export.h"
-#include "viewer/HistogramPlot.h"
+#include "viewer/Plots.h"
 #include "viewer/PlotStyle.h"
-#include "viewer/RecordPlot.h"
-#include "viewer/WrapText.h"
 
 #include <QDateTime>
 #include <QLocale>
 #include <QStringList>
 
 #include <qwt_plot.h>
-
-#include <algorithm>
 
 namespace {
 
@@ -28,31 +22,6 @@ QString titleOf(const QVector<Series> &selection)
 }
 
 } // namespace
-
-QVector<DelayKind> plottedDelays(const QVector<Series> &selection)
-{
-    QVector<DelayKind> kinds;
-    for (const DelayKind kind : delayKinds) {
-        if (std::any_of(selection.begin(), selection.end(), [kind](const Series &series) {
-                return isMeasured(series.results, kind);
-            })) {
-            kinds += kind;
-        }
-    }
-    return kinds;
-}
-
-QString describeSelection(const QVector<Series> &selection)
-{
-    QStringList parts;
-    if (selection.size() == 2) {
-        parts += compareSeries(selection[0], selection[1]);
-    }
-    for (const Series &series : selection) {
-        parts += summarise(series);
-    }
-    return parts.join('\n');
-}
 
 bool writeReport(const QVector<Series> &series, const QString &fileName, QString *problem)
 {

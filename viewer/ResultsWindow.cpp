@@ -1,15 +1,10 @@
 #include "viewer/ResultsWindow.h"
 
-#include "viewer/CumulativePlot.h"
-#include "viewer/DriftPlot.h"
-#include "viewer/HistogramPlot.h"
-#include "viewer/MeasurementText.h"
+#include "analysis/Summary.h"
 #include "viewer/PlotColumn.h"
-#include "viewer/RecordPlot.h"
-#include "viewer/Report.h"
+#include "viewer/Plots.h"
 #include "viewer/SeriesTable.h"
 #include "viewer/ValuesTable.h"
-#include "viewer/WrapText.h"
 
 #include <QFontDatabase>
 #include <QGuiApplication>

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 TraceData::TraceData(const QVector<double> &samples, double start, double step, int most)
     : trace(samples), first(start), interval(step), columns(most)
@@ -29,34 +28,25 @@ void TraceData::show(int from, int to)
     shownFrom = from;
     shownTo = to;
     shown.clear();
-    constexpr double largest = std::numeric_limits<double>::max();
     const double *samples = trace.constData();
     const int step = std::max(1, (to - from + columns - 1) / columns);
     for (int column = from; column < to; column += step) {
         const int end = std::min(to, column + step);
-        int leastAt = -1;
-        int greatestAt = -1;
-        double least = std::numeric_limits<double>::infinity();
-        double greatest = -least;
+        int least = -1;
+        int greatest = -1;
         for (int i = column; i < end; ++i) {
-            const double sample = samples[i];
-            if (sample < least && sample >= -largest) {
-                least = sample;
-                leastAt = i;
-            }
-            if (sample > greatest && sample <= largest) {
-                greatest = sample;
-                greatestAt = i;
+            if (std::isfinite(samples[i])) {
+                least = least < 0 || samples[i] < samples[least] ? i : least;
+                greatest = greatest < 0 || samples[i] > samples[greatest] ? i : greatest;
             }
         }
-        if (leastAt < 0) {
+        if (least < 0) {
             continue;
         }
-        for (const int i : {std::min(leastAt, greatestAt), std::max(leastAt, greatestAt)}) {
-            shown += QPointF(first + interval * i, samples[i]);
-        }
-        if (leastAt == greatestAt) {
-            shown.removeLast();
+        const auto [earlier, later] = std::minmax(least, greatest);
+        shown += QPointF(first + interval * earlier, samples[earlier]);
+        if (later != earlier) {
+            shown += QPointF(first + interval * later, samples[later]);
         }
     }
 }

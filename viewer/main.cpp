@@ -1,5 +1,4 @@
 #include "analysis/Csv.h"
-#include "analysis/SeriesLoading.h"
 #include "analysis/Summary.h"
 #include "viewer/CommandLine.h"
 #include "viewer/Export.h"
