@@ -1,5 +1,6 @@
 #include "analysis/Csv.h"
 
+#include "analysis/DelayText.h"
 #include "instrument/NumberText.h"
 
 #include <QStringList>
@@ -27,7 +28,7 @@ QString csvRows(const Series &series)
     for (int i = 0; i < series.count(); ++i) {
         rows += file + ',' + QString::number(i + 1);
         for (const DelayKind kind : delayKinds) {
-            rows += ',' + numberText(valuesOf(series.results, kind)[i]);
+            rows += ',' + numberText(series.results[kind].values[i]);
         }
         rows += ',' + quoted(measurementFlags(series, i)) + ',' + name + '\n';
     }
@@ -38,7 +39,7 @@ QString measurementFlags(const Series &series, int measurement)
 {
     QStringList all;
     for (const DelayKind kind : delayKinds) {
-        if (const Flags flags = series.flagsOf(kind)[measurement]) {
+        if (const Flags flags = series.flags[kind][measurement]) {
             all += delayName(kind) + ": " + flagReasons(flags);
         }
     }

@@ -19,3 +19,13 @@ QString delayText(double milliseconds, double step)
         QString::number(milliseconds, 'f', std::max(0, static_cast<int>(decimals)));
     return text.toDouble() == 0.0 ? text.mid(text.startsWith('-') ? 1 : 0) : text;
 }
+
+QString delayName(DelayKind kind)
+{
+    return "Source to " + delayEnd(kind);
+}
+
+QString delayEnd(DelayKind kind)
+{
+    return EachDelay<const char *>{"RF", "HDMI", "sink"}[kind];
+}

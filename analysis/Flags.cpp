@@ -73,8 +73,8 @@ void flagRepeated(const QVector<double> &toRf, const QVector<double> &toSink, Se
         return;
     }
     for (const int i : both) {
-        (*flags)[0][i] |= Flag::Repeated;
-        (*flags)[2][i] |= Flag::Repeated;
+        (*flags)[SourceToRf][i] |= Flag::Repeated;
+        (*flags)[SourceToSink][i] |= Flag::Repeated;
     }
 }
 
@@ -108,9 +108,9 @@ void flagStuck(const QVector<double> &values, QVector<Flags> *flags)
 
 SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognition &recognition)
 {
-    const QVector<double> &toRf = results.sourceToRf.values;
-    const QVector<double> &toHdmi = results.sourceToHdmi.values;
-    const QVector<double> &toSink = results.sourceToSink.values;
+    const QVector<double> &toRf = results[SourceToRf].values;
+    const QVector<double> &toHdmi = results[SourceToHdmi].values;
+    const QVector<double> &toSink = results[SourceToSink].values;
     const QVector<AxisEnds> ends = axisEnds(samples, recognition);
     // Only an RF edge counted from the start of the axis is further than its end.
     const double furthest = ends.last().late + ends.last().tolerance;
@@ -121,9 +121,9 @@ SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognit
         column.resize(toRf.size());
     }
     for (int i = 0; i < toRf.size(); ++i) {
-        Flags &rf = flags[0][i];
-        Flags &hdmi = flags[1][i];
-        Flags &sink = flags[2][i];
+        Flags &rf = flags[SourceToRf][i];
+        Flags &hdmi = flags[SourceToHdmi][i];
+        Flags &sink = flags[SourceToSink][i];
         rf.setFlag(Flag::EndOfAxis, isAtEnd(toRf[i], ends));
         sink.setFlag(Flag::EndOfAxis, isAtEnd(toSink[i], ends));
         if (toRf[i] == 0.0 && toSink[i] == 0.0) {
@@ -138,26 +138,25 @@ SeriesFlags flagDelays(const SeriesResults &results, int samples, const Recognit
         hdmi.setFlag(Flag::NoHdmiValue, hdmiUsed && toHdmi[i] == 0.0);
         hdmi.setFlag(Flag::NoHdmiEvent, toHdmi[i] == noHdmiEvent);
         for (const DelayKind kind : delayKinds) {
-            flags[static_cast<std::size_t>(kind)][i].setFlag(
-                Flag::NotFinite, !std::isfinite(valuesOf(results, kind)[i]));
+            flags[kind][i].setFlag(Flag::NotFinite, !std::isfinite(results[kind].values[i]));
         }
     }
     flagRepeated(toRf, toSink, &flags);
     for (const DelayKind kind : delayKinds) {
-        flagStuck(valuesOf(results, kind), &flags[static_cast<std::size_t>(kind)]);
+        flagStuck(results[kind].values, &flags[kind]);
     }
     return flags;
 }
 
 bool isHdmiUsed(const SeriesResults &results)
 {
-    const QVector<double> &values = results.sourceToHdmi.values;
+    const QVector<double> &values = results[SourceToHdmi].values;
     return std::any_of(values.begin(), values.end(), [](double value) { return value != 0.0; });
 }
 
 bool isMeasured(const SeriesResults &results, DelayKind kind)
 {
-    return kind != DelayKind::Hdmi || isHdmiUsed(results);
+    return kind != SourceToHdmi || isHdmiUsed(results);
 }
 
 QVector<Flag> allFlags()

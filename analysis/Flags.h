@@ -1,6 +1,5 @@
 #pragma once
 
-#include "analysis/DelayKind.h"
 #include "analysis/TypeRecognition.h"
 
 #include <QFlags>
@@ -21,8 +20,8 @@ enum class Flag : unsigned
 Q_DECLARE_FLAGS(Flags, Flag)
 Q_DECLARE_OPERATORS_FOR_FLAGS(Flags)
 
-/// The flags of each measurement, for each delay by its kind.
-using SeriesFlags = std::array<QVector<Flags>, delayKinds.size()>;
+/// The flags of each measurement.
+using SeriesFlags = EachDelay<QVector<Flags>>;
 
 /// Flag the values of a series. Where the axis ends is known with the type; without it, the ends of
 /// both types' axes count.

@@ -110,8 +110,8 @@ double samplingInterval(const Series &series)
 
 QVector<double> selectValues(const Series &series, DelayKind kind, bool withFlagged)
 {
-    const QVector<double> &values = valuesOf(series.results, kind);
-    const QVector<Flags> &flags = series.flagsOf(kind);
+    const QVector<double> &values = series.results[kind].values;
+    const QVector<Flags> &flags = series.flags[kind];
     QVector<double> selected;
     if (!isMeasured(series.results, kind)) {
         return selected;

@@ -15,12 +15,7 @@ struct Series
     Recognition oscilloscope;
     SeriesFlags flags;
 
-    /// The flags of one delay.
-    [[nodiscard]] const QVector<Flags> &flagsOf(DelayKind kind) const
-    {
-        return flags[static_cast<std::size_t>(kind)];
-    }
-    [[nodiscard]] int count() const { return results.sourceToRf.values.size(); }
+    [[nodiscard]] int count() const { return results[SourceToRf].values.size(); }
 };
 
 /// Open a series by its results file alone, which is quick. Returns false and a reason as

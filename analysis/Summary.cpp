@@ -66,7 +66,7 @@ QString numbersText(const QVector<int> &numbers)
 
 QString flagLines(const Series &series, DelayKind kind)
 {
-    const QVector<Flags> &flags = series.flagsOf(kind);
+    const QVector<Flags> &flags = series.flags[kind];
     QString lines;
     for (const Flag flag : allFlags()) {
         QVector<int> flagged;

@@ -19,8 +19,8 @@ std::optional<Instants> match(const Record &record, const SeriesResults &results
         }
         const Delays delays =
             computeDelays(record.samples, record.source, record.rf, record.sink, axes, type);
-        if (numberText(delays.sourceToRf) == numberText(results.sourceToRf.values.last()) &&
-            numberText(delays.sourceToSink) == numberText(results.sourceToSink.values.last())) {
+        if (numberText(delays.sourceToRf) == numberText(results[SourceToRf].values.last()) &&
+            numberText(delays.sourceToSink) == numberText(results[SourceToSink].values.last())) {
             return delays.instants;
         }
     }
@@ -32,7 +32,7 @@ std::optional<Instants> match(const Record &record, const SeriesResults &results
 Recognition recogniseType(const Record &record, const SeriesResults &results)
 {
     Recognition found;
-    if (results.sourceToRf.values.isEmpty()) {
+    if (results[SourceToRf].values.isEmpty()) {
         found.remark = "The series has no measurements.";
         return found;
     }

@@ -124,9 +124,9 @@ int MainWindow::Meas(QVector<double> *d1, QVector<double> *d2, QVector<double> *
     *t = std::move(record.time);
     NSmp = record.samples;
     publishInstants(record.instants);
-    mS2Rf = results.sourceToRf.mean;
-    mS2Hd = results.sourceToHdmi.mean;
-    mS2Snk = results.sourceToSink.mean;
+    mS2Rf = results[SourceToRf].mean;
+    mS2Hd = results[SourceToHdmi].mean;
+    mS2Snk = results[SourceToSink].mean;
     return outcome;
 }
 

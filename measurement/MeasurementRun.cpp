@@ -158,15 +158,14 @@ int runSeries(const SeriesSettings &settings, Record *record, SeriesResults *res
         const Delays delays = computeDelays(record->samples, record->source, record->rf,
                                             record->sink, record->time, settings.oscilloscopeType);
         record->instants = delays.instants;
-        results->sourceToRf.values.append(delays.sourceToRf);
-        results->sourceToHdmi.values.append(hdmiDelay);
-        results->sourceToSink.values.append(delays.sourceToSink);
+        (*results)[SourceToRf].values += delays.sourceToRf;
+        (*results)[SourceToHdmi].values += hdmiDelay;
+        (*results)[SourceToSink].values += delays.sourceToSink;
     }
     release(settings);
 
-    for (DelaySeries *series :
-         {&results->sourceToRf, &results->sourceToHdmi, &results->sourceToSink}) {
-        series->mean = mean(series->values, settings.count);
+    for (DelaySeries &series : *results) {
+        series.mean = mean(series.values, settings.count);
     }
     return settings.save ? saveSeries(settings, *results, *record) : 0;
 }

@@ -5,20 +5,13 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QStringList>
 
-#include <array>
 #include <cmath>
 
 namespace {
 
-QString paragraph(const QString &name, const DelaySeries &series)
-{
-    QString text = name + " Delay:";
-    for (const double delay : series.values) {
-        text += ' ' + numberText(delay);
-    }
-    return text + '\n' + name + " Mean: " + numberText(series.mean);
-}
+constexpr EachDelay<const char *> names = {"Source2RF", "Source2HD", "Source2Snk"};
 
 constexpr qint64 largestFile = 1 << 30; // bytes: some 40 million measurements
 
@@ -119,37 +112,35 @@ bool readResults(const QString &fileName, SeriesResults *results, QString *reaso
         *reason = QString("has a wrong line %1: %2").arg(line + 1).arg(what);
         return false;
     };
-    std::array<DelaySeries, 3> delays;
+    SeriesResults read;
     for (int line = 0; line < 6; ++line) {
-        constexpr std::array<const char *, 3> names = {"Source2RF", "Source2HD", "Source2Snk"};
-        const auto index = static_cast<std::size_t>(line / 2);
-        const QByteArray heading =
-            QByteArray(names[index]) + (line % 2 == 0 ? " Delay:" : " Mean:");
+        const DelayKind kind = delayKinds[static_cast<std::size_t>(line / 2)];
+        const QByteArray heading = QByteArray(names[kind]) + (line % 2 == 0 ? " Delay:" : " Mean:");
         if (!lines[line].startsWith(heading)) {
             return fail(line, QString("it does not begin with \"%1\"").arg(heading.constData()));
         }
         QVector<double> means;
         const bool isDelays = line % 2 == 0;
-        QVector<double> *numbers = isDelays ? &delays[index].values : &means;
+        QVector<double> *numbers = isDelays ? &read[kind].values : &means;
         if (!readNumbers(lines[line].mid(heading.size()), numbers, reason)) {
             return fail(line, *reason);
         }
         if (!isDelays && means.size() != 1) {
             return fail(line, "it does not have one mean");
         }
-        if (!isDelays && !isMean(delays[index].mean = means[0], delays[index].values)) {
+        if (!isDelays && !isMean(read[kind].mean = means[0], read[kind].values)) {
             return fail(line, "the mean is not that of the delays: cut off or changed");
         }
     }
-    if (delays[0].values.size() != delays[1].values.size() ||
-        delays[0].values.size() != delays[2].values.size()) {
+    const auto count = [&read](DelayKind kind) { return read[kind].values.size(); };
+    if (count(SourceToRf) != count(SourceToHdmi) || count(SourceToRf) != count(SourceToSink)) {
         *reason = QString("has lines of different counts: %1, %2 and %3 delays")
-                      .arg(delays[0].values.size())
-                      .arg(delays[1].values.size())
-                      .arg(delays[2].values.size());
+                      .arg(count(SourceToRf))
+                      .arg(count(SourceToHdmi))
+                      .arg(count(SourceToSink));
         return false;
     }
-    *results = {delays[0], delays[1], delays[2]};
+    *results = read;
     return true;
 }
 
@@ -159,10 +150,16 @@ bool writeResults(const QString &fileName, const SeriesResults &results)
     if (!file.open(QIODevice::WriteOnly)) {
         return false;
     }
-    const QString text = paragraph("Source2RF", results.sourceToRf) + '\n' +
-                         paragraph("Source2HD", results.sourceToHdmi) + '\n' +
-                         paragraph("Source2Snk", results.sourceToSink);
-    const QByteArray bytes = text.toUtf8();
+    QStringList lines;
+    for (const DelayKind kind : delayKinds) {
+        const QString name = names[kind];
+        lines += name + " Delay:";
+        for (const double delay : results[kind].values) {
+            lines.last() += ' ' + numberText(delay);
+        }
+        lines += name + " Mean: " + numberText(results[kind].mean);
+    }
+    const QByteArray bytes = lines.join('\n').toUtf8();
     if (file.write(bytes) != bytes.size() || !file.flush()) { // commit() notices neither
         file.cancelWriting();
     }

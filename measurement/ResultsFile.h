@@ -3,6 +3,22 @@
 #include <QString>
 #include <QVector>
 
+#include <array>
+
+/// The delays of a measurement, in the order of results files.
+enum DelayKind : std::size_t
+{
+    SourceToRf,
+    SourceToHdmi,
+    SourceToSink,
+};
+
+constexpr std::array<DelayKind, 3> delayKinds = {SourceToRf, SourceToHdmi, SourceToSink};
+
+/// Something of each delay, by its kind.
+template <typename T>
+using EachDelay = std::array<T, delayKinds.size()>;
+
 /// One delay over a series: a value for each measurement and their mean, in milliseconds.
 struct DelaySeries
 {
@@ -11,12 +27,7 @@ struct DelaySeries
 };
 
 /// The delays that a series found.
-struct SeriesResults
-{
-    DelaySeries sourceToRf;
-    DelaySeries sourceToHdmi;
-    DelaySeries sourceToSink;
-};
+using SeriesResults = EachDelay<DelaySeries>;
 
 /// Read a file that writeResults() wrote. Numbers have the six digits that are in the file. Returns
 /// false when it is not such a file; the results are then unchanged, and *reason is the rest of a

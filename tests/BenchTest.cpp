@@ -113,12 +113,12 @@ private slots:
             QCOMPARE(bench.run(), 0);
             const simulator::TrueInstants &truth = ::bench().radioLink().lastEvent().instants();
             const double rfError =
-                bench.results.sourceToRf.mean - rfLate - (truth.rf - truth.source) * 1000;
+                bench.results[SourceToRf].mean - rfLate - (truth.rf - truth.source) * 1000;
             const double sinkError =
-                bench.results.sourceToSink.mean - (truth.sink - truth.source) * 1000;
+                bench.results[SourceToSink].mean - (truth.sink - truth.source) * 1000;
             sum += rfError + sinkError;
             QVERIFY(qAbs(rfError) < 0.5 && qAbs(sinkError) < 0.5);
-            QVERIFY(qAbs(bench.results.sourceToHdmi.mean - truth.hdmiDelayMs) < 0.01);
+            QVERIFY(qAbs(bench.results[SourceToHdmi].mean - truth.hdmiDelayMs) < 0.01);
         }
         QVERIFY(qAbs(sum / measurements) < 0.1);
         bench.takeErrors(); // that the faults left
@@ -152,8 +152,8 @@ private slots:
         QCOMPARE(flaggedCount(series), 0);
         for (const DelayKind kind : delayKinds) {
             for (int i = 0; i < 3; ++i) {
-                const double value = valuesOf(bench.results, kind)[i];
-                QVERIFY(qAbs(valuesOf(series.results, kind)[i] - value) <= 5e-6 * value);
+                const double value = bench.results[kind].values[i];
+                QVERIFY(qAbs(series.results[kind].values[i] - value) <= 5e-6 * value);
             }
         }
     }
@@ -186,7 +186,7 @@ private slots:
         QCOMPARE(setrlimit(RLIMIT_FSIZE, &limit), 0);
         const int returned = bench.run();
         SeriesResults many; // more than is written at once
-        many.sourceToRf.values.fill(1.5, 20000);
+        many[SourceToRf].values.fill(1.5, 20000);
         const bool isWhole = writeResults(other.filePath("many"), many);
         const rlimit usual{RLIM_INFINITY, RLIM_INFINITY};
         QCOMPARE(setrlimit(RLIMIT_FSIZE, &usual), 0);

@@ -72,8 +72,8 @@ private slots:
         QCOMPARE(series.oscilloscope.remark, QString());
         QVERIFY(series.oscilloscope.type == OscilloscopeType::Kvx);
         for (int i = 0; i < series.count(); ++i) {
-            QCOMPARE(int(series.flags[0][i]), rf.contains(i + 1) ? int(flag) : 0);
-            QCOMPARE(int(series.flags[2][i]), sink.contains(i + 1) ? int(flag) : 0);
+            QCOMPARE(int(series.flags[SourceToRf][i]), rf.contains(i + 1) ? int(flag) : 0);
+            QCOMPARE(int(series.flags[SourceToSink][i]), sink.contains(i + 1) ? int(flag) : 0);
         }
     }
 
@@ -82,9 +82,9 @@ private slots:
         const QTemporaryDir folder;
         const Series series =
             open(save(folder.path(), {44, 43, 45}, {95, 0, -230}, {118, 119, 120}));
-        QCOMPARE(int(series.flags[1][0]), 0);
-        QCOMPARE(int(series.flags[1][1]), int(Flag::NoHdmiValue));
-        QCOMPARE(int(series.flags[1][2]), int(Flag::NoHdmiEvent));
+        QCOMPARE(int(series.flags[SourceToHdmi][0]), 0);
+        QCOMPARE(int(series.flags[SourceToHdmi][1]), int(Flag::NoHdmiValue));
+        QCOMPARE(int(series.flags[SourceToHdmi][2]), int(Flag::NoHdmiEvent));
     }
 
     /// What cannot be recognised is said, with the reason, and the ends of both types' axes count,
@@ -119,9 +119,9 @@ private slots:
         Series series;
         QString reason;
         QVERIFY(openResults(file, &series, &reason));
-        QCOMPARE(int(series.flags[2][0]), int(Flag::EndOfAxis));
+        QCOMPARE(int(series.flags[SourceToSink][0]), int(Flag::EndOfAxis));
         addTraces(&series);
-        QCOMPARE(int(series.flags[0][0]), int(Flag::EndOfAxis));
+        QCOMPARE(int(series.flags[SourceToRf][0]), int(Flag::EndOfAxis));
         QVERIFY(!series.oscilloscope.type);
         QVERIFY2(series.oscilloscope.remark.contains(remark),
                  qPrintable(series.oscilloscope.remark));

@@ -247,7 +247,7 @@ private slots:
             return entry.startsWith("scope") ? VI_ERROR_INV_OBJECT : VI_SUCCESS;
         };
         QCOMPARE(visa.run(), 0);
-        QCOMPARE(visa.results.sourceToHdmi.values, Trace{0.0});
+        QCOMPARE(visa.results[SourceToHdmi].values, Trace{0.0});
     }
 };
 

@@ -119,14 +119,14 @@ private slots:
         const QTemporaryDir folder;
         const QVector<Series> shown =
             loadSeries({save(folder.path(), {44, 501, 45}, {0, 0, 0}, {119, 121, 120})}).series;
-        const std::unique_ptr<QwtPlot> plot(driftPlot(shown, DelayKind::Rf));
+        const std::unique_ptr<QwtPlot> plot(driftPlot(shown, SourceToRf));
         plot->resize(600, 400);
         plot->replot();
         const double x = plot->canvasMap(QwtPlot::xBottom).transform(2);
-        QCOMPARE(measurementText(*plot, shown, DelayKind::Rf, {int(x), 2}),
+        QCOMPARE(measurementText(*plot, shown, SourceToRf, {int(x), 2}),
                  QString("2026-03-05 14:07:09\nMeasurement 2: 501 ms\n") +
                      flagReason(Flag::EndOfAxis));
-        QCOMPARE(measurementText(*plot, shown, DelayKind::Rf, {int(x), 100}), QString());
+        QCOMPARE(measurementText(*plot, shown, SourceToRf, {int(x), 100}), QString());
     }
 
     /// The window follows its folder, and what is looked at stays while it is there.

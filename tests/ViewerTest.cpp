@@ -37,7 +37,7 @@ Series seriesOf(const Values &delays)
 {
     Series series;
     series.fileName = "measured";
-    series.results = {{delays, 0}, {Values(delays.size(), 0), 0}, {delays, 0}};
+    series.results = {{{delays, 0}, {Values(delays.size(), 0), 0}, {delays, 0}}};
     series.flags = flagDelays(series.results, 0, {});
     return series;
 }
@@ -88,7 +88,7 @@ private slots:
     void driftAxis()
     {
         const Series series = seriesOf({44, 45, 501, 44, 46, 45, 44, 350, 45, 46, 44});
-        const std::unique_ptr<QwtPlot> plot(driftPlot({series}, DelayKind::Rf));
+        const std::unique_ptr<QwtPlot> plot(driftPlot({series}, SourceToRf));
         plot->updateAxes();
         const auto [least, greatest] = axisOf(*plot, QwtPlot::yLeft);
         QVERIFY(least > 43 && least < 44 && greatest > 46 && greatest < 47);
@@ -108,7 +108,7 @@ private slots:
             rf += (i < 15000 ? 44 : 54) + i % 10 * 0.1;
         }
         rf[20000] = 60;
-        const std::unique_ptr<QwtPlot> plot(driftPlot({seriesOf(rf)}, DelayKind::Rf));
+        const std::unique_ptr<QwtPlot> plot(driftPlot({seriesOf(rf)}, SourceToRf));
         QCOMPARE(pointsOf(*plot, "measured").count({19950.5, 60}), 1);
         const QVector<QPointF> medians = pointsOf(*plot, "Median");
         QCOMPARE(medians.size(), 200);
@@ -136,7 +136,7 @@ private slots:
         QFETCH(const Values, first);
         QFETCH(const Values, second);
         const std::unique_ptr<QwtPlot> plot(
-            histogramPlot({seriesOf(first), seriesOf(second)}, DelayKind::Rf));
+            histogramPlot({seriesOf(first), seriesOf(second)}, SourceToRf));
         QVector<Values> shares;
         for (const QwtPlotItem *item : plot->itemList(QwtPlotItem::Rtti_PlotHistogram)) {
             const auto *histogram = static_cast<const QwtPlotHistogram *>(item);
@@ -160,7 +160,7 @@ private slots:
     {
         const Values four = {44, 45, 46, 45};
         const Series series = seriesOf(four + four + four + four + four);
-        const std::unique_ptr<QwtPlot> plot(cumulativePlot({series}, DelayKind::Rf));
+        const std::unique_ptr<QwtPlot> plot(cumulativePlot({series}, SourceToRf));
         QCOMPARE(pointsOf(*plot, "measured: P50 45.00, P95 46.00"),
                  (QVector<QPointF>{{44, 0}, {44, 25}, {45, 75}, {46, 100}}));
         QCOMPARE(pointsOf(*plot, ""), (QVector<QPointF>{{45, 50}, {46, 95}}));

@@ -50,5 +50,5 @@ QwtInterval withAir(const QwtInterval &range)
 
 double delayStep(const Series &series, DelayKind kind)
 {
-    return kind == DelayKind::Hdmi ? 0.0 : samplingInterval(series);
+    return kind == SourceToHdmi ? 0.0 : samplingInterval(series);
 }

@@ -1,5 +1,6 @@
 #include "viewer/DriftPlot.h"
 
+#include "analysis/DelayText.h"
 #include "analysis/Statistics.h"
 #include "viewer/DelayRange.h"
 #include "viewer/PlotStyle.h"
@@ -21,7 +22,7 @@ struct Points
 {
     Points(const Series &series, DelayKind kind, const QwtInterval &axis)
     {
-        const QVector<double> &values = valuesOf(series.results, kind);
+        const QVector<double> &values = series.results[kind].values;
         const double border = 0.02 * axis.width(); // a symbol on the axis itself would be cut
         for (int i = 0; i < values.size(); ++i) {
             if (!std::isfinite(values[i])) {
@@ -31,7 +32,7 @@ struct Points
             const QPointF point(i + 1.0, isInside ? values[i]
                                                   : qBound(axis.minValue() + border, values[i],
                                                            axis.maxValue() - border));
-            const bool isFlagged = series.flagsOf(kind)[i] != 0;
+            const bool isFlagged = series.flags[kind][i] != 0;
             (isFlagged ? flagged : unflagged) += point;
             (isFlagged || isInside ? ordinary : beyond) += point;
         }

@@ -60,7 +60,7 @@ QwtPlot *histogramPlot(const QVector<Series> &selection, DelayKind kind)
             columns += QwtIntervalSample(counts[bin + 1] * one, bins.edge(bin), bins.edge(bin + 1));
         }
         QString title = plotNames(selection)[i];
-        const int leftOut = valuesOf(selection[i].results, kind).size() - n;
+        const int leftOut = selection[i].results[kind].values.size() - n;
         if (leftOut > 0) {
             title += QString(" (%1 flagged left out)").arg(leftOut);
         }

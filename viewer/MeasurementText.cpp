@@ -17,7 +17,7 @@ QString measurementText(const QwtPlot &plot, const QVector<Series> &selection, D
     double distance = 10.0; // pixels: farther away is not meant
     QString text;
     for (const Series &series : selection) {
-        const QVector<double> &values = valuesOf(series.results, kind);
+        const QVector<double> &values = series.results[kind].values;
         const auto at = [&](double pixel) { // measurements are counted from 1
             return static_cast<int>(qBound(0.0, x.invTransform(pixel) - 1, values.size() - 1.0));
         };
@@ -35,7 +35,7 @@ QString measurementText(const QwtPlot &plot, const QVector<Series> &selection, D
                            .arg(seriesName(series))
                            .arg(i + 1)
                            .arg(numberText(values[i]));
-                if (const Flags flags = series.flagsOf(kind)[i]) {
+                if (const Flags flags = series.flags[kind][i]) {
                     text += '\n' + flagReasons(flags);
                 }
             }

@@ -56,8 +56,8 @@ QVariant ValuesTable::data(const QModelIndex &index, int role) const
     case Reasons:
         return measurementFlags(*series, row);
     default:
-        return numberText(valuesOf(series->results,
-                                   delayKinds[static_cast<std::size_t>(column - FirstDelay)])[row]);
+        return numberText(
+            series->results[static_cast<std::size_t>(column - FirstDelay)].values[row]);
     }
 }
 

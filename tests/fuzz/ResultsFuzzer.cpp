@@ -28,8 +28,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     }
     require(reason.isEmpty(), "no reason to complain");
     for (const DelayKind kind : delayKinds) {
-        require(valuesOf(series.results, kind).size() == series.count() &&
-                    series.flagsOf(kind).size() == series.count() &&
+        require(series.results[kind].values.size() == series.count() &&
+                    series.flags[kind].size() == series.count() &&
                     selectValues(series, kind, false).size() <= series.count(),
                 "as many values as measurements");
     }
