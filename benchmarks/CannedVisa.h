@@ -18,40 +18,38 @@ public:
     {
         answerTo = std::move(answer);
         p_viWrite = [](ViSession, const ViByte *bytes, ViUInt32 count, ViUInt32 *) {
-            unread = answerTo({reinterpret_cast<const char *>(bytes), int(count)});
+            unread = answerTo(
+                QByteArray::fromRawData(reinterpret_cast<const char *>(bytes), int(count)));
             position = 0;
             return VI_SUCCESS;
         };
         p_viRead = [](ViSession, ViByte *buffer, ViUInt32 count, ViUInt32 *returnedCount) {
-            const QByteArray bytes = next(count, returnedCount);
+            QByteArray bytes;
+            const ViStatus status = take(count, returnedCount, &bytes);
             std::memcpy(buffer, bytes.constData(), std::size_t(bytes.size()));
-            return status(bytes, count);
+            return status;
         };
         p_viReadToFile = [](ViSession, const ViChar *name, ViUInt32 count,
                             ViUInt32 *returnedCount) {
-            const QByteArray bytes = next(count, returnedCount);
+            QByteArray bytes;
+            const ViStatus status = take(count, returnedCount, &bytes);
             const int file = ::open(name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
             const auto written = ::write(file, bytes.constData(), std::size_t(bytes.size()));
             ::close(file);
-            return written == bytes.size() ? status(bytes, count) : VI_ERROR_FILE_IO;
+            return written == bytes.size() ? status : VI_ERROR_FILE_IO;
         };
     }
 
 private:
-    static QByteArray next(ViUInt32 count, ViUInt32 *returnedCount)
+    static ViStatus take(ViUInt32 count, ViUInt32 *returnedCount, QByteArray *bytes)
     {
         const int size = qMin(int(count), unread.size() - position);
-        const auto bytes = QByteArray::fromRawData(unread.constData() + position, size);
+        *bytes = QByteArray::fromRawData(unread.constData() + position, size);
         position += size;
         if (returnedCount != nullptr) {
             *returnedCount = ViUInt32(size);
         }
-        return bytes;
-    }
-
-    static ViStatus status(const QByteArray &bytes, ViUInt32 count)
-    {
-        if (bytes.isEmpty() && count > 0) {
+        if (size == 0 && count > 0) {
             return VI_ERROR_TMO;
         }
         return position == unread.size() ? VI_SUCCESS : VI_SUCCESS_MAX_CNT;

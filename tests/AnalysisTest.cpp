@@ -51,6 +51,10 @@ private slots:
                                 << "has lines of different counts: 2, 1 and 2 delays";
         QTest::newRow("no number")
             << changed("46.5", "4x6.5") << "has a wrong line 1: \"4x6.5\" is not a number";
+        QTest::newRow("no blank before a number")
+            << changed(": 120.2", ":120.2") << "has a wrong line 5: \"20.2\" is not a number";
+        QTest::newRow("two means")
+            << changed("Mean: 0", "Mean: 0 0") << "has a wrong line 4: it does not have one mean";
         QTest::newRow("lines swapped") << changed("Source2HD Delay", "Source2Snk Delay")
                                        << "has a wrong line 3: it does not begin with \"Source2HD";
     }
