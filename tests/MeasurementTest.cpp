@@ -201,7 +201,7 @@ private slots:
         visa.settings.save = false;
         for (int call = -1; call < transcript.calls.size(); ++call) {
             visa.takeCalls();
-            visa.fails = failing(call, VI_ERROR_IO);
+            visa.fails = transcript.fault(call, VI_ERROR_IO);
             QCOMPARE(visa.run(), 0);
             QCOMPARE(visa.takeCalls(), transcript.without(call));
             QCOMPARE(record.rf, step(11, 0, 3, 0.2));

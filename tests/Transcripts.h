@@ -30,14 +30,26 @@ struct Transcript
         return calls.mid(0, failing + 1) + calls.mid(from);
     }
 
+    [[nodiscard]] bool isReadyWithout(int failing) const
+    {
+        return failing < 0 ? !whenItFails.contains("fails, not ready")
+                           : !whenItFails[failing].endsWith("not ready");
+    }
+
+    /// Returns a fault for Line::fails: the call at an index gets a status, and those that always
+    /// fail an error.
+    [[nodiscard]] auto fault(int failing, ViStatus status) const
+    {
+        return [=, call = -1](const QString &entry) mutable {
+            if (entry.contains(" reads")) {
+                return VI_SUCCESS;
+            }
+            ++call;
+            const bool isFault = whenItFails.value(call).startsWith("fails");
+            return call == failing ? status : isFault ? VI_ERROR_RSRC_NFOUND : VI_SUCCESS;
+        };
+    }
+
     QStringList calls;
     QStringList whenItFails;
 };
-
-/// Returns a fault for Line::fails: of all calls but reads, the one at an index has this status.
-inline auto failing(int index, ViStatus status)
-{
-    return [=, call = 0](const QString &entry) mutable {
-        return entry.contains(" reads") || call++ != index ? VI_SUCCESS : status;
-    };
-}
