@@ -17,6 +17,13 @@ constexpr OscilloscopeType lpa4004 = OscilloscopeType::Lpa4004;
 
 using Trace = QVector<double>;
 
+enum Edge
+{
+    Source,
+    Rf,
+    Sink
+};
+
 /// A trace of n samples at one level, with another level from one index on.
 Trace step(int n, double from, int index, double to)
 {
@@ -65,56 +72,46 @@ class MeasurementTest : public QObject
 private slots:
     void edges_data()
     {
+        QTest::addColumn<int>("edge");
+        QTest::addColumn<Trace>("trace");
+        QTest::addColumn<int>("index");
         const int n = 101;
-        const Trace src = step(n, 0.0, 20, 0.1);
-        const Trace rf = step(n, 0.0, 40, 0.2);
-        const Trace snk = step(n, 0.0, 60, 0.1);
         const auto runs = [](int start, int length, int secondStart = 0, int secondLength = 0) {
             Trace trace(n, 0.05);
             std::fill_n(trace.begin() + start, length, 0.0501);
             std::fill_n(trace.begin() + secondStart, secondLength, 0.0501);
             return trace;
         };
-        for (const char *trace : {"source", "rf", "sink"}) {
-            QTest::addColumn<Trace>(trace);
-        }
-        for (const char *edge : {"sourceEdge", "rfEdge", "sinkEdge"}) {
-            QTest::addColumn<int>(edge);
-        }
-        QTest::newRow("source rises by 35 mV")
-            << step(n, 0, 20, 0.035) << rf << snk << n << n << 60;
-        QTest::newRow("source rises a little more")
-            << step(n, 0, 20, 0.0351) << rf << snk << 20 << 40 << 60;
-        QTest::newRow("source starts high") << step(n, 0.2, 20, 0.23) << rf << snk << n << n << 60;
-        QTest::newRow("RF runs of seven, then eight")
-            << src << runs(30, 7, 38, 8) << snk << 20 << 38 << 60;
-        QTest::newRow("RF run of twelve, seven of them after the source edge")
-            << src << runs(15, 12) << snk << 20 << n << 60;
-        QTest::newRow("RF in the last eight") << src << runs(n - 8, 8) << snk << 20 << n - 8 << 60;
-        QTest::newRow("RF in the last seven") << src << runs(n - 7, 7) << snk << 20 << n << 60;
-        QTest::newRow("RF from the last sample, in a longer trace")
-            << src << step(n + 7, 0, n - 1, 0.2) << snk << 20 << n - 1 << 60;
-        QTest::newRow("RF behind the record, in a longer trace")
-            << src << step(n + 20, 0, n, 0.2) << snk << 20 << n << 60;
-        QTest::newRow("sink of 60 mV") << src << rf << step(n, 0, 60, 0.06) << 20 << 40 << 60;
-        QTest::newRow("sink a little lower")
-            << src << rf << step(n, 0, 60, 0.0599) << 20 << 40 << n;
-        QTest::newRow("traces that end before their edges")
-            << src.mid(0, 20) << rf.mid(0, 47) << snk.mid(0, 60) << n << n << n;
+        const auto row = [](const char *name) -> QTestData & { return QTest::newRow(name); };
+        row("source rises by 35 mV") << int(Source) << step(n, 0, 20, 0.035) << n;
+        row("source rises a little more") << int(Source) << step(n, 0, 20, 0.0351) << 20;
+        row("source starts high") << int(Source) << step(n, 0.2, 20, 0.23) << n;
+        row("source ends before its edge") << int(Source) << step(20, 0, 20, 0) << n;
+        row("RF runs of seven, then eight") << int(Rf) << runs(30, 7, 38, 8) << 38;
+        row("RF run of which seven follow the source") << int(Rf) << runs(15, 12) << n;
+        row("RF in the last eight") << int(Rf) << runs(n - 8, 8) << n - 8;
+        row("RF in the last seven") << int(Rf) << runs(n - 7, 7) << n;
+        row("RF from the last sample on") << int(Rf) << step(n + 7, 0, n - 1, 0.2) << n - 1;
+        row("RF behind the record") << int(Rf) << step(n + 20, 0, n, 0.2) << n;
+        row("sink of 60 mV") << int(Sink) << step(n, 0, 60, 0.06) << 60;
+        row("sink a little lower") << int(Sink) << step(n, 0, 60, 0.0599) << n;
+        row("sink ends before its edge") << int(Sink) << step(60, 0, 60, 0) << n;
     }
 
-    /// Edges by index, in records of 101 samples.
+    /// An edge's index in a record of 101 samples, of which one trace is not the usual one.
     void edges()
     {
-        QFETCH(const Trace, source);
-        QFETCH(const Trace, rf);
-        QFETCH(const Trace, sink);
+        QFETCH(const int, edge);
+        QFETCH(const Trace, trace);
+        QVector<Trace> traces = {step(101, 0, 20, 0.1), step(101, 0, 40, 0.2),
+                                 step(101, 0, 60, 0.1)};
+        traces[edge] = trace;
         Trace axis(102); // of all instants but that of RF, which is computed
         std::iota(axis.begin(), axis.end(), 0.0);
-        const Instants at = computeDelays(101, source, rf, sink, axis, kvx).instants;
-        QTEST(int(at.source), "sourceEdge");
-        QTEST(qRound((at.rf + 0.5) * 100), "rfEdge");
-        QTEST(int(at.sink), "sinkEdge");
+        const Instants at =
+            computeDelays(101, traces[Source], traces[Rf], traces[Sink], axis, kvx).instants;
+        const QVector<int> indices = {int(at.source), qRound((at.rf + 0.5) * 100), int(at.sink)};
+        QTEST(indices[edge], "index");
     }
 
     /// RF on the trigger, without a time axis; and a number of samples that makes no sense.
