@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QDebug>
+#include <QRegularExpression>
 
 Q_LOGGING_CATEGORY(exchangeLog, "orvanta.visa", QtWarningMsg)
 
@@ -20,8 +21,11 @@ void logCall(const char *function, ViObject session, const QByteArray &content, 
 
 QByteArray readable(const QByteArray &message)
 {
-    const int digits = message.startsWith('#') && message.size() > 2 ? message[1] - '0' : 0;
-    if (digits >= 1 && digits <= 9 && message.size() > 2 + digits) {
+    // A text may begin with '#', too: a block has a digit there, and as many more as that says.
+    static const QRegularExpression header("^#([1-9])([0-9]{1,9})");
+    const QRegularExpressionMatch match = header.match(QString::fromLatin1(message.left(11)));
+    const int digits = match.captured(1).toInt();
+    if (match.hasMatch() && match.capturedLength(2) >= digits) {
         return message.left(2 + digits) + "... " + QByteArray::number(message.size()) + " bytes";
     }
     QString text;

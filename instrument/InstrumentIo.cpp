@@ -20,7 +20,7 @@ using ReplyBuffer = std::array<char, Size + 1>;
 /// Make a VISA call, and log it when the log is on. Returns VI_ERROR_LIBRARY_NFOUND when the entry
 /// point is null. content() returns what the call carried, for the log.
 template <typename Content, typename... Parameters, typename... Arguments>
-ViStatus call(const char *name, const ViObject &session, const Content &content,
+ViStatus call(const char *name, const ViObject *session, const Content &content,
               ViStatus (*entryPoint)(Parameters...), Arguments... arguments)
 {
     if (entryPoint == nullptr) {
@@ -32,7 +32,7 @@ ViStatus call(const char *name, const ViObject &session, const Content &content,
     QElapsedTimer sinceStart;
     sinceStart.start();
     const ViStatus status = entryPoint(arguments...);
-    logCall(name, session, content(), status, sinceStart);
+    logCall(name, session != nullptr ? *session : 0, content(), status, sinceStart);
     return status;
 }
 
@@ -73,7 +73,7 @@ ViStatus query(ViSession session, const QString &command, std::array<char, Buffe
 
 ViStatus iaOpenDefaultRM(ViSession *resourceManager)
 {
-    return call("viOpenDefaultRM", *resourceManager, nothing, p_viOpenDefaultRM, resourceManager);
+    return call("viOpenDefaultRM", resourceManager, nothing, p_viOpenDefaultRM, resourceManager);
 }
 
 ViStatus iaOpen(ViSession resourceManager, const QString &resource, ViAccessMode accessMode,
@@ -81,24 +81,24 @@ ViStatus iaOpen(ViSession resourceManager, const QString &resource, ViAccessMode
 {
     const QByteArray name = resource.toLocal8Bit();
     return call(
-        "viOpen", *session, [&] { return readable(name); }, p_viOpen, resourceManager,
+        "viOpen", session, [&] { return readable(name); }, p_viOpen, resourceManager,
         name.constData(), accessMode, timeout, session);
 }
 
 ViStatus iaClose(ViSession session)
 {
-    return call("viClose", session, nothing, p_viClose, session);
+    return call("viClose", &session, nothing, p_viClose, session);
 }
 
 ViStatus iaClear(ViSession session)
 {
-    return call("viClear", session, nothing, p_viClear, session);
+    return call("viClear", &session, nothing, p_viClear, session);
 }
 
 ViStatus iaWrite(ViSession session, unsigned char *buffer, ViUInt32 count, ViUInt32 *returnedCount)
 {
     const auto content = [=] { return readable(bytesOf(buffer, count)); };
-    return call("viWrite", session, content, p_viWrite, session, buffer, count, returnedCount);
+    return call("viWrite", &session, content, p_viWrite, session, buffer, count, returnedCount);
 }
 
 ViStatus iaRead(ViSession session, unsigned char *buffer, ViUInt32 count, ViUInt32 *returnedCount)
@@ -106,7 +106,7 @@ ViStatus iaRead(ViSession session, unsigned char *buffer, ViUInt32 count, ViUInt
     ViUInt32 own = 0;
     ViUInt32 *size = counter(returnedCount, &own);
     const auto content = [=] { return readable(bytesOf(buffer, qMin(*size, count))); };
-    return call("viRead", session, content, p_viRead, session, buffer, count, size);
+    return call("viRead", &session, content, p_viRead, session, buffer, count, size);
 }
 
 ViStatus iaReadToFile(ViSession session, const QString &fileName, ViUInt32 count,
@@ -115,7 +115,7 @@ ViStatus iaReadToFile(ViSession session, const QString &fileName, ViUInt32 count
     ViUInt32 own = 0;
     ViUInt32 *size = counter(returnedCount, &own);
     const auto content = [=] { return QByteArray::number(*size) + " bytes to a file"; };
-    return call("viReadToFile", session, content, p_viReadToFile, session,
+    return call("viReadToFile", &session, content, p_viReadToFile, session,
                 fileName.toLocal8Bit().constData(), count, size);
 }
 
@@ -124,28 +124,28 @@ ViStatus iaSetAttribute(ViSession session, ViAttr attribute, ViAttrState value)
     const auto content = [=] {
         return QByteArray::number(attribute, 16) + ' ' + QByteArray::number(qulonglong{value});
     };
-    return call("viSetAttribute", session, content, p_viSetAttribute, session, attribute, value);
+    return call("viSetAttribute", &session, content, p_viSetAttribute, session, attribute, value);
 }
 
 ViStatus iaGetAttribute(ViSession session, ViAttr attribute, void *value)
 {
-    return call("viGetAttribute", session, nothing, p_viGetAttribute, session, attribute, value);
+    return call("viGetAttribute", &session, nothing, p_viGetAttribute, session, attribute, value);
 }
 
 ViStatus iaSetBuf(ViSession session, ViUInt16 mask, ViUInt32 size)
 {
-    return call("viSetBuf", session, nothing, p_viSetBuf, session, mask, size);
+    return call("viSetBuf", &session, nothing, p_viSetBuf, session, mask, size);
 }
 
 ViStatus iaReadSTB(ViSession session, ViUInt16 *statusByte)
 {
-    return call("viReadSTB", session, nothing, p_viReadSTB, session, statusByte);
+    return call("viReadSTB", &session, nothing, p_viReadSTB, session, statusByte);
 }
 
 ViStatus iaGpibControlREN(ViSession session, ViUInt16 mode)
 {
     const auto content = [=] { return "mode " + QByteArray::number(mode); };
-    return call("viGpibControlREN", session, content, p_viGpibControlREN, session, mode);
+    return call("viGpibControlREN", &session, content, p_viGpibControlREN, session, mode);
 }
 
 ViStatus iaStatusDesc(ViSession session, ViStatus status, QString *text)
@@ -155,7 +155,7 @@ ViStatus iaStatusDesc(ViSession session, ViStatus status, QString *text)
     }
     ReplyBuffer<statusTextSize> buffer{};
     const ViStatus result =
-        call("viStatusDesc", session, nothing, p_viStatusDesc, session, status, buffer.data());
+        call("viStatusDesc", &session, nothing, p_viStatusDesc, session, status, buffer.data());
     *text = QString::fromUtf8(buffer.data());
     return result;
 }

@@ -29,7 +29,8 @@ private slots:
         double number = 7;
         for (const ViStatus status :
              {iaClear(1), iaReadSTB(1, &statusByte), iaStatusDesc(1, 0, &text), iaPrintf(1, "x\n"),
-              iaQueryf_s(1, "x\n", &text), iaScanf_s(1, &text), iaScanf_f(1, &number)}) {
+              iaOpenDefaultRM(nullptr), iaQueryf_s(1, "x\n", &text), iaScanf_s(1, &text),
+              iaScanf_f(1, &number)}) {
             QCOMPARE(status, VI_ERROR_LIBRARY_NFOUND);
         }
         QCOMPARE(statusByte, ViUInt16(7));
@@ -162,7 +163,7 @@ private slots:
         QLoggingCategory::setFilterRules("orvanta.visa.debug=true");
         iaQueryf_s(7, "*IDN?\n", &reply);
         iaQueryf_s(7, "CHAN1:DATA?\n", &reply);
-        iaPrintf(7, "CHAN1:DATA?\n");
+        iaPrintf(7, "#3 parts\n"); // no block
         iaReadToFile(7, "/dev/null", 100, nullptr);
         iaSetAttribute(7, VI_ATTR_TMO_VALUE, 5000);
         iaGpibControlREN(7, VI_GPIB_REN_ADDRESS_GTL);
@@ -173,7 +174,7 @@ private slots:
                              "session 7 viRead \"M,\\\"\\xF6\\\",1\\n\" VI_SUCCESS",
                              "session 7 viWrite \"CHAN1:DATA?\\n\" VI_SUCCESS",
                              "session 7 viRead #14... 8 bytes VI_SUCCESS",
-                             "session 7 viWrite \"CHAN1:DATA?\\n\" VI_SUCCESS",
+                             "session 7 viWrite \"#3 parts\\n\" VI_SUCCESS",
                              "session 7 viReadToFile 8 bytes to a file VI_SUCCESS",
                              "session 7 viSetAttribute 3fff001a 5000 0xBFFF0123",
                              "session 7 viGpibControlREN mode 6 VI_ERROR_IO",
