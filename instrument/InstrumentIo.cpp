@@ -104,19 +104,20 @@ ViStatus iaWrite(ViSession session, unsigned char *buffer, ViUInt32 count, ViUIn
 ViStatus iaRead(ViSession session, unsigned char *buffer, ViUInt32 count, ViUInt32 *returnedCount)
 {
     ViUInt32 own = 0;
-    ViUInt32 *size = counter(returnedCount, &own);
-    const auto content = [=] { return readable(bytesOf(buffer, qMin(*size, count))); };
-    return call("viRead", &session, content, p_viRead, session, buffer, count, size);
+    const ViUInt32 &size = returnedCount != nullptr ? *returnedCount : own;
+    const auto content = [&] { return readable(bytesOf(buffer, qMin(size, count))); };
+    return call("viRead", &session, content, p_viRead, session, buffer, count,
+                counter(returnedCount, &own));
 }
 
 ViStatus iaReadToFile(ViSession session, const QString &fileName, ViUInt32 count,
                       ViUInt32 *returnedCount)
 {
     ViUInt32 own = 0;
-    ViUInt32 *size = counter(returnedCount, &own);
-    const auto content = [=] { return QByteArray::number(*size) + " bytes to a file"; };
+    const ViUInt32 &size = returnedCount != nullptr ? *returnedCount : own;
+    const auto content = [&] { return QByteArray::number(size) + " bytes to a file"; };
     return call("viReadToFile", &session, content, p_viReadToFile, session,
-                fileName.toLocal8Bit().constData(), count, size);
+                fileName.toLocal8Bit().constData(), count, counter(returnedCount, &own));
 }
 
 ViStatus iaSetAttribute(ViSession session, ViAttr attribute, ViAttrState value)
