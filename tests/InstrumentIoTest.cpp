@@ -61,7 +61,7 @@ private slots:
     void numericReplies()
     {
         QFETCH(const QByteArray, reply);
-        const CannedVisa visa([=](auto &) { return reply; });
+        const CannedVisa visa([&](auto &) { return reply; });
         double queried = 7;
         double read = 7;
         int whole = 7;

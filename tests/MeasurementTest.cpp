@@ -157,7 +157,7 @@ private slots:
     {
         QFETCH(const QByteArray, answer);
         QFETCH(const Trace, trace);
-        const CannedVisa visa([=](auto &) { return answer; });
+        const CannedVisa visa([&](auto &) { return answer; });
         Trace read = {7.0};
         const bool isNew = trace != read;
         QCOMPARE(queryTrace(1, "CHAN1:DATA?\n", &read), isNew);
