@@ -60,7 +60,7 @@ private slots:
     /// Numbers by all functions that read them, also where the decimal point is a comma.
     void numericReplies()
     {
-        QFETCH(const QByteArray, reply);
+        QFETCH(QByteArray, reply);
         const CannedVisa visa([&](auto &) { return reply; });
         double queried = 7;
         double read = 7;

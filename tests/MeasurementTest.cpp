@@ -155,7 +155,7 @@ private slots:
     /// What becomes of a trace by the answer to its query.
     void blocks()
     {
-        QFETCH(const QByteArray, answer);
+        QFETCH(QByteArray, answer);
         QFETCH(const Trace, trace);
         const CannedVisa visa([&](auto &) { return answer; });
         Trace read = {7.0};
