@@ -1,20 +1,14 @@
 // What a measurement costs, beside a floor that nothing can go below.
 
-#include "app/Globals.h"
-#include "app/graph/Graph.h"
-#include "instrument/VisaBinding.h"
+#include "benchmarks/CannedVisa.h"
 #include "measurement/MeasurementRun.h"
 
 #include <QApplication>
-#include <QPixmap>
 
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
-#include <cstring>
-#include <fcntl.h>
 #include <sys/mman.h>
-#include <unistd.h>
 
 namespace {
 
@@ -32,71 +26,22 @@ QByteArray block(float before, int edge, float after)
 const QByteArray sourceBlock = block(0.005F, 10000, 0.15F);
 const QByteArray rfBlock = block(-75.0F, 10800, -20.0F);
 const QByteArray sinkBlock = block(0.01F, 12400, 0.12F);
-const QByteArray shortAnswer = "1\n";
 
-// What is left to read of the last answer.
-const char *unread = nullptr;
-std::size_t unreadSize = 0;
+QByteArrayList commands; // of a measurement, while they are noted
+bool isNoting = false;
 
-/// A call of a measurement: a command, or else the number of bytes that a read asks for.
-struct Call
-{
-    QByteArray command;
-    ViUInt32 count = 0;
-};
-QVector<Call> calls;
-bool isNoting = true;
-
-// A VISA library whose answers lie ready in memory. It costs as little as one can, so that the
-// program's own cost shows.
-
-ViStatus writeCommand(ViSession /*session*/, const ViByte *buffer, ViUInt32 count,
-                      ViUInt32 * /*returnedCount*/)
-{
-    const auto *command = reinterpret_cast<const char *>(buffer);
-    if (isNoting) {
-        calls << Call{QByteArray(command, static_cast<int>(count)), 0};
-    }
-    const auto starts = [=](const char *text) {
-        return std::strncmp(command, text, std::strlen(text)) == 0;
-    };
-    const QByteArray &answer = starts("CHAN1:DATA")                       ? sourceBlock
-                               : starts("CHAN2:DATA")                     ? sinkBlock
-                               : starts("CHAN3:DATA") || starts("TRAC? ") ? rfBlock
-                                                                          : shortAnswer;
-    unread = answer.constData();
-    unreadSize = static_cast<std::size_t>(answer.size());
-    return VI_SUCCESS;
-}
-
-ViStatus drop(std::size_t size, ViUInt32 *returnedCount)
-{
-    unread += size;
-    unreadSize -= size;
-    if (returnedCount != nullptr) {
-        *returnedCount = static_cast<ViUInt32>(size);
-    }
-    return unreadSize == 0 ? VI_SUCCESS : VI_SUCCESS_MAX_CNT;
-}
-
-ViStatus readAnswer(ViSession /*session*/, ViByte *buffer, ViUInt32 count, ViUInt32 *returnedCount)
+QByteArray answerTo(const QByteArray &command)
 {
     if (isNoting) {
-        calls << Call{{}, count};
+        commands << QByteArray(command.constData(), command.size());
     }
-    const std::size_t size = std::min<std::size_t>(count, unreadSize);
-    std::memcpy(buffer, unread, size);
-    return drop(size, returnedCount);
-}
-
-ViStatus readToFile(ViSession /*session*/, const ViChar *fileName, ViUInt32 count,
-                    ViUInt32 *returnedCount)
-{
-    const std::size_t size = std::min<std::size_t>(count, unreadSize);
-    const int file = ::open(fileName, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    const bool isWritten = ::write(file, unread, size) == static_cast<ssize_t>(size);
-    ::close(file);
-    return isWritten ? drop(size, returnedCount) : VI_ERROR_FILE_IO;
+    if (command.startsWith("CHAN1:DATA")) {
+        return sourceBlock;
+    }
+    if (command.startsWith("CHAN2:DATA")) {
+        return sinkBlock;
+    }
+    return command.startsWith("CHAN3:DATA") || command.startsWith("TRAC? ") ? rfBlock : "1\n";
 }
 
 /// Take one measurement with all three instruments.
@@ -121,53 +66,32 @@ void measurement(benchmark::State &state)
     }
 }
 
-/// Floor: every VISA call of a measurement, and for each trace a file written and read back.
+/// Floor: every command of a measurement and its answer, blocks by a file that is read back.
 void measurementFloor(benchmark::State &state)
 {
-    calls.clear();
+    commands.clear();
     isNoting = true;
     measure(OscilloscopeType(state.range(0)));
     isNoting = false;
     std::vector<ViByte> buffer(80000);
     for (auto _ : state) {
-        for (const Call &call : qAsConst(calls)) {
-            if (call.command.isEmpty()) {
-                p_viRead(1, buffer.data(), call.count, nullptr);
-            } else {
-                p_viWrite(1, reinterpret_cast<const ViByte *>(call.command.constData()),
-                          static_cast<ViUInt32>(call.command.size()), nullptr);
+        for (const QByteArray &command : qAsConst(commands)) {
+            p_viWrite(1, reinterpret_cast<const ViByte *>(command.constData()),
+                      static_cast<ViUInt32>(command.size()), nullptr);
+            if (p_viRead(1, buffer.data(), 7, nullptr) == VI_SUCCESS) {
+                continue; // not the header of a block
             }
-        }
-        for (int trace = 0; trace < 3; ++trace) {
             const int memory = memfd_create("floor", MFD_CLOEXEC);
             const QByteArray name = "/proc/self/fd/" + QByteArray::number(memory);
-            const int output = ::open(name, O_WRONLY | O_TRUNC | O_CLOEXEC);
-            benchmark::DoNotOptimize(::write(output, buffer.data(), buffer.size()));
-            ::close(output);
-            const int input = ::open(name, O_RDONLY | O_CLOEXEC);
-            benchmark::DoNotOptimize(::read(input, buffer.data(), buffer.size()));
-            ::close(input);
+            p_viReadToFile(1, name, 80010, nullptr);
+            benchmark::DoNotOptimize(::pread(memory, buffer.data(), buffer.size(), 0));
             ::close(memory);
         }
     }
 }
 
-void graph(benchmark::State &state)
-{
-    const Record record = measure(OscilloscopeType::Kvx);
-    d1_src = record.source;
-    d2_rf = record.rf;
-    d3_snk = record.sink;
-    t = record.time;
-    for (auto _ : state) {
-        Graph dialog(nullptr);
-        benchmark::DoNotOptimize(dialog.grab());
-    }
-}
-
 BENCHMARK(measurement)->Arg(0)->Arg(1);
 BENCHMARK(measurementFloor)->Arg(0)->Arg(1);
-BENCHMARK(graph)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
@@ -175,9 +99,7 @@ int main(int argc, char *argv[])
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
-    p_viWrite = writeCommand;
-    p_viRead = readAnswer;
-    p_viReadToFile = readToFile;
+    const CannedVisa visa(answerTo);
     for (const auto type : {OscilloscopeType::Kvx, OscilloscopeType::Lpa4004}) {
         const Record record = measure(type);
         if (record.rf.size() != recordLength || record.instants.sink <= record.instants.source) {
@@ -185,7 +107,6 @@ int main(int argc, char *argv[])
             return 1;
         }
     }
-    isNoting = false;
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();

@@ -16,7 +16,6 @@ END {
     printf "%-44s %12s %12s %7s\n", "", "cost / us", "floor / us", "ratio"
     row("measurement, KVx", median["measurement/0"], median["measurementFloor/0"])
     row("measurement, LPA4004", median["measurement/1"], median["measurementFloor/1"])
-    row("graph, made and painted", median["graph"])
     row("results of 100000 measurements, summed up", median["summary"], median["bareNumbers"])
     row("trace of 1000000 samples, read and drawn", median["traceDrawn"], median["traceRead"])
 }

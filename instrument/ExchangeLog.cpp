@@ -2,26 +2,30 @@
 
 #include "visa/StatusText.h"
 
+#include <QDateTime>
 #include <QDebug>
+#include <QRegularExpression>
 
 Q_LOGGING_CATEGORY(exchangeLog, "orvanta.visa", QtWarningMsg)
 
-void CallTimer::log(const char *function, ViObject session, const QByteArray &content,
-                    ViStatus status) const
+void logCall(const char *function, ViObject session, const QByteArray &content, ViStatus status,
+             const QElapsedTimer &sinceStart)
 {
-    const double milliseconds = static_cast<double>(elapsed.nsecsElapsed()) / 1e6;
+    const double milliseconds = static_cast<double>(sinceStart.nsecsElapsed()) / 1e6;
+    const QDateTime start = QDateTime::currentDateTime().addMSecs(-sinceStart.elapsed());
     const QByteArray call = function + (content.isEmpty() ? QByteArray() : ' ' + content);
     qCDebug(exchangeLog, "%s session %u %s %s %.2f ms",
             qPrintable(start.toString(Qt::ISODateWithMs)), session, call.constData(),
             visa::statusName(status).c_str(), milliseconds);
 }
 
-QByteArray readable(const void *bytes, ViUInt32 count)
+QByteArray readable(const QByteArray &message)
 {
-    const auto message =
-        QByteArray::fromRawData(static_cast<const char *>(bytes), static_cast<int>(count));
-    const int digits = message.startsWith('#') && count > 2 ? message[1] - '0' : 0;
-    if (digits >= 1 && digits <= 9 && message.size() > 2 + digits) {
+    // A text may begin with '#', too: a block has a digit there, and as many more as that says.
+    static const QRegularExpression header("^#([1-9])([0-9]{1,9})");
+    const QRegularExpressionMatch match = header.match(QString::fromLatin1(message.left(11)));
+    const int digits = match.captured(1).toInt();
+    if (match.hasMatch() && match.capturedLength(2) >= digits) {
         return message.left(2 + digits) + "... " + QByteArray::number(message.size()) + " bytes";
     }
     QString text;

@@ -20,18 +20,19 @@ using ReplyBuffer = std::array<char, Size + 1>;
 /// Make a VISA call, and log it when the log is on. Returns VI_ERROR_LIBRARY_NFOUND when the entry
 /// point is null. content() returns what the call carried, for the log.
 template <typename Content, typename... Parameters, typename... Arguments>
-ViStatus call(const char *name, const ViObject &session, const Content &content,
+ViStatus call(const char *name, const ViObject *session, const Content &content,
               ViStatus (*entryPoint)(Parameters...), Arguments... arguments)
 {
-    const auto made = [&] {
-        return entryPoint != nullptr ? entryPoint(arguments...) : VI_ERROR_LIBRARY_NFOUND;
-    };
-    if (!exchangeLog().isDebugEnabled()) {
-        return made();
+    if (entryPoint == nullptr) {
+        return VI_ERROR_LIBRARY_NFOUND;
     }
-    const CallTimer timer;
-    const ViStatus status = made();
-    timer.log(name, session, content(), status);
+    if (!exchangeLog().isDebugEnabled()) {
+        return entryPoint(arguments...);
+    }
+    QElapsedTimer sinceStart;
+    sinceStart.start();
+    const ViStatus status = entryPoint(arguments...);
+    logCall(name, session != nullptr ? *session : 0, content(), status, sinceStart);
     return status;
 }
 
@@ -40,15 +41,15 @@ QByteArray nothing()
     return {};
 }
 
-ViUInt32 valueOf(const ViUInt32 *count)
+/// Returns where a read counts its bytes: the log needs the number even if the caller does not.
+ViUInt32 *counter(ViUInt32 *callers, ViUInt32 *own)
 {
-    return count != nullptr ? *count : 0;
+    return callers == nullptr && exchangeLog().isDebugEnabled() ? own : callers;
 }
 
-QByteArray attributeName(ViAttr attribute)
+QByteArray bytesOf(const unsigned char *buffer, ViUInt32 count)
 {
-    return attribute == VI_ATTR_TMO_VALUE ? "VI_ATTR_TMO_VALUE"
-                                          : "0x" + QByteArray::number(attribute, 16);
+    return {reinterpret_cast<const char *>(buffer), static_cast<int>(count)};
 }
 
 template <std::size_t BufferSize>
@@ -72,94 +73,80 @@ ViStatus query(ViSession session, const QString &command, std::array<char, Buffe
 
 ViStatus iaOpenDefaultRM(ViSession *resourceManager)
 {
-    return call("viOpenDefaultRM", *resourceManager, nothing, p_viOpenDefaultRM, resourceManager);
+    return call("viOpenDefaultRM", resourceManager, nothing, p_viOpenDefaultRM, resourceManager);
 }
 
 ViStatus iaOpen(ViSession resourceManager, const QString &resource, ViAccessMode accessMode,
                 ViUInt32 timeout, ViSession *session)
 {
     const QByteArray name = resource.toLocal8Bit();
-    const auto content = [&] {
-        return readable(name.constData(), static_cast<ViUInt32>(name.size()));
-    };
-    return call("viOpen", *session, content, p_viOpen, resourceManager, name.constData(),
-                accessMode, timeout, session);
+    return call(
+        "viOpen", session, [&] { return readable(name); }, p_viOpen, resourceManager,
+        name.constData(), accessMode, timeout, session);
 }
 
 ViStatus iaClose(ViSession session)
 {
-    return call("viClose", session, nothing, p_viClose, session);
+    return call("viClose", &session, nothing, p_viClose, session);
 }
 
 ViStatus iaClear(ViSession session)
 {
-    return call("viClear", session, nothing, p_viClear, session);
+    return call("viClear", &session, nothing, p_viClear, session);
 }
 
 ViStatus iaWrite(ViSession session, unsigned char *buffer, ViUInt32 count, ViUInt32 *returnedCount)
 {
-    const auto content = [=] { return readable(buffer, count); };
-    return call("viWrite", session, content, p_viWrite, session, buffer, count, returnedCount);
+    const auto content = [=] { return readable(bytesOf(buffer, count)); };
+    return call("viWrite", &session, content, p_viWrite, session, buffer, count, returnedCount);
 }
 
 ViStatus iaRead(ViSession session, unsigned char *buffer, ViUInt32 count, ViUInt32 *returnedCount)
 {
-    ViUInt32 counted = 0;
-    if (exchangeLog().isDebugEnabled() && returnedCount == nullptr) {
-        returnedCount = &counted;
-    }
-    const auto content = [=] { return readable(buffer, qMin(valueOf(returnedCount), count)); };
-    return call("viRead", session, content, p_viRead, session, buffer, count, returnedCount);
+    ViUInt32 own = 0;
+    const ViUInt32 &size = returnedCount != nullptr ? *returnedCount : own;
+    const auto content = [&] { return readable(bytesOf(buffer, qMin(size, count))); };
+    return call("viRead", &session, content, p_viRead, session, buffer, count,
+                counter(returnedCount, &own));
 }
 
 ViStatus iaReadToFile(ViSession session, const QString &fileName, ViUInt32 count,
                       ViUInt32 *returnedCount)
 {
-    ViUInt32 counted = 0;
-    if (exchangeLog().isDebugEnabled() && returnedCount == nullptr) {
-        returnedCount = &counted;
-    }
-    const auto content = [=] {
-        return QByteArray::number(valueOf(returnedCount)) + " bytes to a file";
-    };
-    return call("viReadToFile", session, content, p_viReadToFile, session,
-                fileName.toLocal8Bit().constData(), count, returnedCount);
+    ViUInt32 own = 0;
+    const ViUInt32 &size = returnedCount != nullptr ? *returnedCount : own;
+    const auto content = [&] { return QByteArray::number(size) + " bytes to a file"; };
+    return call("viReadToFile", &session, content, p_viReadToFile, session,
+                fileName.toLocal8Bit().constData(), count, counter(returnedCount, &own));
 }
 
 ViStatus iaSetAttribute(ViSession session, ViAttr attribute, ViAttrState value)
 {
     const auto content = [=] {
-        return attributeName(attribute) + ' ' + QByteArray::number(qulonglong{value});
+        return QByteArray::number(attribute, 16) + ' ' + QByteArray::number(qulonglong{value});
     };
-    return call("viSetAttribute", session, content, p_viSetAttribute, session, attribute, value);
+    return call("viSetAttribute", &session, content, p_viSetAttribute, session, attribute, value);
 }
 
 ViStatus iaGetAttribute(ViSession session, ViAttr attribute, void *value)
 {
-    const auto content = [=] { return attributeName(attribute); };
-    return call("viGetAttribute", session, content, p_viGetAttribute, session, attribute, value);
+    return call("viGetAttribute", &session, nothing, p_viGetAttribute, session, attribute, value);
 }
 
 ViStatus iaSetBuf(ViSession session, ViUInt16 mask, ViUInt32 size)
 {
-    const auto content = [=] {
-        return "mask " + QByteArray::number(mask) + ", " + QByteArray::number(size) + " bytes";
-    };
-    return call("viSetBuf", session, content, p_viSetBuf, session, mask, size);
+    return call("viSetBuf", &session, nothing, p_viSetBuf, session, mask, size);
 }
 
 ViStatus iaReadSTB(ViSession session, ViUInt16 *statusByte)
 {
-    const auto content = [=] { return QByteArray::number(*statusByte); };
-    return call("viReadSTB", session, content, p_viReadSTB, session, statusByte);
+    return call("viReadSTB", &session, nothing, p_viReadSTB, session, statusByte);
 }
 
 ViStatus iaGpibControlREN(ViSession session, ViUInt16 mode)
 {
-    const auto content = [=] {
-        return mode == VI_GPIB_REN_ADDRESS_GTL ? "Go To Local" : "mode " + QByteArray::number(mode);
-    };
-    return call("viGpibControlREN", session, content, p_viGpibControlREN, session, mode);
+    const auto content = [=] { return "mode " + QByteArray::number(mode); };
+    return call("viGpibControlREN", &session, content, p_viGpibControlREN, session, mode);
 }
 
 ViStatus iaStatusDesc(ViSession session, ViStatus status, QString *text)
@@ -168,9 +155,8 @@ ViStatus iaStatusDesc(ViSession session, ViStatus status, QString *text)
         return VI_ERROR_LIBRARY_NFOUND;
     }
     ReplyBuffer<statusTextSize> buffer{};
-    const auto content = [&] { return QByteArray(buffer.data()); };
     const ViStatus result =
-        call("viStatusDesc", session, content, p_viStatusDesc, session, status, buffer.data());
+        call("viStatusDesc", &session, nothing, p_viStatusDesc, session, status, buffer.data());
     *text = QString::fromUtf8(buffer.data());
     return result;
 }

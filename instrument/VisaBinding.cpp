@@ -30,42 +30,29 @@ namespace {
 
 QStringList libraryPaths;
 
-/// Make all entry points null.
-void unbind()
+/// Call visit(name, entryPoint) for the entry points in the order of their resolution, until it
+/// returns false.
+template <typename Visit>
+bool visitEntryPoints(const Visit &visit)
 {
-    const auto reset = [](auto &...entryPoints) { ((entryPoints = nullptr), ...); };
-    reset(p_viOpenDefaultRM, p_viStatusDesc, p_viOpen, p_viWrite, p_viRead, p_viQueryf_s,
-          p_viQueryf_f, p_viQueryf_i, p_viPrintf, p_viScanf_s, p_viScanf_f, p_viReadToFile,
-          p_viClear, p_viClose, p_viSetAttribute, p_viGetAttribute, p_viSetBuf, p_viReadSTB,
-          p_viGpibControlREN);
-}
-
-/// Resolve the entry points in order, up to the first that the library lacks. Returns whether all
-/// are there. *symbol is the name of the last one tried.
-bool resolveAll(QLibrary &library, QString *symbol)
-{
-    const auto resolve = [&](const char *name, auto *&entryPoint) {
-        using Pointer = std::remove_reference_t<decltype(entryPoint)>;
-        *symbol = name;
-        entryPoint = reinterpret_cast<Pointer>(library.resolve(name));
-        return entryPoint != nullptr;
-    };
-    return resolve("viOpenDefaultRM", p_viOpenDefaultRM) &&
-           resolve("viStatusDesc", p_viStatusDesc) && resolve("viOpen", p_viOpen) &&
-           resolve("viWrite", p_viWrite) && resolve("viRead", p_viRead) &&
-           resolve("viQueryf", p_viQueryf_s) && resolve("viQueryf", p_viQueryf_f) &&
-           resolve("viQueryf", p_viQueryf_i) && resolve("viPrintf", p_viPrintf) &&
-           resolve("viScanf", p_viScanf_f) && resolve("viReadToFile", p_viReadToFile) &&
-           resolve("viClear", p_viClear) && resolve("viClose", p_viClose) &&
-           resolve("viSetAttribute", p_viSetAttribute) &&
-           resolve("viGetAttribute", p_viGetAttribute) && resolve("viSetBuf", p_viSetBuf) &&
-           resolve("viReadSTB", p_viReadSTB) && resolve("viGpibControlREN", p_viGpibControlREN);
+    return visit("viOpenDefaultRM", p_viOpenDefaultRM) && visit("viStatusDesc", p_viStatusDesc) &&
+           visit("viOpen", p_viOpen) && visit("viWrite", p_viWrite) && visit("viRead", p_viRead) &&
+           visit("viQueryf", p_viQueryf_s) && visit("viQueryf", p_viQueryf_f) &&
+           visit("viQueryf", p_viQueryf_i) && visit("viPrintf", p_viPrintf) &&
+           visit("viScanf", p_viScanf_f) && visit("viReadToFile", p_viReadToFile) &&
+           visit("viClear", p_viClear) && visit("viClose", p_viClose) &&
+           visit("viSetAttribute", p_viSetAttribute) && visit("viGetAttribute", p_viGetAttribute) &&
+           visit("viSetBuf", p_viSetBuf) && visit("viReadSTB", p_viReadSTB) &&
+           visit("viGpibControlREN", p_viGpibControlREN);
 }
 
 /// Bind the library at a path. Returns why it cannot be bound, or an empty text.
 QString bind(const QString &path)
 {
-    unbind();
+    visitEntryPoints([](const char *, auto *&entryPoint) {
+        entryPoint = nullptr;
+        return true;
+    });
     // Without this check QLibrary tries other prefixes and suffixes when a file is missing, and may
     // load another library. At a FIFO it would wait for ever.
     if (!QFileInfo(path).isFile()) {
@@ -75,8 +62,16 @@ QString bind(const QString &path)
     if (!library.load()) {
         return library.errorString();
     }
-    QString symbol;
-    return resolveAll(library, &symbol) ? QString() : "lacks " + symbol;
+    QString missing;
+    visitEntryPoints([&](const char *name, auto *&entryPoint) {
+        using Pointer = std::remove_reference_t<decltype(entryPoint)>;
+        entryPoint = reinterpret_cast<Pointer>(library.resolve(name));
+        if (entryPoint == nullptr) {
+            missing = QString("lacks ") + name;
+        }
+        return entryPoint != nullptr;
+    });
+    return missing;
 }
 
 } // namespace

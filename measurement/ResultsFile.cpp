@@ -56,9 +56,9 @@ bool readNumbers(const QByteArray &text, QVector<double> *numbers, QString *reas
         const int blank = text.indexOf(' ', start + 1);
         const int end = blank < 0 ? text.size() : blank;
         const auto word = QByteArray::fromRawData(text.constData() + start + 1, end - start - 1);
-        bool isNumber = text[start] == ' ' && !word.isEmpty() && word[0] > ' ' && word.back() > ' ';
-        numbers->append(isNumber ? word.toDouble(&isNumber) : 0.0);
-        if (!isNumber) {
+        bool isNumber = false;
+        numbers->append(word.toDouble(&isNumber));
+        if (!isNumber || text[start] != ' ') {
             constexpr int shown = 20;
             *reason = QString("\"%1\" is not a number").arg(QString::fromUtf8(word.left(shown)));
             return false;
@@ -72,8 +72,7 @@ bool readNumbers(const QByteArray &text, QVector<double> *numbers, QString *reas
 bool isMean(double mean, const QVector<double> &values)
 {
     constexpr double rounding = 5e-6;
-    constexpr double summable =
-        1e300; // larger sums may overflow, here or in the program that wrote the file
+    constexpr double summable = 1e300; // larger sums may overflow, here or where they were written
     double sum = 0.0;
     double magnitude = 0.0;
     for (const double value : values) {
@@ -115,20 +114,24 @@ bool readResults(const QString &fileName, SeriesResults *results, QString *reaso
     SeriesResults read;
     for (int line = 0; line < 6; ++line) {
         const DelayKind kind = delayKinds[static_cast<std::size_t>(line / 2)];
-        const QByteArray heading = QByteArray(names[kind]) + (line % 2 == 0 ? " Delay:" : " Mean:");
+        const bool isDelays = line % 2 == 0;
+        const QByteArray heading = QByteArray(names[kind]) + (isDelays ? " Delay:" : " Mean:");
         if (!lines[line].startsWith(heading)) {
             return fail(line, QString("it does not begin with \"%1\"").arg(heading.constData()));
         }
-        QVector<double> means;
-        const bool isDelays = line % 2 == 0;
-        QVector<double> *numbers = isDelays ? &read[kind].values : &means;
-        if (!readNumbers(lines[line].mid(heading.size()), numbers, reason)) {
+        QVector<double> numbers;
+        if (!readNumbers(lines[line].mid(heading.size()), &numbers, reason)) {
             return fail(line, *reason);
         }
-        if (!isDelays && means.size() != 1) {
+        if (isDelays) {
+            read[kind].values = numbers;
+            continue;
+        }
+        if (numbers.size() != 1) {
             return fail(line, "it does not have one mean");
         }
-        if (!isDelays && !isMean(read[kind].mean = means[0], read[kind].values)) {
+        read[kind].mean = numbers[0];
+        if (!isMean(numbers[0], read[kind].values)) {
             return fail(line, "the mean is not that of the delays: cut off or changed");
         }
     }

@@ -72,20 +72,19 @@ constexpr ViUInt32 terminatorRoom = 10;
 /// bytes that it announces, 0 when there are no digits; nothing when there is no header.
 std::optional<ViUInt32> readBlockHeader(ViSession session)
 {
-    std::array<unsigned char, 100> buffer{};
+    std::array<unsigned char, 2> start{};
     ViUInt32 count = 0;
-    if (iaRead(session, buffer.data(), 2, &count) < 0 || count < 2 || buffer[0] != '#') {
+    if (iaRead(session, start.data(), 2, &count) < 0 || count < 2 || start[0] != '#') {
         return std::nullopt;
     }
+    std::array<unsigned char, 100> length{}; // the last byte stays zero and ends the text
     // The character may be none of the digits; the buffer's size is the limit.
-    const int digits = qBound(0, buffer[1] - '0', static_cast<int>(buffer.size()) - 1);
-    count = 0;
-    if (iaRead(session, buffer.data(), static_cast<ViUInt32>(digits), &count) < 0) {
+    const int digits = qBound(0, start[1] - '0', static_cast<int>(length.size()) - 1);
+    if (iaRead(session, length.data(), static_cast<ViUInt32>(digits), nullptr) < 0) {
         return std::nullopt;
     }
-    buffer.at(qMin(count, static_cast<ViUInt32>(digits))) = '\0';
     return static_cast<ViUInt32>(
-        qMax(0, leadingInteger(reinterpret_cast<const char *>(buffer.data()))));
+        qMax(0, leadingInteger(reinterpret_cast<const char *>(length.data()))));
 }
 
 /// Replace a trace by the 32-bit floats in the first bytes of a device, or in all that it has.

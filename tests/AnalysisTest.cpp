@@ -50,6 +50,10 @@ private slots:
         row("counts", changed(" 0 0", " 0"), "has lines of different counts: 2, 1 and 2 delays.");
         row("no number", changed("46.5", "4x6.5"),
             "has a wrong line 1: \"4x6.5\" is not a number.");
+        row("no blank before a number", changed(": 120.2", ":120.2"),
+            "has a wrong line 5: \"20.2\" is not a number.");
+        row("two means", changed("Mean: 0", "Mean: 0 0"),
+            "has a wrong line 4: it does not have one mean.");
         row("lines swapped", changed("Source2HD Delay", "Source2Snk Delay"),
             "has a wrong line 3: it does not begin with \"Source2HD Delay:\".");
     }
