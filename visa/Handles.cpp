@@ -6,8 +6,8 @@ namespace {
 
 constexpr std::size_t most = 1024; // handles open at a time
 
-/// Objects that are being closed. Their links share a second; those in use end with their last
-/// user.
+/// Objects that are being closed. Their connections share a second; those in use end with their
+/// last user.
 struct Closing
 {
     Closing() = default;
@@ -18,8 +18,8 @@ struct Closing
         const Deadline deadline = std::chrono::steady_clock::now() + std::chrono::seconds(1);
         for (const auto &[handle, object] : objects) {
             const std::unique_lock lock(object->mutex, std::try_to_lock);
-            if (lock.owns_lock() && object->link != nullptr) {
-                object->link->close(deadline);
+            if (lock.owns_lock() && object->connection != nullptr) {
+                object->connection->close(deadline);
             }
         }
     }
@@ -52,7 +52,7 @@ std::shared_ptr<Object> Handles::find(ViObject handle)
 
 ViStatus Handles::close(ViObject handle)
 {
-    Closing closing; // ends after the lock: links take time
+    Closing closing; // ends after the lock: connections take time
     const std::lock_guard lock(mutex);
     if (objects.count(handle) == 0) {
         return VI_ERROR_INV_OBJECT;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "visa/Attributes.h"
-#include "visa/Link.h"
+#include "visa/DeviceConnection.h"
 
 #include <deque>
 #include <map>
@@ -23,18 +23,18 @@ struct Object
     };
 
     Kind kind = Kind::Manager;
-    ViSession manager = 0;         ///< that opened it
-    Attributes attributes{};       ///< not of a list
-    std::unique_ptr<Link> link{};  ///< of a session
-    unsigned locks = 0;            ///< how often a session has locked its device
-    std::deque<std::string> names; ///< of a list, the next one first
+    ViSession manager = 0;                          ///< that opened it
+    Attributes attributes{};                        ///< not of a list
+    std::unique_ptr<DeviceConnection> connection{}; ///< of a session
+    unsigned locks = 0;                             ///< how often a session has locked its device
+    std::deque<std::string> names;                  ///< of a list, the next one first
 
     std::mutex mutex{};
 };
 
 /// The open objects by their handles, which are never used twice. May be called from any thread.
-/// Whoever has found an object keeps it alive; one that is closed meanwhile goes afterwards. Links
-/// that are closed together share a second for it, however many are mute.
+/// Whoever has found an object keeps it alive; one that is closed meanwhile goes afterwards.
+/// Connections that are closed together share a second for it, however many are mute.
 class Handles
 {
 public:

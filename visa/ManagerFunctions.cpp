@@ -50,15 +50,15 @@ ViStatus openSession(ViSession manager, const visa::ResourceName &name, ViAccess
     const visa::Deadline deadline =
         visa::deadlineAfter(timeout == VI_TMO_IMMEDIATE ? usualOpenTimeout : timeout);
     const auto object = std::make_shared<Object>();
-    ViStatus status = visa::backend().open(name, deadline, &object->link);
+    ViStatus status = visa::backend().open(name, deadline, &object->connection);
     if (status != VI_SUCCESS) {
         return status;
     }
     object->kind = Object::Kind::Session;
     object->manager = manager;
-    object->attributes = Attributes(name, object->link->address(), manager);
+    object->attributes = Attributes(name, object->connection->address(), manager);
     if ((accessMode & VI_EXCLUSIVE_LOCK) != 0) {
-        status = object->link->lock(deadline);
+        status = object->connection->lock(deadline);
         object->locks = 1;
         object->attributes.assign(VI_ATTR_RSRC_LOCK_STATE, VI_EXCLUSIVE_LOCK);
     }

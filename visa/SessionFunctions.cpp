@@ -39,7 +39,8 @@ ViStatus write(Object &session, const ViByte *bytes, std::size_t count, ViUInt32
     }
     const bool end = session.attributes.number(VI_ATTR_SEND_END_EN) != 0;
     std::size_t written = 0;
-    const ViStatus status = session.link->write(bytes, count, end, deadlineOf(session), &written);
+    const ViStatus status =
+        session.connection->write(bytes, count, end, deadlineOf(session), &written);
     report(returnedCount, written);
     return status;
 }
@@ -53,7 +54,7 @@ visa::ReadOutcome read(Object &session, ViByte *buffer, std::size_t count, visa:
     if (session.attributes.number(VI_ATTR_TERMCHAR_EN) != 0) {
         termination = static_cast<ViByte>(session.attributes.number(VI_ATTR_TERMCHAR));
     }
-    return session.link->read(buffer, count, termination, deadline);
+    return session.connection->read(buffer, count, termination, deadline);
 }
 
 ViStatus statusOf(const visa::ReadOutcome &outcome)
@@ -172,7 +173,8 @@ ViStatus viReadToFile(ViSession session, const ViChar *fileName, ViUInt32 count,
 
 ViStatus viClear(ViSession session)
 {
-    return withSession(session, [](Object &open) { return open.link->clear(deadlineOf(open)); });
+    return withSession(session,
+                       [](Object &open) { return open.connection->clear(deadlineOf(open)); });
 }
 
 // Nothing is buffered between a client and its device. So any size is accepted, and viFlush has
@@ -198,7 +200,7 @@ ViStatus viReadSTB(ViSession session, ViUInt16 *statusByte)
             return VI_ERROR_USER_BUF;
         }
         ViUInt8 byte = 0;
-        const ViStatus status = open.link->readStatusByte(deadlineOf(open), &byte);
+        const ViStatus status = open.connection->readStatusByte(deadlineOf(open), &byte);
         *statusByte = byte;
         return status;
     });
@@ -210,7 +212,7 @@ ViStatus viAssertTrigger(ViSession session, ViUInt16 protocol)
         if (protocol != 0) {
             return VI_ERROR_INV_PROT;
         }
-        return open.link->trigger(deadlineOf(open));
+        return open.connection->trigger(deadlineOf(open));
     });
 }
 
@@ -220,7 +222,7 @@ ViStatus viGpibControlREN(ViSession session, ViUInt16 mode)
         if (mode > VI_GPIB_REN_ADDRESS_GTL) {
             return VI_ERROR_INV_MODE;
         }
-        return open.link->controlRemote(mode, deadlineOf(open));
+        return open.connection->controlRemote(mode, deadlineOf(open));
     });
 }
 
@@ -236,7 +238,7 @@ ViStatus viLock(ViSession session, ViAccessMode lockType, ViUInt32 timeoutMs,
             ++open.locks;
             return VI_SUCCESS_NESTED_EXCLUSIVE;
         }
-        const ViStatus status = open.link->lock(visa::deadlineAfter(timeoutMs));
+        const ViStatus status = open.connection->lock(visa::deadlineAfter(timeoutMs));
         if (status == VI_SUCCESS) {
             open.locks = 1;
             open.attributes.assign(VI_ATTR_RSRC_LOCK_STATE, VI_EXCLUSIVE_LOCK);
@@ -255,6 +257,6 @@ ViStatus viUnlock(ViSession session)
             return VI_SUCCESS_NESTED_EXCLUSIVE;
         }
         open.attributes.assign(VI_ATTR_RSRC_LOCK_STATE, VI_NO_LOCK);
-        return open.link->unlock(deadlineOf(open));
+        return open.connection->unlock(deadlineOf(open));
     });
 }

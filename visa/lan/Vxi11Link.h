@@ -1,7 +1,7 @@
 #pragma once
 
+#include "visa/DeviceConnection.h"
 #include "visa/lan/RpcClient.h"
-#include "visa/Link.h"
 #include "visa/VisaTypes.h"
 #include "visa/wire/Vxi11.h"
 
@@ -11,7 +11,7 @@
 namespace lan {
 
 /// A link to a device by VXI-11. A child process does not destroy the links of its parent.
-class Vxi11Link final : public visa::Link
+class Vxi11Link final : public visa::DeviceConnection
 {
 public:
     Vxi11Link() = default;

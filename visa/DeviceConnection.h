@@ -31,14 +31,14 @@ struct ReadOutcome
 
 /// One client's connection to one device; the destructor ends it. Every call ends by its deadline
 /// and returns 0 or a negative VISA status: VI_ERROR_TMO, VI_ERROR_CONN_LOST, VI_ERROR_IO,
-/// VI_ERROR_RSRC_LOCKED, VI_ERROR_NSUP_OPER. Calls on one link never overlap.
-class Link
+/// VI_ERROR_RSRC_LOCKED, VI_ERROR_NSUP_OPER. Calls on one connection never overlap.
+class DeviceConnection
 {
 public:
-    Link() = default;
-    Link(const Link &) = delete;
-    Link &operator=(const Link &) = delete;
-    virtual ~Link() = default;
+    DeviceConnection() = default;
+    DeviceConnection(const DeviceConnection &) = delete;
+    DeviceConnection &operator=(const DeviceConnection &) = delete;
+    virtual ~DeviceConnection() = default;
 
     /// Write bytes, the last one with END if wanted. Sets written in any case.
     virtual ViStatus write(const ViByte *bytes, std::size_t count, bool end, Deadline deadline,
@@ -55,7 +55,8 @@ public:
     virtual ViStatus readStatusByte(Deadline deadline, ViUInt8 *statusByte) = 0;
     /// Control remote and local state; the modes are those of viGpibControlREN.
     virtual ViStatus controlRemote(ViUInt16 mode, Deadline deadline) = 0;
-    /// Lock the device for this link, waiting for other links' locks until the deadline; unlock.
+    /// Lock the device for this connection, waiting for the locks of others until the deadline;
+    /// unlock.
     virtual ViStatus lock(Deadline deadline) = 0;
     virtual ViStatus unlock(Deadline deadline) = 0;
     /// Returns the device's IP address, empty where there is none.
@@ -64,7 +65,7 @@ public:
     virtual void close(Deadline /*deadline*/) {}
 };
 
-/// Where devices are found and links come from.
+/// Where devices are found and connected to.
 class Backend
 {
 public:
@@ -76,7 +77,7 @@ public:
     /// Connect to the device that a TCPIP INSTR resource names. Returns 0, or a negative status:
     /// VI_ERROR_RSRC_NFOUND when there is none, VI_ERROR_TMO, VI_ERROR_ALLOC.
     virtual ViStatus open(const ResourceName &name, Deadline deadline,
-                          std::unique_ptr<Link> *link) = 0;
+                          std::unique_ptr<DeviceConnection> *connection) = 0;
     /// List full resource strings of the devices that can be found, in the order of the listing.
     virtual std::vector<std::string> list() = 0;
 };
