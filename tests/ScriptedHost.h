@@ -5,20 +5,16 @@
 #include "visa/wire/Vxi11.h"
 #include "visa/wire/Xdr.h"
 
-#include <QMap>
-#include <QStringList>
-#include <QTcpServer>
-#include <QTcpSocket>
-
-#include <atomic>
 #include <functional>
-#include <future>
-#include <memory>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
-/// A host with its portmapper and its instrument at one port, which answers as the test says. It
-/// notes the calls to the instrument as text: "write timeout END *IDN?", "read size 100 timeout".
+/// A host with its portmapper and its VXI-11 instrument at one port, which answers as its user
+/// says.
 class ScriptedHost
 {
 public:
@@ -27,35 +23,41 @@ public:
     /// Returns what is sent instead of the usual answer to a call; nothing for the usual one.
     using Script = std::function<Pieces(const wire::RpcCall &call)>;
 
-    explicit ScriptedHost(Script script, std::uint32_t receiveSize = 1024)
+    /// Listen at a port; at any free one for 0. The instrument takes receiveSize bytes of a write.
+    explicit ScriptedHost(Script script, std::uint32_t receiveSize, std::uint16_t at = 0)
         : script(std::move(script)), receiveSize(receiveSize)
     {
-        std::promise<void> listening;
-        thread = std::thread([this, &listening] {
-            QTcpServer server;
-            server.listen(QHostAddress::LocalHost);
-            port = server.serverPort();
-            listening.set_value();
-            while (!isEnding) {
-                server.waitForNewConnection(1);
-                const std::unique_ptr<QTcpSocket> socket(server.nextPendingConnection());
-                if (socket != nullptr) {
-                    serve(*socket);
-                }
-            }
-        });
-        listening.get_future().wait();
-    }
-    ~ScriptedHost() { finish(); }
-
-    /// Serve the connections to their end. Returns the calls that came.
-    QStringList finish()
-    {
-        isEnding = true;
-        if (thread.joinable()) {
-            thread.join();
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(at);
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        auto *const place = reinterpret_cast<sockaddr *>(&address);
+        if (::bind(listener, place, size) == 0 && ::listen(listener, 5) == 0 &&
+            ::getsockname(listener, place, &size) == 0) {
+            port = ntohs(address.sin_port);
+            accepting = std::thread([this] { accept(); });
         }
-        return received;
+    }
+    ScriptedHost(const ScriptedHost &) = delete;
+    ScriptedHost &operator=(const ScriptedHost &) = delete;
+    ~ScriptedHost()
+    {
+        finish();
+        ::close(listener);
+    }
+
+    /// Wait until the clients have closed their connections.
+    void finish()
+    {
+        ::shutdown(listener, SHUT_RDWR);
+        if (accepting.joinable()) {
+            accepting.join();
+        }
+        for (std::thread &connection : connections) {
+            connection.join();
+        }
+        connections.clear();
     }
 
     static Pieces reply(const wire::RpcCall &call, std::string_view results,
@@ -70,37 +72,42 @@ public:
         return reply(call, wire::xdrWords({error, reason}) + wire::xdrOpaque(bytes));
     }
 
-    std::uint16_t port = 0;
+    std::uint16_t port = 0; ///< 0 when the host could not listen
 
 private:
-    void serve(QTcpSocket &socket)
+    void accept()
+    {
+        int socket = -1;
+        while ((socket = ::accept(listener, nullptr, nullptr)) >= 0) {
+            const int on = 1;
+            ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+            connections.emplace_back([this, socket] {
+                serve(socket);
+                ::close(socket);
+            });
+        }
+    }
+
+    void serve(int socket)
     {
         wire::RecordReader reader(1 << 25);
-        const auto source = [&socket](char *to, std::size_t size) {
-            return socket.read(to, static_cast<qint64>(size));
-        };
-        while (socket.state() == QAbstractSocket::ConnectedState) {
-            if (reader.read(source) != wire::RecordReader::State::Complete) {
-                socket.waitForReadyRead(1);
-                continue;
-            }
+        const auto source = [=](char *to, std::size_t size) { return ::recv(socket, to, size, 0); };
+        while (reader.read(source) == wire::RecordReader::State::Complete) {
             const std::string record = reader.take();
             const wire::RpcCall call = wire::decodedCall(record).value();
-            if (call.procedure.program != wire::portmapperProgram) {
-                received << described(call);
+            Pieces pieces = script(call);
+            if (pieces.empty()) {
+                pieces = usual(call);
             }
-            const Pieces pieces = script(call);
-            for (const std::string &piece : pieces.empty() ? usual(call) : pieces) {
+            for (const std::string &piece : pieces) {
                 if (piece.empty()) {
                     return;
                 }
-                socket.write(piece.data(), static_cast<qint64>(piece.size()));
-                if (!socket.waitForBytesWritten(1000)) {
-                    return;
+                if (&piece != &pieces.front()) { // each arrives on its own
+                    std::this_thread::sleep_for(std::chrono::milliseconds(5));
                 }
-                if (pieces.size() > 1) {
-                    std::this_thread::sleep_for(
-                        std::chrono::milliseconds(5)); // each arrives on its own
+                if (::send(socket, piece.data(), piece.size(), MSG_NOSIGNAL) < 0) {
+                    return;
                 }
             }
         }
@@ -119,46 +126,9 @@ private:
         return reply(call, wire::xdrWords({0, std::uint32_t(written.size()), 0, receiveSize}));
     }
 
-    /// Describe a call of the core channel by its parameters that are not 0.
-    static QString described(const wire::RpcCall &call)
-    {
-        namespace vxi11 = wire::vxi11;
-        const QString generic = "link flags lockTimeout timeout";
-        const QMap<std::uint32_t, QString> layouts = {
-            {vxi11::CreateLink, "create: client flags lockTimeout data"},
-            {vxi11::DeviceWrite, "write: link timeout lockTimeout flags data"},
-            {vxi11::DeviceRead, "read: link size timeout lockTimeout flags terminator"},
-            {vxi11::DeviceTrigger, "trigger: " + generic},
-            {vxi11::DeviceClear, "clear: " + generic},
-            {vxi11::DeviceRemote, "remote: " + generic},
-            {vxi11::DeviceLocal, "local: " + generic},
-            {vxi11::DeviceLock, "lock: link flags timeout"},
-            {vxi11::DeviceUnlock, "unlock: link"},
-            {vxi11::DestroyLink, "destroy: link"}};
-        const QMap<std::uint32_t, QString> flags = {
-            {vxi11::WaitLock, "wait"}, {vxi11::End, "END"}, {vxi11::TermCharSet, "terminated"}};
-        wire::XdrReader from(call.arguments);
-        QStringList text;
-        for (const QString &field : layouts.value(call.procedure.procedure).split(' ')) {
-            std::uint32_t word = 0;
-            std::string_view bytes;
-            if (field.endsWith(':')) {
-                text << field.chopped(1);
-            } else if (field == "data") {
-                from >> bytes;
-                text << QString::fromLatin1(bytes.data(), int(bytes.size()));
-            } else if ((from >> word).isOk() && word != 0) {
-                const bool isAny = field == "client" || field == "timeout";
-                const QString value = isAny ? field : field + " " + QString::number(word);
-                text << (field == "flags" ? flags.value(word, "?") : value);
-            }
-        }
-        return text.join(' ');
-    }
-
     Script script;
     std::uint32_t receiveSize;
-    QStringList received;
-    std::atomic<bool> isEnding = false;
-    std::thread thread;
+    const int listener = ::socket(AF_INET, SOCK_STREAM, 0);
+    std::thread accepting;
+    std::vector<std::thread> connections;
 };

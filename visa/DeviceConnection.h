@@ -53,8 +53,8 @@ public:
     virtual ViStatus trigger(Deadline deadline) = 0;
     /// Read the status byte (IEEE 488.2 11.2).
     virtual ViStatus readStatusByte(Deadline deadline, ViUInt8 *statusByte) = 0;
-    /// Control remote and local state; the modes are those of viGpibControlREN.
-    virtual ViStatus controlRemote(ViUInt16 mode, Deadline deadline) = 0;
+    /// Let the device's own controls operate it again.
+    virtual ViStatus goToLocal(Deadline deadline) = 0;
     /// Lock the device for this connection, waiting for the locks of others until the deadline;
     /// unlock.
     virtual ViStatus lock(Deadline deadline) = 0;

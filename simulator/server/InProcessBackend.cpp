@@ -92,7 +92,7 @@ public:
     }
 
     /// The instruments have no front panel that remote control would lock.
-    ViStatus controlRemote(ViUInt16 /*mode*/, visa::Deadline /*deadline*/) override
+    ViStatus goToLocal(visa::Deadline /*deadline*/) override
     {
         return use([] {});
     }

@@ -270,17 +270,9 @@ ViStatus Vxi11Link::readStatusByte(Deadline deadline, ViUInt8 *statusByte)
     return status != VI_SUCCESS || from.isOk() ? status : VI_ERROR_IO;
 }
 
-ViStatus Vxi11Link::controlRemote(ViUInt16 mode, Deadline deadline)
+ViStatus Vxi11Link::goToLocal(Deadline deadline)
 {
-    // VXI-11 knows the device as a whole, not the lines of its bus (VPP-4.3, table 6.5.1).
-    constexpr ViUInt16 assertAndAddress = 3;
-    constexpr ViUInt16 assertAddressAndLockOut = 5;
-    if (mode == VI_GPIB_REN_ADDRESS_GTL) {
-        return callGeneric(vxi11::DeviceLocal, deadline);
-    }
-    return mode == assertAndAddress || mode == assertAddressAndLockOut
-               ? callGeneric(vxi11::DeviceRemote, deadline)
-               : VI_ERROR_NSUP_OPER;
+    return callGeneric(vxi11::DeviceLocal, deadline);
 }
 
 ViStatus Vxi11Link::lock(Deadline deadline)

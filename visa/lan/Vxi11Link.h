@@ -30,7 +30,7 @@ public:
     ViStatus clear(visa::Deadline deadline) override;
     ViStatus trigger(visa::Deadline deadline) override;
     ViStatus readStatusByte(visa::Deadline deadline, ViUInt8 *statusByte) override;
-    ViStatus controlRemote(ViUInt16 mode, visa::Deadline deadline) override;
+    ViStatus goToLocal(visa::Deadline deadline) override;
     ViStatus lock(visa::Deadline deadline) override;
     ViStatus unlock(visa::Deadline deadline) override;
     [[nodiscard]] std::string address() const override { return host; }
