@@ -26,11 +26,10 @@ constexpr ViUInt32 usualTimeout = 5000; // ms
 constexpr ViUInt32 shortTimeout = 50;
 constexpr ViUInt32 noTime = 0;
 
-/// Returns "ok", or the name of an error without the prefix that all errors have.
+/// Returns the name of a status without its prefix, as "SUCCESS" and "TMO".
 QString text(ViStatus status)
 {
-    const QString name = QString::fromStdString(visa::statusName(status));
-    return status == VI_SUCCESS ? "ok" : name.mid(int(std::strlen("VI_ERROR_")));
+    return QString::fromStdString(visa::statusName(status)).remove(QRegExp("^VI_(ERROR_)?"));
 }
 
 /// Read. The outcome is why the read ended, and the bytes.
@@ -129,11 +128,6 @@ Pieces trickle(const RpcCall & /*call*/)
     return bytes;
 }
 
-Pieces answerAndHangUp(const RpcCall &call)
-{
-    return {ScriptedHost::data(call, "1", EndIndicator).front(), ""};
-}
-
 Pieces withoutPadding(const RpcCall &call)
 {
     return ScriptedHost::reply(call, xdrWords({None, EndIndicator, 1}) + "1");
@@ -207,7 +201,7 @@ private slots:
             {"read size 4 timeout"});
         row("a question drops what is left",
             reads(data("old", EndIndicator), data("new", EndIndicator)),
-            {read(1), write("?"), read(9)}, {"COUNT o", "ok 1", "END new"});
+            {read(1), write("?"), read(9)}, {"COUNT o", "SUCCESS 1", "END new"});
         row("nothing more for ever", reads(data("1", 0), data("", 0)),
             {read(9, std::nullopt, noTime)}, {"TMO 1"});
         row("an answer in parts",
@@ -218,29 +212,29 @@ private slots:
         row("bytes before an error", reads(data("12", 0), data("3", 0, IoTimeout)), {read(9)},
             {"TMO 123"});
 
-        row("a write without END", usual, {write("01234", false)}, {"ok 5"},
+        row("a write without END", usual, {write("01234", false)}, {"SUCCESS 5"},
             {"write timeout 0123", "write timeout 4"});
         row("a write taken in part", answers(DeviceWrite, words({None, 1}), usual), {write("0123")},
-            {"ok 4"}, {"write timeout END 0123", "write timeout END 123"});
+            {"SUCCESS 4"}, {"write timeout END 0123", "write timeout END 123"});
         row("a write not taken", answers(DeviceWrite, words({None, 0})), {write("0")}, {"IO 0"});
 
         row("a fragment for each byte", reads(byteByByte), {read(9)}, {"END 123"});
         row("a record without an end", reads(trickle), {read(9, std::nullopt, noTime)}, {"TMO "});
         row("a fragment too long", reads(pieces({xdrWords({0xFFFFFFFF})})), {read(9), read(9)},
             {"IO ", "CONN_LOST "});
-        row("a lost connection", reads(answerAndHangUp), {read(9), read(9), trigger},
-            {"END 1", "CONN_LOST ", "CONN_LOST"});
+        row("a lost connection", reads(data("1", EndIndicator), hangUp),
+            {read(9), read(9), trigger}, {"END 1", "CONN_LOST ", "CONN_LOST"});
         row("a record that is no reply",
             reads(pieces({wire::asRecord("nonsense")}), data("1", EndIndicator)),
             {read(9), read(9)}, {"IO ", "END 1"});
         row("an answer without padding", reads(withoutPadding), {read(9)}, {"END 1"});
 
-        row("to local", usual, {step(&Vxi11Link::goToLocal)}, {"ok"}, {"local timeout"});
+        row("to local", usual, {step(&Vxi11Link::goToLocal)}, {"SUCCESS"}, {"local timeout"});
         row("locks", answers(DeviceLock, usual, words({LockedByAnother})),
             {step(&Vxi11Link::lock), step(&Vxi11Link::lock, noTime), step(&Vxi11Link::unlock)},
-            {"ok", "TMO", "ok"}, {"lock wait timeout", "lock", "unlock"});
+            {"SUCCESS", "TMO", "SUCCESS"}, {"lock wait timeout", "lock", "unlock"});
         row("a call that is not answered", answers(DeviceClear, mute),
-            {step(&Vxi11Link::clear, noTime), trigger}, {"TMO", "ok"},
+            {step(&Vxi11Link::clear, noTime), trigger}, {"TMO", "SUCCESS"},
             {"clear timeout", "trigger timeout"});
         row("errors",
             answers(DeviceClear, words({InvalidLink}), words({LockedByAnother}), words({99})),

@@ -13,35 +13,46 @@
 #include <unistd.h>
 #include <vector>
 
-/// A host with its portmapper and its VXI-11 instrument at one port, which answers as its user
-/// says.
-class ScriptedHost
+/// Returns the address of a port of this host.
+inline sockaddr_in addressAt(std::uint16_t port)
+{
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    return address;
+}
+
+/// A host that serves each connection in a thread of its own.
+class TcpHost
 {
 public:
-    /// Bytes that are sent one piece after the other. The connection is closed at an empty one.
-    using Pieces = std::vector<std::string>;
-    /// Returns what is sent instead of the usual answer to a call; nothing for the usual one.
-    using Script = std::function<Pieces(const wire::RpcCall &call)>;
-
-    /// Listen at a port; at any free one for 0. The instrument takes receiveSize bytes of a write.
-    explicit ScriptedHost(Script script, std::uint32_t receiveSize, std::uint16_t at = 0)
-        : script(std::move(script)), receiveSize(receiveSize)
+    /// Listen at a port; at any free one for 0.
+    TcpHost(std::uint16_t at, const std::function<void(int socket)> &serve)
     {
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_port = htons(at);
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        sockaddr_in address = addressAt(at);
         socklen_t size = sizeof address;
         auto *const place = reinterpret_cast<sockaddr *>(&address);
-        if (::bind(listener, place, size) == 0 && ::listen(listener, 5) == 0 &&
-            ::getsockname(listener, place, &size) == 0) {
-            port = ntohs(address.sin_port);
-            accepting = std::thread([this] { accept(); });
+        const int on = 1; // also for the sockets that are accepted
+        ::setsockopt(listener, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+        if (::bind(listener, place, size) != 0 || ::listen(listener, 5) != 0 ||
+            ::getsockname(listener, place, &size) != 0) {
+            return;
         }
+        port = ntohs(address.sin_port);
+        accepting = std::thread([this, serve] {
+            int socket = -1;
+            while ((socket = ::accept(listener, nullptr, nullptr)) >= 0) {
+                connections.emplace_back([serve, socket] {
+                    serve(socket);
+                    ::close(socket);
+                });
+            }
+        });
     }
-    ScriptedHost(const ScriptedHost &) = delete;
-    ScriptedHost &operator=(const ScriptedHost &) = delete;
-    ~ScriptedHost()
+    TcpHost(const TcpHost &) = delete;
+    TcpHost &operator=(const TcpHost &) = delete;
+    ~TcpHost()
     {
         finish();
         ::close(listener);
@@ -60,6 +71,29 @@ public:
         connections.clear();
     }
 
+    std::uint16_t port = 0; ///< 0 when the host could not listen
+
+private:
+    const int listener = ::socket(AF_INET, SOCK_STREAM, 0);
+    std::thread accepting;
+    std::vector<std::thread> connections;
+};
+
+/// A host whose portmapper and VXI-11 instrument share a port and answer as a script says.
+class ScriptedHost : public TcpHost
+{
+public:
+    /// Bytes that are sent one piece after the other. The connection is closed at an empty one.
+    using Pieces = std::vector<std::string>;
+    /// Returns what is sent instead of the usual answer to a call; nothing for the usual one.
+    using Script = std::function<Pieces(const wire::RpcCall &call)>;
+
+    /// Listen as a TcpHost does. The instrument takes receiveSize bytes of a write.
+    explicit ScriptedHost(const Script &script, std::uint32_t receiveSize, std::uint16_t at = 0)
+        : TcpHost(at, [=](int socket) { serve(socket, script, receiveSize); })
+    {
+    }
+
     static Pieces reply(const wire::RpcCall &call, std::string_view results,
                         wire::RpcOutcome outcome = wire::RpcOutcome::Success)
     {
@@ -72,23 +106,8 @@ public:
         return reply(call, wire::xdrWords({error, reason}) + wire::xdrOpaque(bytes));
     }
 
-    std::uint16_t port = 0; ///< 0 when the host could not listen
-
 private:
-    void accept()
-    {
-        int socket = -1;
-        while ((socket = ::accept(listener, nullptr, nullptr)) >= 0) {
-            const int on = 1;
-            ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-            connections.emplace_back([this, socket] {
-                serve(socket);
-                ::close(socket);
-            });
-        }
-    }
-
-    void serve(int socket)
+    void serve(int socket, const Script &script, std::uint32_t receiveSize) const
     {
         wire::RecordReader reader(1 << 25);
         const auto source = [=](char *to, std::size_t size) { return ::recv(socket, to, size, 0); };
@@ -97,7 +116,7 @@ private:
             const wire::RpcCall call = wire::decodedCall(record).value();
             Pieces pieces = script(call);
             if (pieces.empty()) {
-                pieces = usual(call);
+                pieces = usual(call, receiveSize);
             }
             for (const std::string &piece : pieces) {
                 if (piece.empty()) {
@@ -114,7 +133,7 @@ private:
     }
 
     /// Returns the usual answer to a call: a link with number 0, all taken of a write, no error.
-    [[nodiscard]] Pieces usual(const wire::RpcCall &call) const
+    [[nodiscard]] Pieces usual(const wire::RpcCall &call, std::uint32_t receiveSize) const
     {
         if (call.procedure.program == wire::portmapperProgram) {
             return reply(call, wire::xdrWords({port}));
@@ -125,10 +144,4 @@ private:
         }
         return reply(call, wire::xdrWords({0, std::uint32_t(written.size()), 0, receiveSize}));
     }
-
-    Script script;
-    std::uint32_t receiveSize;
-    const int listener = ::socket(AF_INET, SOCK_STREAM, 0);
-    std::thread accepting;
-    std::vector<std::thread> connections;
 };
