@@ -29,7 +29,8 @@ public:
     [[nodiscard]] ViUInt32 number(ViAttr attribute) const { return numbers.at(attribute).value; }
 
 private:
-    /// A numeric attribute, with the values that clients may set; none when it is read-only.
+    /// A numeric attribute and the range that clients may set. The range is empty when the
+    /// attribute is read-only.
     struct Number
     {
         unsigned width = 0; // bytes

@@ -14,11 +14,13 @@
 
 namespace visa {
 
+/// A resource manager.
 struct Manager
 {
     Attributes attributes;
 };
 
+/// A client's session with a device.
 struct Session
 {
     Attributes attributes;
@@ -26,10 +28,10 @@ struct Session
     unsigned locks = 0; ///< how often the session has locked its device
 };
 
-/// The names that viFindRsrc has found, the next one first.
+/// The names that viFindRsrc has found and viFindNext has not yet returned.
 using FindList = std::deque<std::string>;
 
-/// What a handle stands for. Whoever uses the content holds the mutex; nobody holds two.
+/// What a handle stands for. Hold the mutex to use the content, and never two of them.
 struct Object
 {
     using Content = std::variant<Manager, Session, FindList>;
@@ -49,7 +51,7 @@ public:
     /// Add an object and set its handle. Returns VI_ERROR_ALLOC when there are too many,
     /// VI_ERROR_INV_OBJECT when its manager has been closed.
     ViStatus add(const std::shared_ptr<Object> &object, ViObject *handle);
-    /// Find an object; null when there is none.
+    /// Returns an object; null when there is none.
     [[nodiscard]] std::shared_ptr<Object> find(ViObject handle);
     /// Close an object, with a resource manager all that it opened. Their connections share a
     /// second to end in. Returns VI_ERROR_INV_OBJECT when there is no such object.
@@ -67,7 +69,7 @@ private:
 /// connections free for others.
 Handles &handles();
 
-/// Run the body of a VISA function; no exception gets into the C caller.
+/// Run the body of a VISA function. Exceptions become statuses, since the callers are C.
 template <typename Body>
 ViStatus guarded(Body body) noexcept
 {
@@ -76,7 +78,7 @@ ViStatus guarded(Body body) noexcept
     } catch (const std::bad_alloc &) {
         return VI_ERROR_ALLOC;
     } catch (const std::exception &) {
-        return VI_ERROR_SYSTEM_ERROR; // such as no lock to be had
+        return VI_ERROR_SYSTEM_ERROR; // such as a thread or a lock that cannot be had
     }
 }
 

@@ -126,7 +126,7 @@ ViStatus viFindNext(ViFindList list, ViChar *description)
     });
 }
 
-// Only the name is examined; viOpen finds out whether there is such a device.
+// This examines the name only. viOpen finds out whether there is such a device.
 ViStatus viParseRsrcEx(ViSession resourceManager, const ViChar *resourceName,
                        ViUInt16 *interfaceType, ViUInt16 *interfaceNumber, ViChar *resourceClass,
                        ViChar *expandedName, ViChar *alias)
@@ -212,7 +212,7 @@ ViStatus viGetAttribute(ViObject object, ViAttr attribute, void *value)
     });
 }
 
-// This library raises no events: they are always disabled, and their queue is empty.
+// This library raises no events. They are always disabled, and their queue is empty.
 ViStatus viDisableEvent(ViSession session, ViEventType /*type*/, ViUInt16 /*mechanism*/)
 {
     return with<Session>(session, [](const Session &) { return VI_SUCCESS_EVENT_DIS; });

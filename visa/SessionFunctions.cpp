@@ -11,7 +11,7 @@ using visa::with;
 
 namespace {
 
-constexpr std::size_t pieceSize = 65536; // of a file, bytes
+constexpr std::size_t pieceSize = 65536; // bytes that are read into a file at a time
 
 visa::Deadline deadlineOf(const Session &session)
 {
@@ -182,7 +182,7 @@ ViStatus viGpibControlREN(ViSession session, ViUInt16 mode)
             return VI_ERROR_INV_MODE;
         }
         if (mode != VI_GPIB_REN_ADDRESS_GTL) {
-            return VI_ERROR_NSUP_OPER; // VXI-11 knows no lines of a bus
+            return VI_ERROR_NSUP_OPER; // the other modes control the lines of a GPIB bus
         }
         return open.connection->goToLocal(deadlineOf(open));
     });

@@ -40,7 +40,7 @@ public:
 
 visa::Backend &visa::backend()
 {
-    // Never destroyed: other threads may use it until the process has ended.
+    // Never destroyed, since other threads may use it until the process has ended.
     static auto *const backend = new lan::LanBackend;
     return *backend;
 }

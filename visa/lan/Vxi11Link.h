@@ -17,9 +17,9 @@ public:
     Vxi11Link() = default;
     ~Vxi11Link() override;
 
-    /// Find the core channel's port with the portmapper at `mapperPort`, connect, create the link.
-    /// VI_ERROR_TMO; VI_ERROR_RSRC_NFOUND when there is no such device; VI_ERROR_ALLOC when it has
-    /// no link left.
+    /// Ask the portmapper at `mapperPort` for the core channel, connect and create the link.
+    /// Returns VI_ERROR_TMO; VI_ERROR_RSRC_NFOUND when there is no such device; VI_ERROR_ALLOC when
+    /// it has no link left.
     ViStatus open(const std::string &address, std::uint16_t mapperPort, const std::string &device,
                   visa::Deadline deadline);
 
@@ -51,11 +51,11 @@ private:
     std::string host;
     const pid_t process = getpid();
     bool isOpen = false;
-    std::uint32_t id = 0; // every number is a link's, 0 too
+    std::uint32_t id = 0; // any number may be a link's, 0 too
     std::uint32_t receiveSize = 0;
-    std::string_view fetched; // from the device, and not yet handed out
+    std::string_view fetched; // received from the device, and not yet handed out
     bool fetchedEnd = false;  // its last byte came with END
-    std::string kept;         // what is fetched, from one read to the next
+    std::string kept;         // the bytes of `fetched`, from one read to the next
 };
 
 } // namespace lan
