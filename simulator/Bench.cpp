@@ -13,20 +13,6 @@ namespace {
 
 using Call = Instrument::Call;
 
-/// Read a parameter from 0 to `most`; the value is untouched after an error.
-Error parse(std::string_view text, const char *unit, double most, double *value)
-{
-    double number = 0.0;
-    if (const Error error = parseNumber(text, unit, &number)) {
-        return error;
-    }
-    if (number < 0.0 || number > most) {
-        return scpi::dataOutOfRange;
-    }
-    *value = number;
-    return scpi::noError;
-}
-
 /// BENCh:LATency RF|HDMI|SINK,mean,spread
 Error changeLatency(const Call &call, RadioLinkStatistics *statistics)
 {
@@ -38,29 +24,52 @@ Error changeLatency(const Call &call, RadioLinkStatistics *statistics)
             continue;
         }
         Latency changed{};
-        if (const Error error = parse(call.parameters[1], "S", longest, &changed.mean)) {
+        if (const Error error = parseNumber(call.parameters[1], "S", longest, &changed.mean)) {
             return error;
         }
-        const Error error = parse(call.parameters[2], "S", longest, &changed.spread);
-        *latency = error ? *latency : changed;
-        return error;
+        if (const Error error = parseNumber(call.parameters[2], "S", longest, &changed.spread)) {
+            return error;
+        }
+        *latency = changed;
+        return scpi::noError;
     }
     return scpi::illegalParameterValue;
 }
 
-/// Have an instrument take the commands that change the link, which all instruments look at.
+/// BENCh:EVENt?
+Error answerEvent(const RadioLink &link, std::string *answer)
+{
+    if (link.eventCount() == 0) {
+        return scpi::dataStale;
+    }
+    const RadioLinkEvent &event = link.lastEvent();
+    const TrueInstants &truth = event.instants();
+    *answer = std::to_string(link.eventCount());
+    for (const double value : {truth.source, 1e3 * (truth.rf - truth.source), truth.hdmiDelayMs,
+                               1e3 * (truth.sink - truth.source)}) {
+        *answer += ',' + numberText(value);
+    }
+    *answer += event.isOverloaded() ? ",1" : ",0";
+    return scpi::noError;
+}
+
+/// Have an instrument take the commands for the radio link, which every instrument of the bench
+/// has.
 void addLinkCommands(Instrument *instrument, RadioLink *link)
 {
+    instrument->onQuery("BENCh:EVENt", {}, [link](const Call &, std::string *answer) {
+        return answerEvent(*link, answer);
+    });
     instrument->onCommand("BENCh:LATency", {3, 3}, [link](const Call &call, std::string *) {
         return changeLatency(call, &link->statistics);
     });
     instrument->onCommand("BENCh:OVERload", {1, 1}, [link](const Call &call, std::string *) {
-        return parse(call.parameters[0], "", 1.0, &link->statistics.overloads);
+        return parseNumber(call.parameters[0], "", 1.0, &link->statistics.overloads);
     });
     instrument->onCommand("BENCh:SEED", {1, 1}, [link](const Call &call, std::string *) {
         constexpr double last = 4294967295.0;
         double seed = 0.0;
-        const Error error = parse(call.parameters[0], "", last, &seed);
+        const Error error = parseNumber(call.parameters[0], "", last, &seed);
         if (!error) {
             link->seed(static_cast<std::uint32_t>(seed));
         }
@@ -78,9 +87,9 @@ Bench::Bench(double timeScale)
     };
     add("scope", std::make_unique<Oscilloscope>(lpa4004Dialect(), link));
     add("scope-kvx", std::make_unique<Oscilloscope>(kvxDialect(), link));
-    add("analyzer", std::make_unique<SpectrumAnalyzer>(AnalyzerFamily::Plain, link));
-    add("analyzer-qan", std::make_unique<SpectrumAnalyzer>(AnalyzerFamily::Qan, link));
-    add("analyzer-qel", std::make_unique<SpectrumAnalyzer>(AnalyzerFamily::Qel, link));
+    add("analyzer", std::make_unique<SpectrumAnalyzer>(spaDialect, link));
+    add("analyzer-qan", std::make_unique<SpectrumAnalyzer>(qanDialect, link));
+    add("analyzer-qel", std::make_unique<SpectrumAnalyzer>(qelDialect, link));
     add("video", std::make_unique<VideoAnalyzer>(link));
 }
 

@@ -9,12 +9,12 @@
 
 namespace simulator {
 
-/// The laboratory bench: the wireless link and the instruments that look at it, just switched on.
-/// One thread at a time.
+/// The laboratory bench, just switched on: the radio link and the instruments that observe it. Only
+/// one thread may use it at a time.
 class Bench
 {
 public:
-    /// A second of the instruments lasts so many seconds; with 0 nothing takes time.
+    /// Durations of the instruments are multiplied by the time scale. With 0 nothing takes time.
     explicit Bench(double timeScale = 0.0);
 
     /// Find a device by its name, in any letter case; null when there is none.

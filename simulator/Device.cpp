@@ -3,6 +3,8 @@
 #include "simulator/scpi/Number.h"
 
 #include <algorithm>
+#include <array>
+#include <functional>
 #include <utility>
 
 namespace simulator {
@@ -11,8 +13,7 @@ namespace {
 
 Clock::duration inSeconds(double seconds)
 {
-    // What would not fit a clock is as good as for ever.
-    constexpr double longest = 1e9;
+    constexpr double longest = 1e9; // a clock has no room for much more
     return std::chrono::duration_cast<Clock::duration>(
         std::chrono::duration<double>(std::clamp(seconds, 0.0, longest)));
 }
@@ -29,39 +30,38 @@ Device::Device(std::string name, std::unique_ptr<Instrument> instrument, double 
 
 Error Device::order(const Instrument::Call &call)
 {
-    const std::string_view kind = call.parameters[0];
-    double number = 0.0;
-    const bool isCut = isMnemonic("CUT", kind);
-    if (isCut || isMnemonic("LATE", kind) || isMnemonic("BUSY", kind)) {
-        if (call.parameters.size() < 2) {
-            return scpi::missingParameter;
-        }
-        if (const Error error = parseNumber(call.parameters[1], isCut ? "" : "S", &number)) {
-            return error;
-        }
-        if (number < 0.0 || number > 1e6) {
-            return scpi::dataOutOfRange;
-        }
-    } else if (call.parameters.size() > 1) {
-        return scpi::parameterNotAllowed;
-    }
-
-    if (isCut) {
-        faults.cutAt = static_cast<std::size_t>(number);
-    } else if (isMnemonic("LATE", kind)) {
-        faults.late = inSeconds(number);
-    } else if (isMnemonic("BUSY", kind)) {
-        faults.busyUntil = Clock::now() + inSeconds(number);
-    } else if (isMnemonic("LOST", kind)) {
-        faults.connectionLost = true;
-    } else if (isMnemonic("TRIGger", kind)) {
-        faults.missedTrigger = true;
-    } else if (isMnemonic("NONE", kind)) {
-        faults = {};
-        readyAt = {};
-    } else {
+    struct Fault
+    {
+        const char *name;
+        const char *unit; // of its parameter; null when it has none
+        std::function<void(double)> order;
+    };
+    const std::array<Fault, 6> all{{
+        {"LATE", "S", [&](double seconds) { faults.late = inSeconds(seconds); }},
+        {"CUT", "", [&](double bytes) { faults.cutAt = static_cast<std::size_t>(bytes); }},
+        {"BUSY", "S", [&](double time) { faults.busyUntil = Clock::now() + inSeconds(time); }},
+        {"LOST", nullptr, [&](double) { faults.connectionLost = true; }},
+        {"TRIGger", nullptr, [&](double) { faults.missedTrigger = true; }},
+        {"NONE", nullptr, [&](double) { faults = {}, readyAt = {}; }},
+    }};
+    const auto fault = std::find_if(all.begin(), all.end(), [&](const Fault &candidate) {
+        return isMnemonic(candidate.name, call.parameters[0]);
+    });
+    if (fault == all.end()) {
         return scpi::illegalParameterValue;
     }
+    const std::size_t count = fault->unit != nullptr ? 2 : 1;
+    if (call.parameters.size() != count) {
+        return count == 2 ? scpi::missingParameter : scpi::parameterNotAllowed;
+    }
+    constexpr double greatest = 1e6;
+    double number = 0.0;
+    if (count == 2) {
+        if (const Error error = parseNumber(call.parameters[1], fault->unit, greatest, &number)) {
+            return error;
+        }
+    }
+    fault->order(number);
     return scpi::noError;
 }
 

@@ -16,41 +16,42 @@ class MessageExchange;
 using Clock = std::chrono::steady_clock;
 constexpr Clock::time_point never = Clock::time_point::max();
 
-/// An instrument of the bench as its clients find it: what it begins takes time, one client may
-/// lock it, and BENCh:FAULt makes things go wrong. One thread at a time.
+/// An instrument of the bench as its clients see it. Its records and sweeps take time, one client
+/// may lock it, and BENCh:FAULt orders faults. Only one thread may use it at a time.
 class Device
 {
 public:
-    /// What goes wrong next, by BENCh:FAULt.
+    /// The faults that BENCh:FAULt has ordered.
     struct Faults
     {
-        bool connectionLost = false;         ///< of the client that calls next
-        bool missedTrigger = false;          ///< what begins next never ends
-        Clock::time_point busyUntil;         ///< as if somebody else had locked it
-        std::optional<Clock::duration> late; ///< the next answer
-        std::optional<std::size_t> cutAt;    ///< the next answer with more bytes
+        bool connectionLost = false;         ///< the next client to call loses its connection
+        bool missedTrigger = false;          ///< the next record or sweep never ends
+        Clock::time_point busyUntil;         ///< as if another client had locked it
+        std::optional<Clock::duration> late; ///< how much later the next answer comes
+        std::optional<std::size_t> cutAt;    ///< bytes that are left of the next longer answer
     };
 
-    /// Durations are multiplied by the scale; with 0 everything is over at once.
+    /// Durations are multiplied by the time scale. With 0 nothing takes time.
     Device(std::string name, std::unique_ptr<Instrument> instrument, double timeScale);
 
-    /// Have what a message began take its time from now on. Its answer, if any, may be late or cut.
+    /// Let the record or sweep that a message started take its time from now on. Apply the ordered
+    /// faults to the answer.
     void finish(std::string *answer);
 
-    /// Returns the instant from which others leave the device to a client; `never` while nobody
-    /// knows.
+    /// Returns the instant at which a client can use the device, as far as locks go; `never` while
+    /// that is not known.
     [[nodiscard]] Clock::time_point freeAt(const MessageExchange *client) const;
 
-    /// Returns the instant at which a wait of so many milliseconds that began then is over.
+    /// Returns the instant at which a wait that began then times out.
     [[nodiscard]] Clock::time_point timeOut(Clock::time_point began,
                                             std::uint32_t milliseconds) const;
 
     const std::string name;
     const std::unique_ptr<Instrument> instrument;
     Faults faults;
-    int clients = 0; ///< message exchanges that there are
+    int clients = 0; ///< the number of message exchanges
     const MessageExchange *lockHolder = nullptr;
-    Clock::time_point readyAt; ///< when answers may leave
+    Clock::time_point readyAt; ///< from when answers can be read
 
 private:
     Error order(const Instrument::Call &call);

@@ -23,7 +23,7 @@ void MessageExchange::write(std::string_view bytes, bool end)
         const std::size_t newline = bytes.find('\n');
         const std::string_view line = bytes.substr(0, newline);
         bytes.remove_prefix(std::min(line.size() + 1, bytes.size()));
-        // One byte too many is kept, as the sign of an overrun.
+        // Keep one byte over the limit, which shows the overrun.
         input += line.substr(0, inputBufferSize + 1 - input.size());
         if (newline != std::string_view::npos || end) {
             receive(std::exchange(input, {}));
@@ -68,7 +68,7 @@ std::optional<MessageExchange::Part> MessageExchange::read(std::size_t count,
         bytes = bytes.substr(0, std::min(bytes.find(*termination), bytes.size() - 1) + 1);
     }
     outputRead += bytes.size();
-    return Part{bytes, !hasAnswer()};
+    return Part{bytes, !bytes.empty() && bytes.back() == termination, !hasAnswer()};
 }
 
 void MessageExchange::clear()

@@ -10,9 +10,9 @@
 
 namespace simulator {
 
-/// One client's exchange of messages with a device (IEEE 488.2, 6): what of a message has come so
-/// far, the unread answer, and the client's lock. Everything else is the device's, which all of its
-/// clients share.
+/// One client's exchange of messages with a device (IEEE 488.2, 6). It holds the part of a message
+/// that has come so far and the unread answer, and takes the client's lock. Everything else belongs
+/// to the device, which its clients share.
 class MessageExchange
 {
 public:
@@ -22,35 +22,36 @@ public:
     MessageExchange(const MessageExchange &) = delete; // the device knows who has locked it
     MessageExchange &operator=(const MessageExchange &) = delete;
 
-    /// Send bytes: every line is a message, and with END so is what follows the last.
+    /// Send bytes. Every line is a message. With END, the bytes after the last newline are one too.
     void write(std::string_view bytes, bool end);
 
     [[nodiscard]] bool hasAnswer() const { return unread() > 0; }
-    /// Returns the instant from which the answer can be read; `never` while nobody knows.
+    /// Returns the instant from which the answer can be read; `never` while that is not known.
     [[nodiscard]] Clock::time_point answerAt() const;
     /// A part of an answer, valid until the next call.
     struct Part
     {
         std::string_view bytes;
-        bool isLast; ///< nothing of the answer is left
+        bool isTerminated; ///< the last byte is the termination character
+        bool isLast;       ///< nothing of the answer is left
     };
-    /// Take up to count bytes of the answer, up to the termination character if there is one.
-    /// Nothing while the answer is not ready; nor when there is none, which leaves an error in the
-    /// instrument's queue.
+    /// Take up to `count` bytes of the answer, up to the termination character if there is one.
+    /// Returns nothing while the answer is not ready. Without an answer it returns nothing too, and
+    /// leaves an error in the instrument's queue.
     std::optional<Part> read(std::size_t count, std::optional<char> termination);
 
-    /// Drop the answer and an incomplete message, as a device clear does. The device gives up what
-    /// it is doing.
+    /// Drop the answer and an incomplete message, and end what the device is doing, as a device
+    /// clear does.
     void clear();
     /// Trigger the instrument as *TRG does.
     void trigger();
-    /// Returns the status byte, in which an answer counts once it can be read.
+    /// Returns the status byte. An answer shows in it once it can be read.
     [[nodiscard]] std::uint8_t statusByte() const;
 
-    /// Returns the instant from which others leave the device to this client; `never` while nobody
-    /// knows.
+    /// Returns the instant at which this client can use the device, as far as locks go; `never`
+    /// while that is not known.
     [[nodiscard]] Clock::time_point freeAt() const { return device.freeAt(this); }
-    /// Lock the device for this client; it is free.
+    /// Lock the device for this client. No other client may have it locked.
     void lock() { device.lockHolder = this; }
     /// Release the lock. Returns false when this client does not have it.
     bool unlock();

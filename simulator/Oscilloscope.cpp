@@ -14,7 +14,8 @@ constexpr double verticalDivisions = 10.0;
 } // namespace
 
 Oscilloscope::Oscilloscope(const OscilloscopeDialect &dialect, RadioLink &link)
-    : BenchInstrument(dialect.identity, link),
+    : Instrument(dialect.identity),
+      link(link),
       divisions(dialect.divisions),
       channelState(add(dialect.channelState)),
       scale(add(number("CHANnel<4>:SCALe", 1e-3, 10.0, 0.2, "V"))),
@@ -26,8 +27,8 @@ Oscilloscope::Oscilloscope(const OscilloscopeDialect &dialect, RadioLink &link)
       points(add(dialect.points)),
       triggerLevel(add(dialect.triggerLevel))
 {
-    for (const auto &[setting, needed] : dialect.triggerConditions) {
-        triggerConditions.emplace_back(&add(setting), needed);
+    for (const Setting &setting : dialect.triggerConditions) {
+        triggerConditions.push_back(&add(setting));
     }
     for (const Setting &setting : dialect.others) {
         add(setting);
@@ -67,7 +68,7 @@ void Oscilloscope::addRunControl(bool continuousCommands)
 
 void Oscilloscope::reset()
 {
-    BenchInstrument::reset();
+    Instrument::reset();
     channelState.set({1, 1}, 1.0);
     channelState.set({3, 1}, 1.0);
     acquisition = Acquisition::Running;
@@ -78,8 +79,8 @@ Error Oscilloscope::trigger()
     if (acquisition == Acquisition::Stopped) {
         return scpi::triggerIgnored;
     }
-    radioLink().trigger(level());
-    record = radioLink().lastRecord();
+    link.trigger(level());
+    record = link.lastRecord();
     setDuration(timeGrid().span);
     if (acquisition == Acquisition::Armed) {
         acquisition = Acquisition::Stopped;
@@ -89,8 +90,8 @@ Error Oscilloscope::trigger()
 
 std::optional<double> Oscilloscope::level() const
 {
-    for (const auto &[setting, needed] : triggerConditions) {
-        if (!setting->is(needed)) {
+    for (const Setting *condition : triggerConditions) {
+        if (condition->value() != condition->powerUpValue()) {
             return std::nullopt;
         }
     }
@@ -106,7 +107,7 @@ TimeGrid Oscilloscope::timeGrid() const
 
 std::vector<float> Oscilloscope::samples(std::size_t channel)
 {
-    const AnalyzerOutput &output = radioLink().analyzerOutput();
+    const AnalyzerOutput &output = link.analyzerOutput();
     const std::array inputs{Signal::Source, Signal::Sink, output.signal, Signal::Unconnected};
     std::vector<float> samples = record.trace(inputs.at(channel - 1), timeGrid(), output.receiver);
 
@@ -126,7 +127,7 @@ Error Oscilloscope::answerRecord(const Call &call, std::string *answer)
     if (!channelState.isOn(channel)) {
         return scpi::settingsConflict;
     }
-    *answer = traceFormat().encode(samples(channel));
+    *answer = traceText(samples(channel));
     return scpi::noError;
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "simulator/BenchInstrument.h"
+#include "simulator/RadioLink.h"
+#include "simulator/scpi/Instrument.h"
 
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace simulator {
@@ -19,8 +19,8 @@ struct OscilloscopeDialect
     Setting horizontalPosition;
     Setting points;
     Setting triggerLevel;
-    std::vector<std::pair<Setting, int>> triggerConditions; ///< it triggers only with these values
-    std::vector<Setting> others;                            ///< no effect on the record
+    std::vector<Setting> triggerConditions; ///< it triggers only with their values at power-up
+    std::vector<Setting> others;            ///< no effect on the record
 };
 
 /// The families "KVx" and "LPA4004".
@@ -29,7 +29,7 @@ OscilloscopeDialect lpa4004Dialect();
 
 /// An oscilloscope. Channel 1 is wired to the source, channel 2 to the sink and channel 3 to the
 /// analyzers' output; channel 4 is open.
-class Oscilloscope : public BenchInstrument
+class Oscilloscope : public Instrument
 {
 public:
     Oscilloscope(const OscilloscopeDialect &dialect, RadioLink &link);
@@ -53,6 +53,7 @@ private:
     [[nodiscard]] std::vector<float> samples(std::size_t channel);
     Error answerRecord(const Call &call, std::string *answer);
 
+    RadioLink &link;
     double divisions;
     Setting &channelState;
     Setting &scale;
@@ -63,7 +64,7 @@ private:
     Setting &horizontalPosition;
     Setting &points;
     Setting &triggerLevel;
-    std::vector<std::pair<const Setting *, int>> triggerConditions;
+    std::vector<const Setting *> triggerConditions;
     Acquisition acquisition = Acquisition::Running;
     RadioLinkEvent record{0, 0.0};
 };

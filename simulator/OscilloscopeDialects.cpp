@@ -2,22 +2,6 @@
 
 namespace simulator {
 
-namespace {
-
-enum class OscilloscopeTrigger
-{
-    Channel1,
-    External,
-};
-
-enum class Slope
-{
-    Positive,
-    Negative,
-};
-
-} // namespace
-
 // The choices are those that the bench's wiring allows.
 
 OscilloscopeDialect kvxDialect()
@@ -62,14 +46,9 @@ OscilloscopeDialect lpa4004Dialect()
         number("TRIGger:A:LEVel<5>", -10.0, 10.0, powerUpTriggerLevel, "V"),
         {
             // Only the source on channel 1 is wired to the trigger, and its signal rises.
-            {choice<OscilloscopeTrigger>("TRIGger:A:SOURce",
-                                         {{"CH1", OscilloscopeTrigger::Channel1},
-                                          {"EXTernal", OscilloscopeTrigger::External}}),
-             static_cast<int>(OscilloscopeTrigger::Channel1)},
-            {choice<Slope>("TRIGger:A:EDGE:SLOPe",
-                           {{"POSitive", Slope::Positive}, {"NEGative", Slope::Negative}}),
-             static_cast<int>(Slope::Positive)},
-            {boolean("TRIGger:A:ENABle", true), 1},
+            choice("TRIGger:A:SOURce", {"CH1", "EXTernal"}),
+            choice("TRIGger:A:EDGE:SLOPe", {"POSitive", "NEGative"}),
+            boolean("TRIGger:A:ENABle", true),
         },
         {
             choice("CHANnel<4>:COUPling", {"DCLimit", "DC"}),

@@ -9,7 +9,7 @@ namespace simulator {
 namespace {
 
 constexpr double pi = 3.14159265358979323846;
-constexpr double never = std::numeric_limits<double>::infinity();
+constexpr double noRise = std::numeric_limits<double>::infinity();
 constexpr double unknown = std::numeric_limits<double>::quiet_NaN();
 
 // Light sensors (volts, seconds). Both signals rise in the shape of a raised cosine.
@@ -125,8 +125,8 @@ std::vector<float> sampled(const TimeGrid &grid, std::uint32_t key, double noise
 RadioLinkEvent::RadioLinkEvent(std::uint32_t number, double beaconPhase)
     : number(number),
       truth{unknown, unknown, unknown, unknown},
-      sourceStart(never),
-      sinkStart(never),
+      sourceStart(noRise),
+      sinkStart(noRise),
       beaconPhase(beaconPhase)
 {
 }

@@ -4,41 +4,11 @@
 
 namespace simulator {
 
-namespace {
-
-enum class AnalyzerTrigger
-{
-    Immediate,
-    External,
-};
-
-enum class Output
-{
-    Carrier,
-    Video,
-};
-
-const char *identityOf(AnalyzerFamily family)
-{
-    switch (family) {
-    case AnalyzerFamily::Qan:
-        return "Varnholt,QAN40,100202,1.00";
-    case AnalyzerFamily::Qel:
-        return "Varnholt,QEL8,100203,1.00";
-    case AnalyzerFamily::Plain:
-        break;
-    }
-    return "Varnholt,SPA26,100201,1.00";
-}
-
-} // namespace
-
-SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link)
-    : BenchInstrument(identityOf(family), link),
+SpectrumAnalyzer::SpectrumAnalyzer(const AnalyzerDialect &dialect, RadioLink &link)
+    : Instrument(dialect.identity),
+      link(link),
       frequency(add(number("FREQuency:CENTer", 0.0, 40e9, 2.437e9, "HZ"))),
-      triggerSource(add(choice<AnalyzerTrigger>(
-          "TRIGger<1>[:SEQuence]:SOURce",
-          {{"IMMediate", AnalyzerTrigger::Immediate}, {"EXTernal", AnalyzerTrigger::External}}))),
+      triggerSource(add(choice("TRIGger<1>[:SEQuence]:SOURce", {"IMMediate", "EXTernal"}))),
       holdOff(add(number("TRIGger<1>[:SEQuence]:HOLDoff[:TIME]", -10.0, 30.0, 0.0, "S"))),
       sweepTime(add(number("SWEep:TIME", 1e-6, 16000.0, 1.0, "S"))),
       points(add(integer("SWEep:POINts", 101.0, 100001.0, 1001.0))),
@@ -53,12 +23,11 @@ SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link)
     add(choice("SWEep:OPTimize", {"AUTO", "DYNamic", "SPEed"}).withOptionalParameter());
     add(choice("BWIDth:FFT", {"AUTO", "WIDE", "NARRow"}));
     add(number("BWIDth:VIDeo", 1.0, 80e6, 3e6, "HZ"));
-    if (family == AnalyzerFamily::Qan) {
+    if (dialect.hasFrequencyMode) {
         add(choice("FREQuency:MODE", {"CW", "SWeep"}));
     }
-    if (family != AnalyzerFamily::Qel) {
-        output = &add(choice<Output>("OUTPut<1>:IF[:SOURce]",
-                                     {{"IF", Output::Carrier}, {"VIDeo", Output::Video}}));
+    if (dialect.hasIfOutput) {
+        output = &add(choice("OUTPut<1>:IF[:SOURce]", {"IF", "VIDeo"}));
         outputFrequency = &add(number("OUTPut<1>:IF:IFFRequency", 0.0, 1e9, 2.0, "HZ"));
     }
     addFormatCommands();
@@ -71,7 +40,7 @@ SpectrumAnalyzer::SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link)
 
 void SpectrumAnalyzer::startSweep()
 {
-    sweep = radioLink().freeSweep();
+    sweep = link.freeSweep();
     setDuration(sweepTime.value());
 }
 
@@ -84,8 +53,7 @@ Receiver SpectrumAnalyzer::receiver() const
 void SpectrumAnalyzer::messageExecuted()
 {
     if (output != nullptr) {
-        radioLink().connect(
-            {output->is(Output::Video) ? Signal::Video : Signal::Carrier, receiver()});
+        link.connect({output->is("VIDeo") ? Signal::Video : Signal::Carrier, receiver()});
     }
 }
 
@@ -104,18 +72,18 @@ Error SpectrumAnalyzer::answerTrace(const Call &call, std::string *answer)
         }
     }
 
-    const bool isTriggered = triggerSource.is(AnalyzerTrigger::External);
+    const bool isTriggered = triggerSource.is("EXTernal");
     if (!isTriggered && continuous.isOn()) {
         startSweep();
     }
-    const RadioLinkEvent &shown = isTriggered ? radioLink().lastRecord() : sweep;
+    const RadioLinkEvent &shown = isTriggered ? link.lastRecord() : sweep;
     std::vector<float> samples =
         shown.trace(Signal::RfPower,
                     {isTriggered ? holdOff.value() : 0.0, sweepTime.value(),
                      static_cast<std::size_t>(points.value())},
                     receiver());
     samples.resize(static_cast<std::size_t>(wanted));
-    *answer = traceFormat().encode(samples);
+    *answer = traceText(samples);
     return scpi::noError;
 }
 

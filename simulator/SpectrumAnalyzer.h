@@ -1,24 +1,29 @@
 #pragma once
 
-#include "simulator/BenchInstrument.h"
+#include "simulator/RadioLink.h"
+#include "simulator/scpi/Instrument.h"
 
 namespace simulator {
 
-/// The families of spectrum analyzers.
-enum class AnalyzerFamily
+/// What distinguishes one family of spectrum analyzers from another.
+struct AnalyzerDialect
 {
-    Plain,
-    Qan, ///< has a frequency mode
-    Qel, ///< has no IF output
+    const char *identity;
+    bool hasFrequencyMode;
+    bool hasIfOutput;
 };
+
+constexpr AnalyzerDialect spaDialect{"Varnholt,SPA26,100201,1.00", false, true};
+constexpr AnalyzerDialect qanDialect{"Varnholt,QAN40,100202,1.00", true, true};
+constexpr AnalyzerDialect qelDialect{"Varnholt,QEL8,100203,1.00", false, false};
 
 /// A spectrum analyzer in zero span. Its external trigger comes from the oscilloscopes. All
 /// analyzers share the cable to the oscilloscopes' channel 3; it carries the output of the analyzer
 /// that received the last message.
-class SpectrumAnalyzer : public BenchInstrument
+class SpectrumAnalyzer : public Instrument
 {
 public:
-    SpectrumAnalyzer(AnalyzerFamily family, RadioLink &link);
+    SpectrumAnalyzer(const AnalyzerDialect &dialect, RadioLink &link);
 
 protected:
     void messageExecuted() override;
@@ -28,6 +33,7 @@ private:
     [[nodiscard]] Receiver receiver() const;
     Error answerTrace(const Call &call, std::string *answer);
 
+    RadioLink &link;
     Setting &frequency;
     Setting &triggerSource;
     Setting &holdOff;
@@ -36,7 +42,7 @@ private:
     Setting &bandwidth;
     Setting &continuous;
     Setting *output = nullptr;          // null where there is no IF output
-    Setting *outputFrequency = nullptr; // as above
+    Setting *outputFrequency = nullptr; // likewise
     RadioLinkEvent sweep{0, 0.0};       // the last one without an external trigger
 };
 

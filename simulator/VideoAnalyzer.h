@@ -1,6 +1,7 @@
 #pragma once
 
-#include "simulator/BenchInstrument.h"
+#include "simulator/RadioLink.h"
+#include "simulator/scpi/Instrument.h"
 
 #include <cstdint>
 #include <optional>
@@ -8,7 +9,7 @@
 namespace simulator {
 
 /// A video analyzer that measures the delay from the source to the sink's HDMI output.
-class VideoAnalyzer : public BenchInstrument
+class VideoAnalyzer : public Instrument
 {
 public:
     explicit VideoAnalyzer(RadioLink &link);
@@ -20,7 +21,8 @@ private:
     [[nodiscard]] std::uint32_t count(); // of the events since the measurement started
     Error answerDelay(std::string *answer);
 
-    std::optional<std::uint32_t> eventsBefore; // when the measurement started, if it did
+    RadioLink &link;
+    std::optional<std::uint32_t> eventsBefore; // the measurement; nothing while there is none
 };
 
 } // namespace simulator

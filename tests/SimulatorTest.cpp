@@ -9,14 +9,14 @@ using namespace simulator;
 
 namespace {
 
-/// Executes a message and returns the answer.
+/// Execute a message and return the answer.
 QByteArray ask(const Bench &bench, const QByteArray &host, const QByteArray &message)
 {
     Instrument *instrument = bench.find(host.toStdString())->instrument.get();
     return QByteArray::fromStdString(instrument->execute(message.toStdString())).trimmed();
 }
 
-/// Asks for a trace in binary and returns its samples.
+/// Ask for a trace in binary and return its samples.
 QVector<float> trace(const Bench &bench, const QByteArray &host, const QByteArray &query)
 {
     const QByteArray block = ask(bench, host, ":FORM REAL,32;:" + query);
@@ -30,7 +30,7 @@ float maximum(const QVector<float> &samples)
 
 } // namespace
 
-/// The laboratory without VISA: its instruments execute messages.
+/// The instruments of the bench and the radio link, without VISA or a network.
 class SimulatorTest : public QObject
 {
     Q_OBJECT
@@ -42,29 +42,21 @@ private slots:
         QTest::addColumn<QByteArray>("message");
         QTest::addColumn<QByteArray>("answer");
         QTest::addColumn<QByteArray>("error"); // the first in the queue
-        using Text = const char *;
-        const Text noEvent = R"(-230,"Data corrupt or stale")";
-        const auto row = [](Text name, Text host, Text message, Text answer,
-                            Text error = R"(0,"No error")") {
-            QTest::newRow(name) << QByteArray(host) << QByteArray(message) << QByteArray(answer)
-                                << QByteArray(error);
+        const QByteArray noEvent = R"(-230,"Data corrupt or stale")";
+        const QByteArray outOfRange = R"(-222,"Data out of range")";
+        const auto row = [](const char *name, const QByteArray &host, const QByteArray &message,
+                            const QByteArray &answer, const QByteArray &error = R"(0,"No error")") {
+            QTest::newRow(name) << host << message << answer << error;
         };
         row("forms and paths", "scope", "chan:scal .05;POSITION -3;:channel1:scale?;pos?",
             "0.05;-3");
         row("channels", "scope", "CHAN4:SCAL 0.5;:CHAN2:SCAL?;:CHAN4:SCAL?", "0.2;0.5");
-        row("whole screen", "scope", "CHAN1:RANG 0.5;SCAL?;RANG? MAX;:TIM:RANG?", "0.05;100;1.2");
+        row("whole screen", "scope", "CHAN1:RANG 0.5;SCAL?", "0.05");
         row("mega, not milli", "analyzer", "FREQ:CENT 5192 MHZ;CENT?", "5192000000");
         row("rounding", "scope-kvx", "ACQ:POIN 1999.6;POIN?", "2000");
         row("two suffixes", "scope-kvx", "TRIG2:LEV3 1;LEV3?;LEV4?;:TRIG3:LEV3?", "1;0.027;0.027");
-        row("continuous acquisition", "scope-kvx",
-            "INIT:CONT?;CONT OFF;CONT?;*TRG;:INIT:CONT?;:RUNC;INIT:CONT?", "1;0;0;1");
-        row("reset format", "scope", "FORM REAL,32;*RST;FORM?", "ASC,0");
-        row("frequency mode", "analyzer-qan", "FREQ:MODE SW;MODE?", "SW");
         row("unknown header", "scope", "FOO;*OPC?", "1", R"(-113,"Undefined header")");
-        row("other family's header", "analyzer", "FREQ:MODE SW", "", R"(-113,"Undefined header")");
         row("colon at the end", "scope", "CHAN1:SCAL:", "", R"(-113,"Undefined header")");
-        row("quoted semicolon", "scope", "'a;b';SYST:ERR?;SYST:ERR?",
-            R"(-113,"Undefined header";0,"No error")");
         row("fifth channel", "scope", "CHAN5:SCAL 1", "", R"(-114,"Header suffix out of range")");
         row("no number", "scope", "CHAN1:SCAL nan;SCAL?", "0.2", R"(-104,"Data type error")");
         row("wrong unit", "scope", "CHAN1:SCAL 1HZ;SCAL?", "0.2", R"(-131,"Invalid suffix")");
@@ -74,10 +66,8 @@ private slots:
         row("level above the source's", "scope", "TRIG:A:LEV1 0.15;*TRG;BENC:EVEN?", "", noEvent);
         row("falling slope", "scope", "TRIG:A:EDGE:SLOP NEG;*TRG;BENC:EVEN?", "", noEvent);
         row("external trigger", "scope", "TRIG:A:SOUR EXT;*TRG;BENC:EVEN?", "", noEvent);
-        row("disabled trigger", "scope", "TRIG:A:ENAB OFF;*TRG;BENC:EVEN?", "", noEvent);
-        row("no points", "analyzer", "TRAC? TRACE1,0", "", R"(-222,"Data out of range")");
-        row("too many points", "analyzer", "SWE:POIN 101;:TRAC? TRACE1,102", "",
-            R"(-222,"Data out of range")");
+        row("no points", "analyzer", "TRAC? TRACE1,0", "", outOfRange);
+        row("too many points", "analyzer", "SWE:POIN 101;:TRAC? TRACE1,102", "", outOfRange);
         row("no event", "video", "INIT:AVDA;READ:AVDA:TTV:STAT?;COUN?;VAL?;*RST;STAT?", "1;0;0",
             noEvent);
         row("event status", "scope", "*ESR?;FOO;TIM:REF 101;*OPC;*ESR?;*ESR?;*CLS", "128;49;0");
@@ -119,14 +109,10 @@ private slots:
         const Bench bench;
         ask(bench, "video", "INIT:AVDA");
         ask(bench, "scope", "*TRG");
-        const auto answer = ask(bench, "analyzer-qel", "BENC:EVEN?").split(',');
-        const QList<double> expected = {
-            1, 0.000108363408160115, 44.6016055680811, 97.9632020955905, 117.469681170266, 0};
-        QCOMPARE(answer.size(), expected.size());
-        for (int i = 0; i < expected.size(); ++i) {
-            QCOMPARE(answer[i].toDouble(), expected[i]);
-        }
-        QCOMPARE(ask(bench, "video", "READ:AVDA:TTV:VAL?"), answer[3]);
+        const QByteArray hdmi = "97.9632020955905";
+        QCOMPARE(ask(bench, "analyzer-qel", "BENC:EVEN?"),
+                 "1,0.000108363408160115,44.6016055680811," + hdmi + ",117.469681170266,0");
+        QCOMPARE(ask(bench, "video", "READ:AVDA:TTV:VAL?"), hdmi);
         QCOMPARE(ask(bench, "video", "READ:AVDA:TTV:COUN?;*RST;COUN?"), QByteArray("1;0"));
     }
 

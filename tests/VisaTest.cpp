@@ -1,4 +1,4 @@
-#include "simulator/server/InProcessBackend.h"
+#include "simulator/InProcessBackend.h"
 #include "TestFiles.h"
 #include "visa/VisaFunctions.h"
 

@@ -1,5 +1,7 @@
 #include "simulator/scpi/Instrument.h"
 
+#include "simulator/scpi/TraceText.h"
+
 #include <algorithm>
 
 namespace simulator {
@@ -9,6 +11,7 @@ namespace {
 /// The longest response in bytes. It is longer than any single answer of the bench's instruments; a
 /// message that asks for more is deadlocked.
 constexpr std::size_t outputLimit = std::size_t{32} << 20U;
+constexpr std::size_t errorQueueCapacity = 30;
 
 // Bits of the status byte (IEEE 488.2 11.2 and SCPI-99 volume 1, 9).
 constexpr unsigned errorAvailable = 0x04;
@@ -19,26 +22,16 @@ constexpr unsigned masterSummary = 0x40;
 // A bit of the event status register (IEEE 488.2 11.5.1).
 constexpr unsigned operationComplete = 0x01;
 
-/// Split a text at the separators outside quotes (IEEE 488.2 7.7.5).
+/// Split a text at the separators. No command of the bench takes a quoted string, which could hold
+/// one.
 std::vector<std::string_view> split(std::string_view text, char separator)
 {
     std::vector<std::string_view> parts;
-    char quote = 0;
-    std::size_t start = 0;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        const char c = text[at];
-        if (quote != 0) {
-            if (c == quote) {
-                quote = 0;
-            }
-        } else if (c == '"' || c == '\'') {
-            quote = c;
-        } else if (c == separator) {
-            parts.push_back(trimmed(text.substr(start, at - start)));
-            start = at + 1;
-        }
+    for (std::size_t start = 0; start <= text.size();) {
+        const std::size_t end = std::min(text.find(separator, start), text.size());
+        parts.push_back(trimmed(text.substr(start, end - start)));
+        start = end + 1;
     }
-    parts.push_back(trimmed(text.substr(start)));
     return parts;
 }
 
@@ -58,12 +51,12 @@ void Instrument::addCommonCommands()
     onAnswer("*TST", [] { return std::string("0"); });
     onAnswer("*ESR", [this] { return std::to_string(std::exchange(eventStatus, 0U)); });
     onAnswer("*STB", [this] { return std::to_string(statusByte(hasAnswered)); });
-    onAnswer("SYSTem:ERRor[:NEXT]", [this] { return queue.next(); });
+    onAnswer("SYSTem:ERRor[:NEXT]", [this] { return takeError(); });
     onAction("*OPC", [this] { eventStatus |= operationComplete; });
     onAction("*WAI", [] {});
     onAction("*RST", [this] { reset(); });
     onAction("*CLS", [this] {
-        queue.clear();
+        errors.clear();
         eventStatus = 0;
     });
 }
@@ -127,9 +120,33 @@ void Instrument::onAnswer(std::string_view pattern, const std::function<std::str
 
 void Instrument::addFormatCommands()
 {
-    onCommand("FORMat[:DATA]", {1, 2},
-              [this](const Call &call, std::string *) { return format.set(call.parameters); });
-    onAnswer("FORMat[:DATA]", [this] { return format.text(); });
+    onCommand("FORMat[:DATA]", {1, 2}, [this](const Call &call, std::string *) {
+        const bool isReal = isMnemonic("REAL", call.parameters[0]);
+        if (!isReal && !isMnemonic("ASCii", call.parameters[0])) {
+            return scpi::illegalParameterValue;
+        }
+        if (call.parameters.size() == 2 && call.parameters[1] != (isReal ? "32" : "0")) {
+            return scpi::illegalParameterValue;
+        }
+        isRealFormat = isReal;
+        return scpi::noError;
+    });
+    onAnswer("FORMat[:DATA]", [this] { return std::string(isRealFormat ? "REAL,32" : "ASC,0"); });
+}
+
+std::string Instrument::traceText(const std::vector<float> &samples) const
+{
+    return isRealFormat ? definiteLengthBlock(samples) : decimalText(samples);
+}
+
+std::string Instrument::takeError()
+{
+    Error error = scpi::noError;
+    if (!errors.empty()) {
+        error = errors.front();
+        errors.pop_front();
+    }
+    return std::to_string(error.number) + ",\"" + error.text + '"';
 }
 
 void Instrument::reset()
@@ -139,12 +156,16 @@ void Instrument::reset()
             setting.reset();
         }
     }
-    format.reset();
+    isRealFormat = false;
 }
 
 void Instrument::report(const Error &error)
 {
-    queue.push(error);
+    if (errors.size() < errorQueueCapacity) {
+        errors.push_back(error);
+    } else {
+        errors.back() = scpi::queueOverflow; // SCPI-99 volume 2, 21.8.1
+    }
     // Errors from -100 are command errors, from -200 execution, from -300 device and from -400
     // query errors (SCPI-99 volume 2, 21.8). Their bits descend from 0x20.
     eventStatus |= 0x40U >> static_cast<unsigned>(error.number / -100);
@@ -153,7 +174,7 @@ void Instrument::report(const Error &error)
 std::uint8_t Instrument::statusByte(bool messageAvailable) const
 {
     const auto mask = [](const Setting *enable) { return static_cast<unsigned>(enable->value()); };
-    const unsigned status = (queue.isEmpty() ? 0U : errorAvailable) |
+    const unsigned status = (errors.empty() ? 0U : errorAvailable) |
                             (messageAvailable ? messageAvailableBit : 0U) |
                             ((eventStatus & mask(eventEnable)) != 0 ? eventSummary : 0U);
     return static_cast<std::uint8_t>(
@@ -180,14 +201,12 @@ const Instrument::Command *Instrument::find(std::string_view header, Suffixes *s
 
 Error Instrument::executeUnit(std::string_view unit, std::string *path, std::string *answer)
 {
-    const auto space = std::find_if(unit.begin(), unit.end(), [](char c) {
-        return trimmed({&c, 1}).empty();
-    });
+    const auto space = std::find_if(unit.begin(), unit.end(), isSpace);
     const auto headerSize = static_cast<std::size_t>(space - unit.begin());
-    std::string header(unit.substr(0, headerSize));
+    std::string header = upperCase(unit.substr(0, headerSize));
     Call call{};
-    if (const auto rest = trimmed(unit.substr(headerSize)); !rest.empty()) {
-        call.parameters = split(rest, ',');
+    if (headerSize < unit.size()) { // which is trimmed
+        call.parameters = split(unit.substr(headerSize), ',');
     }
 
     // A header continues from the path of the unit before (SCPI-99 volume 1, 6.2.4). When nothing

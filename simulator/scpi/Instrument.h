@@ -1,9 +1,8 @@
 #pragma once
 
-#include "simulator/scpi/ErrorQueue.h"
+#include "simulator/scpi/Error.h"
 #include "simulator/scpi/Pattern.h"
 #include "simulator/scpi/Setting.h"
-#include "simulator/scpi/TraceFormat.h"
 
 #include <cstdint>
 #include <deque>
@@ -33,7 +32,6 @@ public:
 
     /// Put an error into the queue and into the event status register.
     void report(const Error &error);
-    ErrorQueue &errors() { return queue; }
 
     /// Returns the status byte (IEEE 488.2 11.2). Bit 2 says that the error queue is not empty, bit
     /// 4 that the client has an answer to read.
@@ -56,6 +54,8 @@ public:
 
     /// Add a command by its pattern.
     void onCommand(std::string_view pattern, ParameterCount count, Handler handler);
+    /// Add a query by its pattern, without the question mark.
+    void onQuery(std::string_view pattern, ParameterCount count, Handler handler);
 
     /// Returns how many seconds the record or sweep lasts that was started since the last call; 0
     /// when there was none. Here it is complete at once; the caller may let its clients wait.
@@ -66,16 +66,17 @@ protected:
     Setting &add(Setting setting);
     /// Add a command and a query whose parameter and answer are factor times a setting's value.
     void addMultiple(std::string_view pattern, Setting &setting, double factor);
-    /// Add a query by its pattern, without the question mark.
-    void onQuery(std::string_view pattern, ParameterCount count, Handler handler);
     /// Add a command that takes no parameters and cannot fail.
     void onAction(std::string_view pattern, const std::function<void()> &action);
     /// Add a query that takes no parameters and cannot fail.
     void onAnswer(std::string_view pattern, const std::function<std::string()> &text);
-    /// Add the command and the query FORMat[:DATA] of an instrument that answers traces.
+    /// Add the command and the query FORMat[:DATA], which choose how an instrument answers its
+    /// traces: as decimal text (ASCii, at power-up) or as binary blocks (REAL,32).
     void addFormatCommands();
 
-    [[nodiscard]] const TraceFormat &traceFormat() const { return format; }
+    /// Returns samples in the present format: numbers separated by commas, or one definite-length
+    /// block of little-endian 32-bit floats (IEEE 488.2 8.7.9).
+    [[nodiscard]] std::string traceText(const std::vector<float> &samples) const;
     /// Set how many seconds the record or sweep lasts that has just started.
     void setDuration(double seconds) { duration = seconds; }
     /// Set every setting to its value at power-up, as *RST does.
@@ -93,6 +94,7 @@ private:
     };
 
     void addCommonCommands();
+    std::string takeError();
     std::string executeUnits(std::string_view message);
     const Command *find(std::string_view header, Suffixes *suffixes, Error *error) const;
     Error executeUnit(std::string_view unit, std::string *path, std::string *answer);
@@ -100,8 +102,8 @@ private:
     std::string identity;
     std::deque<Setting> settings; // a deque, since the commands point to its elements
     std::vector<Command> commands;
-    TraceFormat format;
-    ErrorQueue queue;
+    bool isRealFormat = false;
+    std::deque<Error> errors;    // oldest first
     unsigned eventStatus = 0x80; // "power on" (IEEE 488.2 11.5.1)
     Setting *eventEnable = nullptr;
     Setting *serviceEnable = nullptr;

@@ -63,6 +63,19 @@ Error parseNumber(std::string_view text, std::string_view unit, double *value)
     return scpi::noError;
 }
 
+Error parseNumber(std::string_view text, std::string_view unit, double greatest, double *value)
+{
+    double number = 0.0;
+    if (const Error error = parseNumber(text, unit, &number)) {
+        return error;
+    }
+    if (number < 0.0 || number > greatest) {
+        return scpi::dataOutOfRange;
+    }
+    *value = number;
+    return scpi::noError;
+}
+
 Error parseBoolean(std::string_view text, bool *value)
 {
     if (isMnemonic("ON", text) || isMnemonic("OFF", text)) {

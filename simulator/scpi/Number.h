@@ -1,6 +1,6 @@
 #pragma once
 
-#include "simulator/scpi/ErrorQueue.h"
+#include "simulator/scpi/Error.h"
 
 #include <string>
 #include <string_view>
@@ -12,6 +12,9 @@ namespace simulator {
 /// scpi::dataType (no number), scpi::invalidSuffix (another unit, or a unit where there is none) or
 /// scpi::dataOutOfRange (too large or too small for a double) and leaves value unchanged.
 Error parseNumber(std::string_view text, std::string_view unit, double *value);
+
+/// Read a number from 0 to `greatest` in the same way. Others are scpi::dataOutOfRange.
+Error parseNumber(std::string_view text, std::string_view unit, double greatest, double *value);
 
 /// Read ON, OFF or a number; a number that rounds to 0 is off (SCPI-99 volume 1, 7.3).
 Error parseBoolean(std::string_view text, bool *value);

@@ -16,19 +16,6 @@ bool isDigit(char c)
     return c >= '0' && c <= '9';
 }
 
-/// Returns whether a character is white space: any code from 0 to 32 (IEEE 488.2 7.4.1.2). The
-/// newline never gets here, since it ends a message.
-bool isSpace(char c)
-{
-    return static_cast<unsigned char>(c) <= 32;
-}
-
-bool equalIgnoringCase(std::string_view a, std::string_view b)
-{
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return upper(x) == upper(y); });
-}
-
 /// Read the digits of a suffix, 1 for none; the value stops growing far beyond every real suffix.
 std::size_t suffixValue(std::string_view digits)
 {
@@ -47,6 +34,11 @@ std::string upperCase(std::string_view text)
     std::string result(text);
     std::transform(result.begin(), result.end(), result.begin(), upper);
     return result;
+}
+
+bool isSpace(char c)
+{
+    return static_cast<unsigned char>(c) <= 32;
 }
 
 std::string_view trimmed(std::string_view text)
@@ -70,7 +62,8 @@ std::string shortForm(std::string_view definition)
 
 bool isMnemonic(std::string_view definition, std::string_view text)
 {
-    return equalIgnoringCase(definition, text) || equalIgnoringCase(shortForm(definition), text);
+    const std::string upper = upperCase(text);
+    return upper == upperCase(definition) || upper == shortForm(definition);
 }
 
 Pattern::Pattern(std::string_view text)
@@ -80,7 +73,8 @@ Pattern::Pattern(std::string_view text)
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t end = std::min(text.find_first_of(":[]<", at), text.size());
         if (end > at) {
-            nodes.push_back({std::string(text.substr(at, end - at)), optional, false, 0});
+            const std::string_view mnemonic = text.substr(at, end - at);
+            nodes.push_back({upperCase(mnemonic), shortForm(mnemonic), optional, false, 0});
         }
         if (end < text.size() && text[end] == '<') {
             const std::size_t close = text.find('>', end);
@@ -124,7 +118,7 @@ Pattern::Match Pattern::matchFrom(std::size_t index, std::string_view header,
     }
     // A colon with nothing after it leaves an empty node, which no mnemonic matches.
     const bool complete = colon == std::string_view::npos || colon + 1 < header.size();
-    if (complete && isMnemonic(node.mnemonic, mnemonic)) {
+    if (complete && (mnemonic == node.longForm || mnemonic == node.shortForm)) {
         const std::string_view rest =
             colon == std::string_view::npos ? std::string_view() : header.substr(colon + 1);
         const Match match = matchFrom(index + 1, rest, suffixes);

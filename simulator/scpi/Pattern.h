@@ -15,6 +15,10 @@ using Suffixes = std::array<std::size_t, 2>;
 /// Returns the text in ASCII upper case, whatever the process locale.
 std::string upperCase(std::string_view text);
 
+/// Returns whether a character is white space: any code from 0 to 32 (IEEE 488.2 7.4.1.2). The
+/// newline is never seen, since it ends a message.
+bool isSpace(char c);
+
 /// Returns the text without white space at both ends.
 std::string_view trimmed(std::string_view text);
 
@@ -39,8 +43,8 @@ public:
 
     explicit Pattern(std::string_view text);
 
-    /// Compare a header, without its leading colon and question mark. Sets suffixes on a full match
-    /// only.
+    /// Compare a header in upper case, without its leading colon and question mark. Sets suffixes
+    /// on a full match only.
     Match match(std::string_view header, Suffixes *suffixes) const;
 
     /// Returns the greatest value of each suffix, 1 where there is none.
@@ -49,7 +53,8 @@ public:
 private:
     struct Node
     {
-        std::string mnemonic;
+        std::string longForm;
+        std::string shortForm;
         bool optional = false;
         bool suffixed = false;
         std::size_t slot = 0; // of its suffix

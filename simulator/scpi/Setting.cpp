@@ -52,9 +52,9 @@ Error Setting::parse(std::string_view text, double factor, double *value) const
         return error;
     }
     if (kind == Kind::Choice) {
-        for (const auto &[name, enumerator] : choices) {
-            if (isMnemonic(name, text)) {
-                *value = enumerator;
+        for (std::size_t i = 0; i < choices.size(); ++i) {
+            if (isMnemonic(choices[i], text)) {
+                *value = static_cast<double>(i);
                 return scpi::noError;
             }
         }
@@ -77,10 +77,8 @@ Error Setting::parse(std::string_view text, double factor, double *value) const
 
 std::string Setting::text(double value, double factor) const
 {
-    for (const auto &[name, enumerator] : choices) {
-        if (enumerator == value) {
-            return shortForm(name);
-        }
+    if (kind == Kind::Choice) {
+        return shortForm(choices[static_cast<std::size_t>(value)]);
     }
     return numberText(value * factor);
 }
@@ -88,15 +86,6 @@ std::string Setting::text(double value, double factor) const
 void Setting::reset()
 {
     std::fill(values.begin(), values.end(), powerUp);
-}
-
-Setting choice(std::string_view pattern, std::initializer_list<std::string_view> mnemonics)
-{
-    Setting::Choices choices;
-    for (const std::string_view mnemonic : mnemonics) {
-        choices.emplace_back(mnemonic, int(choices.size()));
-    }
-    return {pattern, Setting::Kind::Choice, 0.0, 0.0, 0.0, "", choices};
 }
 
 } // namespace simulator

@@ -1,11 +1,10 @@
 #pragma once
 
-#include "simulator/scpi/ErrorQueue.h"
+#include "simulator/scpi/Error.h"
 #include "simulator/scpi/Pattern.h"
 
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace simulator {
@@ -22,7 +21,7 @@ public:
         Switch,
         Choice,
     };
-    using Choices = std::vector<std::pair<std::string_view, int>>; // mnemonic and enumerator
+    using Choices = std::vector<std::string_view>; // mnemonics; the value is the index
 
     Setting(std::string_view pattern, Kind kind, double minimum, double maximum, double powerUp,
             std::string_view unit, Choices choices = {});
@@ -42,11 +41,10 @@ public:
     void set(const Suffixes &suffixes, double value) { values[index(suffixes)] = value; }
     [[nodiscard]] double value(std::size_t suffix = 1) const { return value({suffix, 1}); }
     [[nodiscard]] bool isOn(std::size_t suffix = 1) const { return value(suffix) != 0.0; }
-    /// Returns whether the setting has this choice.
-    template <typename Enumeration>
-    [[nodiscard]] bool is(Enumeration choice) const
+    /// Returns whether the setting has this choice, given as it was defined.
+    [[nodiscard]] bool is(std::string_view choice) const
     {
-        return value() == static_cast<double>(choice);
+        return choices[static_cast<std::size_t>(value())] == choice;
     }
 
     [[nodiscard]] std::string_view header() const { return pattern; }
@@ -90,19 +88,10 @@ inline Setting boolean(std::string_view pattern, bool powerUp)
     return {pattern, Setting::Kind::Switch, 0.0, 1.0, powerUp ? 1.0 : 0.0, ""};
 }
 
-/// Define a choice by the mnemonics of its enumerators. The first is the value at power-up.
-template <typename Enumeration>
-Setting choice(std::string_view pattern,
-               std::initializer_list<std::pair<std::string_view, Enumeration>> mnemonics)
+/// Define a choice by its mnemonics. The first is the value at power-up.
+inline Setting choice(std::string_view pattern, const Setting::Choices &mnemonics)
 {
-    Setting::Choices choices;
-    for (const auto &[name, enumerator] : mnemonics) {
-        choices.emplace_back(name, static_cast<int>(enumerator));
-    }
-    return {pattern, Setting::Kind::Choice, 0.0, 0.0, double(choices[0].second), "", choices};
+    return {pattern, Setting::Kind::Choice, 0.0, 0.0, 0.0, "", mnemonics};
 }
-
-/// Define a choice that has no effect on the bench.
-Setting choice(std::string_view pattern, std::initializer_list<std::string_view> mnemonics);
 
 } // namespace simulator

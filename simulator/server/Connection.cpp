@@ -10,7 +10,7 @@ namespace server {
 namespace {
 
 /// Have the system end the connection when the client's host has not answered for half a minute, as
-/// after a power failure: the client's links and locks are wanted by others.
+/// after a power failure. Other clients need its links and locks.
 void watch(QTcpSocket &socket)
 {
     socket.setSocketOption(QAbstractSocket::KeepAliveOption, 1);
@@ -21,7 +21,7 @@ void watch(QTcpSocket &socket)
     };
     set(TCP_KEEPIDLE, 10); // s
     set(TCP_KEEPINTVL, 5);
-    set(TCP_USER_TIMEOUT, 30000); // ms; also while answers are on their way
+    set(TCP_USER_TIMEOUT, 30000); // ms; also for unacknowledged answers
 #endif
 }
 
@@ -36,7 +36,7 @@ Connection::Connection(QTcpSocket *socket, qint64 readLimit) : QObject(socket), 
     timer.setSingleShot(true);
     connect(&timer, &QTimer::timeout, this, &Connection::serve);
     connect(socket, &QTcpSocket::readyRead, this, &Connection::serve);
-    // Queued, as it also comes while an answer is being sent.
+    // Queued, since the signal also comes from within a write.
     connect(socket, &QTcpSocket::bytesWritten, this, &Connection::serve, Qt::QueuedConnection);
     connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
 }
@@ -50,7 +50,8 @@ void Connection::serve()
 
 void Connection::serveAt(Clock::time_point instant)
 {
-    constexpr std::chrono::milliseconds longest = std::chrono::hours(1); // and then again
+    constexpr std::chrono::milliseconds longest =
+        std::chrono::hours(1); // a timer takes no more than 24 days
     const Clock::duration left = std::min<Clock::duration>(instant - Clock::now(), longest);
     timer.start(std::chrono::ceil<std::chrono::milliseconds>(std::max(left, Clock::duration())));
 }

@@ -15,32 +15,33 @@ namespace server {
 
 using simulator::Clock;
 
-/// The bench and what else all connections share.
+/// The bench, and what else all connections share.
 struct SharedBench
 {
     explicit SharedBench(double timeScale) : bench(timeScale) { changed.setSingleShot(true); }
 
     simulator::Bench bench;
-    QTimer changed;             ///< started by whoever may have changed what others wait for
-    std::uint32_t nextLink = 0; ///< no two links of VXI-11 have the same number
+    QTimer changed;             ///< a connection starts it after a change that others may wait for
+    std::uint32_t nextLink = 0; ///< the number of the next VXI-11 link; no two are equal
 };
 
-/// A client's connection. It reads on only when its answers have left, so that a client that never
-/// reads takes little memory. It deletes its socket, and itself with it, when the client has gone.
+/// A client's connection. It takes the next message only after its answers have left, so a client
+/// that never reads its answers costs little memory. When the client disconnects, the connection
+/// deletes its socket, which owns the connection.
 class Connection : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Serve a connection; at most `readLimit` bytes are taken from it in advance.
+    /// Serve a socket. At most `readLimit` bytes are buffered before they are served.
     Connection(QTcpSocket *socket, qint64 readLimit);
 
 protected:
-    /// Serve what has come next. Returns false when nothing can be served for the time being.
+    /// Serve the next message, or a part of it. Returns false when nothing can be served now.
     virtual bool serveNext() = 0;
-    /// Serve until serveNext() returns false or an answer has yet to leave.
+    /// Call serveNext() until it returns false or an answer has not left yet.
     void serve();
-    /// Serve again at an instant, if not before.
+    /// Call serve() at an instant, or in an hour if that is earlier.
     void serveAt(Clock::time_point instant);
 
     QTcpSocket *const socket;
@@ -49,14 +50,15 @@ private:
     QTimer timer;
 };
 
-/// A connection whose messages are records of remote procedure calls.
+/// A connection whose messages are remote procedure calls in records.
 class RpcConnection : public Connection
 {
 public:
     RpcConnection(QTcpSocket *socket, std::size_t recordLimit);
 
 protected:
-    /// Take the next record, if it is complete. A longer one than the limit ends the connection.
+    /// Take the next record; nothing when it is not complete. A record over the limit ends the
+    /// connection.
     std::optional<std::string> takeRecord();
     void send(std::string_view message);
 

@@ -24,7 +24,7 @@ std::variant<CoreCall, wire::RpcOutcome> decodedCoreCall(const wire::RpcCall &ca
     wire::XdrReader from(call.arguments);
     std::uint32_t ignored = 0;
     std::uint32_t lockDevice = 0;
-    switch (core.procedure) { // the same parameters come in other orders
+    switch (core.procedure) { // the order of the parameters differs
     case CreateLink:
         from >> ignored >> lockDevice >> core.lockTimeout >> core.data;
         core.flags = WaitLock;
@@ -51,7 +51,7 @@ std::variant<CoreCall, wire::RpcOutcome> decodedCoreCall(const wire::RpcCall &ca
     case DestroyLink:
         from >> core.link;
         break;
-    default: // nobody looks at those of others
+    default: // no other procedure is supported
         break;
     }
     if (!from.isOk()) {

@@ -7,7 +7,7 @@
 
 namespace server {
 
-/// The parameters of a call on the core channel; a procedure has some of them.
+/// A call on the core channel. Each procedure has some of the parameters.
 struct CoreCall
 {
     std::uint32_t procedure = 0;
@@ -18,11 +18,11 @@ struct CoreCall
     std::uint32_t requestSize = 0;
     std::uint32_t terminator = 0;
     bool lockDevice = false;
-    std::string_view data; ///< what is written; the name of a device
+    std::string_view data; ///< the bytes to write, or the name of the device
 };
 
-/// Decode a call, whose bytes the parameters share. Returns how it fails when it is none of the
-/// core channel's, or parameters are missing.
+/// Decode a call. The parameters point into its bytes. Returns the error instead when the core
+/// channel has no such procedure or parameters are missing.
 std::variant<CoreCall, wire::RpcOutcome> decodedCoreCall(const wire::RpcCall &call);
 
 } // namespace server

@@ -19,9 +19,10 @@ namespace {
 
 constexpr std::size_t callLimit = 1 << 20; // bytes
 constexpr std::uint32_t receiveSize = 65536;
-constexpr int clientsPerDevice = 16; // as hardware has them
+constexpr int clientsPerDevice = 16; // real instruments have a similar limit
 
-/// The results of a procedure that failed, whose other words are there, too (VXI-11 1.0, C.1).
+/// Returns the results of a procedure that failed: the error, and 0 for all others (VXI-11 1.0,
+/// C.1).
 std::string error(Error code, std::uint32_t procedure)
 {
     switch (procedure) {
@@ -38,7 +39,8 @@ std::string error(Error code, std::uint32_t procedure)
     }
 }
 
-/// The answer to a call while others have locked the device; nothing when they have not.
+/// Returns the answer to a call while another client has locked the device; nothing when the device
+/// is free.
 std::optional<Answer> answerIfLocked(const CoreCall &call, const Device &device,
                                      const MessageExchange *client, Clock::time_point began)
 {
@@ -70,10 +72,8 @@ Answer read(const CoreCall &call, MessageExchange &client, Clock::time_point beg
     if (!part) {
         return error(IoTimeout, DeviceRead);
     }
-    const bool isTerminated =
-        termination && !part->bytes.empty() && part->bytes.back() == termination;
     const std::uint32_t reason = (part->isLast ? EndIndicator : 0U) |
-                                 (isTerminated ? TermChar : 0U) |
+                                 (part->isTerminated ? TermChar : 0U) |
                                  (part->bytes.size() == call.requestSize ? RequestCount : 0U);
     return xdrWords({None, reason}) + wire::xdrOpaque(part->bytes);
 }
@@ -100,7 +100,7 @@ Answer answerOn(MessageExchange &client, const CoreCall &call, Clock::time_point
         break;
     case DeviceUnlock:
         return error(client.unlock() ? None : NoLockHeld, DeviceUnlock);
-    default: // DeviceRemote and DeviceLocal: there is no front panel
+    default: // DeviceRemote and DeviceLocal, without effect: there is no front panel
         break;
     }
     return error(None, call.procedure);
@@ -116,7 +116,7 @@ CoreChannel::CoreChannel(QTcpSocket *socket, SharedBench &shared, Devices number
 
 CoreChannel::~CoreChannel()
 {
-    shared.changed.start(); // its locks go
+    shared.changed.start(); // its locks are released
 }
 
 bool CoreChannel::serveNext()
@@ -135,8 +135,8 @@ bool CoreChannel::serveNext()
     return true;
 }
 
-/// Take the next call; one that is none of the core channel's is refused at once. Returns false
-/// when there is no call.
+/// Take the next call. A call that cannot be decoded is refused at once. Returns false when there
+/// is no call.
 bool CoreChannel::takeCall()
 {
     std::optional<std::string> next = takeRecord();
@@ -171,17 +171,10 @@ Answer CoreChannel::answer(const CoreCall &call, Clock::time_point began)
         return createLink(call, began);
     case DestroyLink:
         return error(links.erase(call.link) == 1 ? None : InvalidLink, DestroyLink);
-    case DeviceWrite:
-    case DeviceRead:
-    case DeviceReadStb:
-    case DeviceTrigger:
-    case DeviceClear:
-    case DeviceRemote:
-    case DeviceLocal:
-    case DeviceLock:
-    case DeviceUnlock:
-        break;
     default:
+        break;
+    }
+    if (call.procedure > DeviceUnlock) {
         return error(NotSupported, call.procedure);
     }
     const auto found = links.find(call.link);
@@ -225,7 +218,7 @@ Answer CoreChannel::createLink(const CoreCall &call, Clock::time_point began)
     if (call.lockDevice) {
         links[id]->lock();
     }
-    const std::uint32_t abortPort = 0; // nothing here takes long enough to be aborted
+    const std::uint32_t abortPort = 0; // there is no abort channel
     return xdrWords({None, id, abortPort, receiveSize});
 }
 

@@ -22,13 +22,13 @@ class CoreChannel : public RpcConnection
 public:
     using Devices = std::vector<simulator::Device *>;
 
-    /// Serve a connection to a host whose devices are "inst0", "inst1" and so on in this order.
+    /// Serve a socket of a host whose devices are "inst0", "inst1" and so on, in this order.
     CoreChannel(QTcpSocket *socket, SharedBench &shared, Devices numbered);
     ~CoreChannel() override;
 
-    /// The results of a call, or the instant at which it is to be tried again.
+    /// The results of a call, or the instant at which to try it again.
     using Answer = std::variant<std::string, Clock::time_point>;
-    /// Try to answer a call that came when it began.
+    /// Try to answer a call, which came at the instant `began`.
     Answer answer(const CoreCall &call, Clock::time_point began);
 
 private:
@@ -39,9 +39,9 @@ private:
 
     SharedBench &shared;
     Devices numbered;
-    std::string record; // of the call
+    std::string record; // with the bytes of the pending call
     std::uint32_t xid = 0;
-    std::optional<CoreCall> pending; // the call that is not answered yet
+    std::optional<CoreCall> pending; // the call that has no answer yet
     Clock::time_point pendingSince;
     std::map<std::uint32_t, std::unique_ptr<simulator::MessageExchange>> links;
 };

@@ -10,7 +10,6 @@ namespace {
 
 constexpr std::size_t requestLimit = 1024; // bytes
 constexpr std::uint32_t nullProcedure = 0;
-constexpr std::uint32_t dumpProcedure = 4;
 
 } // namespace
 
@@ -19,7 +18,6 @@ std::string portmapAnswer(const wire::RpcCall &call, std::uint16_t corePort)
     using wire::encodedReply;
     using wire::RpcOutcome;
     using wire::xdrWords;
-    namespace vxi11 = wire::vxi11;
 
     if (call.procedure.program != wire::portmapperProgram) {
         return encodedReply(call.xid, RpcOutcome::ProgramUnavailable);
@@ -28,30 +26,22 @@ std::string portmapAnswer(const wire::RpcCall &call, std::uint16_t corePort)
         return encodedReply(call.xid, RpcOutcome::ProgramMismatch,
                             xdrWords({wire::portmapperVersion, wire::portmapperVersion}));
     }
+    if (call.procedure.procedure == nullProcedure) {
+        return encodedReply(call.xid, RpcOutcome::Success);
+    }
+    if (call.procedure.procedure != wire::getPortProcedure) {
+        return encodedReply(call.xid, RpcOutcome::ProcedureUnavailable);
+    }
     wire::XdrReader from(call.arguments);
     std::uint32_t program = 0;
     std::uint32_t version = 0;
     std::uint32_t protocol = 0;
-    std::string results;
-    switch (call.procedure.procedure) {
-    case nullProcedure:
-        break;
-    case wire::getPortProcedure:
-        from >> program >> version >> protocol;
-        results = xdrWords(
-            {program == vxi11::coreProgram && protocol == wire::tcpProtocol ? corePort : 0U});
-        break;
-    case dumpProcedure: // a list: 1 before each entry, 0 at its end
-        results =
-            xdrWords({1, vxi11::coreProgram, vxi11::coreVersion, wire::tcpProtocol, corePort, 0});
-        break;
-    default:
-        return encodedReply(call.xid, RpcOutcome::ProcedureUnavailable);
-    }
+    from >> program >> version >> protocol;
     if (!from.isOk()) {
         return encodedReply(call.xid, RpcOutcome::GarbageArguments);
     }
-    return encodedReply(call.xid, RpcOutcome::Success, results);
+    const bool isCore = program == wire::vxi11::coreProgram && protocol == wire::tcpProtocol;
+    return encodedReply(call.xid, RpcOutcome::Success, xdrWords({isCore ? corePort : 0U}));
 }
 
 PortmapConnection::PortmapConnection(QTcpSocket *socket, std::uint16_t corePort)

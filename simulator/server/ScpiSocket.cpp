@@ -28,7 +28,7 @@ bool ScpiSocket::serveNext()
         shared.changed.start();
         return true;
     }
-    // The answer leaves before the next line is looked at.
+    // The next line is taken only after the answer has left.
     if (Clock::now() < exchange.answerAt()) {
         serveAt(exchange.answerAt());
         return false;

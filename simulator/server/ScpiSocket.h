@@ -5,7 +5,8 @@
 
 namespace server {
 
-/// One client's connection to a raw socket of an instrument: lines of SCPI in, answers out.
+/// One client's connection to the raw socket of an instrument, which takes lines of SCPI and sends
+/// answers.
 class ScpiSocket : public Connection
 {
     Q_OBJECT

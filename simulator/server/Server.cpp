@@ -17,10 +17,9 @@ namespace server {
 
 namespace {
 
-constexpr std::size_t lastPort = 65535;
 constexpr quint16 lastPrivilegedPort = 1023;
 
-/// Give every connection to a server to `serve`.
+/// Call `serve` with every connection to a server.
 template <typename Serve>
 void onConnection(QTcpServer *server, Serve serve)
 {
@@ -31,23 +30,22 @@ void onConnection(QTcpServer *server, Serve serve)
     });
 }
 
-/// Answer the calls to the portmapper that come to one socket by way of another, which has an
-/// address of its own.
-void servePortmap(QUdpSocket *from, QUdpSocket *by, quint16 corePort)
+/// Answer the calls to the portmapper that a socket receives. The answers leave by `sender`.
+void servePortmap(QUdpSocket *receiver, QUdpSocket *sender, quint16 corePort)
 {
-    QObject::connect(from, &QUdpSocket::readyRead, from, [=] {
-        while (from->hasPendingDatagrams()) {
-            const QNetworkDatagram datagram = from->receiveDatagram();
+    QObject::connect(receiver, &QUdpSocket::readyRead, receiver, [=] {
+        while (receiver->hasPendingDatagrams()) {
+            const QNetworkDatagram datagram = receiver->receiveDatagram();
             const std::string message = datagram.data().toStdString();
             if (const auto call = wire::decodedCall(message)) {
-                by->writeDatagram(
+                sender->writeDatagram(
                     datagram.makeReply(QByteArray::fromStdString(portmapAnswer(*call, corePort))));
             }
         }
     });
 }
 
-/// Returns what may help when nobody can listen at a port.
+/// Returns what may help when listening at a port failed.
 QString advice(quint16 port, QAbstractSocket::SocketError error)
 {
     const QString ownNetwork =
@@ -62,28 +60,27 @@ QString advice(quint16 port, QAbstractSocket::SocketError error)
         return {};
     }
     if (port == wire::portmapperPort) {
-        return "As a rule rpcbind is there: type 'sudo systemctl stop rpcbind.socket "
+        return "It is usually rpcbind that listens there: type 'sudo systemctl stop rpcbind.socket "
                "rpcbind.service' before you start this, or " +
                ownNetwork;
     }
     return "Perhaps OrvantaBench is already running; with --port this one takes other ports.";
 }
 
-template <typename Socket>
-QString failure(const QHostAddress &address, quint16 port, const Socket &socket,
+QString failure(const QHostAddress &address, quint16 port, const QString &reason,
                 QAbstractSocket::SocketError error)
 {
     return QString("Cannot listen at %1, port %2: %3.\n%4")
         .arg(address.toString())
         .arg(port)
-        .arg(socket.errorString(), advice(port, error))
+        .arg(reason, advice(port, error))
         .trimmed();
 }
 
 QString listen(QTcpServer *server, const QHostAddress &address, quint16 port)
 {
     if (!server->listen(address, port)) {
-        return failure(address, port, *server, server->serverError());
+        return failure(address, port, server->errorString(), server->serverError());
     }
     return {};
 }
@@ -91,25 +88,49 @@ QString listen(QTcpServer *server, const QHostAddress &address, quint16 port)
 QString listen(QUdpSocket *socket, const QHostAddress &address, quint16 port)
 {
     if (!socket->bind(address, port, QAbstractSocket::DontShareAddress)) {
-        return failure(address, port, *socket, socket->error());
+        return failure(address, port, socket->errorString(), socket->error());
     }
     return {};
 }
 
-/// Returns the interface addresses at which a socket is reached that is bound to an address.
-QList<QNetworkAddressEntry> reachableAt(const QHostAddress &address)
+/// Returns this machine's IPv4 addresses, those of interfaces without a cable too.
+QList<QNetworkAddressEntry> ownAddresses()
 {
-    QList<QNetworkAddressEntry> reachable;
+    QList<QNetworkAddressEntry> addresses;
     for (const QNetworkInterface &interface : QNetworkInterface::allInterfaces()) {
         for (const QNetworkAddressEntry &entry : interface.addressEntries()) {
-            const bool isAny = address == QHostAddress(QHostAddress::AnyIPv4) &&
-                               entry.ip().protocol() == QAbstractSocket::IPv4Protocol;
-            if (isAny || entry.ip() == address) {
-                reachable << entry;
+            if (entry.ip().protocol() == QAbstractSocket::IPv4Protocol) {
+                addresses << entry;
             }
         }
     }
-    return reachable;
+    return addresses;
+}
+
+/// Returns the addresses by which clients reach a server that listens at an address.
+QList<QHostAddress> reachableAddresses(const QHostAddress &address)
+{
+    if (address != QHostAddress(QHostAddress::AnyIPv4)) {
+        return {address};
+    }
+    QList<QHostAddress> addresses;
+    for (const QNetworkAddressEntry &own : ownAddresses()) {
+        addresses << own.ip();
+    }
+    return addresses;
+}
+
+/// Returns an address and its network's broadcast address, if there is one. Clients look for
+/// instruments by broadcasts, which a socket at a single address does not get.
+QList<QHostAddress> datagramAddresses(const QHostAddress &address)
+{
+    QList<QHostAddress> addresses{address};
+    for (const QNetworkAddressEntry &own : ownAddresses()) {
+        if (own.ip() == address && !own.broadcast().isNull()) {
+            addresses << own.broadcast();
+        }
+    }
+    return addresses;
 }
 
 } // namespace
@@ -118,72 +139,57 @@ Server::Server(const ServerOptions &options) : options(options), shared(options.
 
 QString Server::start()
 {
-    return options.address.isLoopback() ? startOnLoopback() : startAtOneAddress();
-}
-
-QString Server::startOnLoopback()
-{
     CoreChannel::Devices devices;
     for (const auto &device : shared.bench.devices()) {
         devices.push_back(device.get());
     }
+    if (!options.address.isLoopback()) {
+        return startHost(options.address, devices);
+    }
     std::sort(devices.begin(), devices.end(),
               [](const auto *a, const auto *b) { return a->name < b->name; });
-    QHostAddress address = options.address;
+    quint32 address = options.address.toIPv4Address();
     for (simulator::Device *device : devices) {
-        address = QHostAddress(address.toIPv4Address() + 1);
-        QString error = startVxi11(address, {device});
+        QString error = startHost(QHostAddress(++address), {device});
         if (!error.isEmpty()) {
             return error;
         }
-        quint16 scpiPort = 0;
-        error = startScpi(address, options.scpiPort, *device, &scpiPort);
-        if (!error.isEmpty()) {
-            return error;
-        }
-        addResource(address, *device, 0, scpiPort);
     }
     return {};
 }
 
-QString Server::startAtOneAddress()
+/// Serve some devices at an address.
+QString Server::startHost(const QHostAddress &address, const CoreChannel::Devices &devices)
 {
-    const auto &devices = shared.bench.devices();
-    if (options.scpiPort + devices.size() - 1 > lastPort) {
-        return QString("The instruments need %1 ports from %2 on, but the last port is %3.")
-            .arg(devices.size())
-            .arg(options.scpiPort)
-            .arg(lastPort);
-    }
-    CoreChannel::Devices numbered;
-    std::vector<quint16> scpiPorts;
-    for (const auto &device : devices) {
-        const bool isAny = options.scpiPort == 0;
-        const auto port = static_cast<quint16>(isAny ? 0 : options.scpiPort + numbered.size());
-        numbered.push_back(device.get());
-        scpiPorts.push_back(port);
-        QString error = startScpi(options.address, port, *device, &scpiPorts.back());
+    if (options.hasPortmapper) {
+        QString error = startVxi11(address, devices);
         if (!error.isEmpty()) {
             return error;
         }
     }
-    for (const QNetworkAddressEntry &entry : reachableAt(options.address)) {
-        for (std::size_t i = 0; i < numbered.size(); ++i) {
-            addResource(entry.ip(), *numbered[i], i, scpiPorts[i]);
+    quint16 port = options.scpiPort;
+    for (simulator::Device *device : devices) {
+        auto *const server = new QTcpServer(&sockets);
+        onConnection(server, [this, device](QTcpSocket *socket) {
+            new ScpiSocket(socket, shared, *device); // the socket's
+        });
+        QString error = listen(server, address, port++);
+        if (!error.isEmpty()) {
+            return error;
         }
     }
-    return startVxi11(options.address, numbered);
+    for (const QHostAddress &reachable : reachableAddresses(address)) {
+        addResources(reachable, devices);
+    }
+    return {};
 }
 
-/// Serve a host's core channel and its portmapper.
-QString Server::startVxi11(const QHostAddress &address, const CoreChannel::Devices &numbered)
+/// Serve an address's core channel and its portmapper.
+QString Server::startVxi11(const QHostAddress &address, const CoreChannel::Devices &devices)
 {
-    if (!options.hasPortmapper) {
-        return {};
-    }
     auto *const core = new QTcpServer(&sockets);
-    onConnection(core, [this, numbered](QTcpSocket *socket) {
-        new CoreChannel(socket, shared, numbered); // the socket's
+    onConnection(core, [this, devices](QTcpSocket *socket) {
+        new CoreChannel(socket, shared, devices); // the socket's
     });
     QString error = listen(core, address, 0);
     if (!error.isEmpty()) {
@@ -198,23 +204,12 @@ QString Server::startVxi11(const QHostAddress &address, const CoreChannel::Devic
     if (!error.isEmpty()) {
         return error;
     }
-    auto *const datagrams = new QUdpSocket(&sockets);
-    servePortmap(datagrams, datagrams, corePort);
-    error = listen(datagrams, address, wire::portmapperPort);
-    if (!error.isEmpty()) {
-        return error;
-    }
-    if (address == QHostAddress(QHostAddress::AnyIPv4)) {
-        return {};
-    }
-    // Clients look for instruments by broadcasts, which a socket at a single address does not get.
-    for (const QNetworkAddressEntry &entry : reachableAt(address)) {
-        if (entry.broadcast().isNull()) {
-            continue;
-        }
-        auto *const broadcasts = new QUdpSocket(&sockets);
-        servePortmap(broadcasts, datagrams, corePort);
-        error = listen(broadcasts, entry.broadcast(), wire::portmapperPort);
+    QUdpSocket *sender = nullptr; // of all answers: the socket at the address itself
+    for (const QHostAddress &at : datagramAddresses(address)) {
+        auto *const receiver = new QUdpSocket(&sockets);
+        sender = sender != nullptr ? sender : receiver;
+        servePortmap(receiver, sender, corePort);
+        error = listen(receiver, at, wire::portmapperPort);
         if (!error.isEmpty()) {
             return error;
         }
@@ -222,27 +217,16 @@ QString Server::startVxi11(const QHostAddress &address, const CoreChannel::Devic
     return {};
 }
 
-/// Serve an instrument's raw socket; sets the port that it got, which differs for port 0.
-QString Server::startScpi(const QHostAddress &address, quint16 port, simulator::Device &device,
-                          quint16 *listeningPort)
-{
-    auto *const server = new QTcpServer(&sockets);
-    onConnection(server, [this, &device](QTcpSocket *socket) {
-        new ScpiSocket(socket, shared, device); // the socket's
-    });
-    QString error = listen(server, address, port);
-    *listeningPort = server->serverPort();
-    return error;
-}
-
-void Server::addResource(const QHostAddress &address, const simulator::Device &device,
-                         std::size_t number, quint16 scpiPort)
+void Server::addResources(const QHostAddress &address, const CoreChannel::Devices &devices)
 {
     const QString host = "TCPIP0::" + address.toString();
-    const QString vxi11 = QString("%1::inst%2::INSTR, ").arg(host).arg(number);
-    const QString socket = QString("%1::%2::SOCKET").arg(host).arg(scpiPort);
-    listening << QString::fromStdString(device.name) + ": " + (options.hasPortmapper ? vxi11 : "") +
-                     socket;
+    for (std::size_t i = 0; i < devices.size(); ++i) {
+        QString line = QString::fromStdString(devices[i]->name) + ": ";
+        if (options.hasPortmapper) {
+            line += QString("%1::inst%2::INSTR, ").arg(host).arg(i);
+        }
+        listening << line + QString("%1::%2::SOCKET").arg(host).arg(options.scpiPort + i);
+    }
 }
 
 } // namespace server

@@ -13,39 +13,35 @@ namespace server {
 struct ServerOptions
 {
     QHostAddress address{QHostAddress::LocalHost}; ///< IPv4, as resource strings have no other
-    quint16 scpiPort = 5025;                       ///< of the first raw socket; 0: any
+    quint16 scpiPort = 5025;                       ///< of the first raw socket
     bool hasPortmapper = true;
     double timeScale = 1.0;
 };
 
-/// Serves every instrument of the bench by VXI-11 and as a raw socket. On loopback each is the only
-/// one at an address of its own, counted from the one after that of the options in the order of
-/// their names. Elsewhere they share the address, as "inst0" to "inst5" and with consecutive ports,
+/// Serves every instrument of the bench by VXI-11 and at a raw socket. On loopback each has an
+/// address of its own, where it is "inst0": the addresses after that of the options, in the order
+/// of the names. Elsewhere all share the address, as "inst0" to "inst5" and with consecutive ports,
 /// in the handbook's order.
 class Server
 {
 public:
     explicit Server(const ServerOptions &options);
 
-    /// Listen. Returns why that failed and what may help, or nothing.
+    /// Listen. Returns an empty text, or why it failed and what may help.
     QString start();
 
-    /// Returns the names of the instruments and the resource strings by which they can be reached,
-    /// a line for each instrument and address.
+    /// Returns a line for each instrument and address: the instrument's name and its resource
+    /// strings.
     [[nodiscard]] QStringList resources() const { return listening; }
 
 private:
-    QString startOnLoopback();
-    QString startAtOneAddress();
-    QString startVxi11(const QHostAddress &address, const CoreChannel::Devices &numbered);
-    QString startScpi(const QHostAddress &address, quint16 port, simulator::Device &device,
-                      quint16 *listeningPort);
-    void addResource(const QHostAddress &address, const simulator::Device &device,
-                     std::size_t number, quint16 scpiPort);
+    QString startHost(const QHostAddress &address, const CoreChannel::Devices &devices);
+    QString startVxi11(const QHostAddress &address, const CoreChannel::Devices &devices);
+    void addResources(const QHostAddress &address, const CoreChannel::Devices &devices);
 
     ServerOptions options;
     SharedBench shared;
-    QObject sockets; // the parent of all, which need the bench when they go
+    QObject sockets; // the parent of all sockets, which are deleted before the bench
     QStringList listening;
 };
 

@@ -6,20 +6,20 @@
 
 namespace {
 
-/// The options of the command line; nothing when one makes no sense.
+/// Returns the options of the command line; nothing when one cannot be used.
 std::optional<server::ServerOptions> optionsOf(const QCoreApplication &application)
 {
     const server::ServerOptions usual;
     const QCommandLineOption address("address",
                                      "Listen there. On loopback every instrument has an address of "
-                                     "its own, counted from the one "
-                                     "after this; elsewhere they share it, as inst0 to inst5.",
+                                     "its own, the first the one after this; elsewhere all share "
+                                     "it, as inst0 to inst5.",
                                      "address", usual.address.toString());
     const QCommandLineOption port(
-        "port", "Port of the raw SCPI sockets, at a shared address the first of six; 0: any.",
-        "port", QString::number(usual.scpiPort));
+        "port", "Port of the raw SCPI sockets, at a shared address the first of six.", "port",
+        QString::number(usual.scpiPort));
     const QCommandLineOption noPortmapper("no-portmapper",
-                                          "Do without port 111, and so without VXI-11 clients.");
+                                          "Leave port 111 alone, and serve no VXI-11 clients.");
     const QCommandLineOption timeScale(
         "time-scale", "How long a second of the instruments lasts; 0: nothing takes time.",
         "seconds", "1");
@@ -31,13 +31,15 @@ std::optional<server::ServerOptions> optionsOf(const QCoreApplication &applicati
     parser.process(application);
 
     server::ServerOptions options;
-    bool isPort = false;
+    constexpr int lastScpiPort = 65530; // five more follow
     bool isScale = false;
     options.address = QHostAddress(parser.value(address));
-    options.scpiPort = parser.value(port).toUShort(&isPort);
+    const int scpiPort = parser.value(port).toInt(); // 0 for what is no number
+    options.scpiPort = static_cast<quint16>(scpiPort);
     options.hasPortmapper = !parser.isSet(noPortmapper);
     options.timeScale = parser.value(timeScale).toDouble(&isScale);
     const bool isIPv4 = options.address.protocol() == QAbstractSocket::IPv4Protocol;
+    const bool isPort = scpiPort > 0 && scpiPort <= lastScpiPort;
     const bool isValid = isIPv4 && isPort && isScale && options.timeScale >= 0 &&
                          parser.positionalArguments().isEmpty();
     return isValid ? std::optional(options) : std::nullopt;
@@ -55,7 +57,7 @@ int main(int argc, char *argv[])
 
     const auto options = optionsOf(application);
     if (!options) {
-        err << "That is no IPv4 address, no port or no time scale; --help tells more.\n";
+        err << "That is no IPv4 address, no port or no time scale; see --help.\n";
         return 2;
     }
     server::Server server(*options);
@@ -65,9 +67,10 @@ int main(int argc, char *argv[])
         return 1;
     }
     out << server.resources().join("\n") << "\n"
-        << "Any of them answers BENCH:EVENT? with the truth of the last event.\n";
+        << "Each answers BENCH:EVENT? with the true delays of the last event.\n";
     if (!options->address.isLoopback()) {
-        out << "Whoever reaches the address can use the bench: VXI-11 has neither passwords nor "
+        out << "Anybody who reaches the address can use the bench: VXI-11 has neither passwords "
+               "nor "
                "encryption.\n";
     }
     out.flush();

@@ -1,7 +1,7 @@
 // Calls the VISA functions on the bench in any order, with any handles, texts and attributes.
 
 #include "Require.h"
-#include "simulator/server/InProcessBackend.h"
+#include "simulator/InProcessBackend.h"
 #include "visa/VisaFunctions.h"
 
 #include <QTemporaryDir>

@@ -1,52 +1,73 @@
 #!/usr/bin/env bash
-# An operator of Orvanta itself, without a maker's VISA library: types what OrvantaBench prints, takes
-# one measurement with either type of oscilloscope, and asks the bench for the truth. Then the bench
-# goes in mid-series, and comes back. In a network of its own.
+# An operator of Orvanta, who types what OrvantaBench prints: measures, loses the bench in mid-series,
+# measures again, and is then impatient. In a network of its own, without a maker's VISA library.
 # Usage: BENCH=ORVANTABENCH operate-network.sh EXECUTABLE FOLDER DPI
 set -euo pipefail
 # shellcheck source-path=SCRIPTDIR source=../../scripts/desktop/operator.sh
 source "$(dirname "$0")/../../scripts/desktop/operator.sh"
-# shellcheck source-path=SCRIPTDIR source=bench.sh
-source "$(dirname "$0")/bench.sh"
 
-# Takes a series, and the truth of its last event from an instrument.
-measure() {
-    click Start
+start_bench() {
+    # shellcheck disable=SC2153 # the test's
+    "$BENCH" >"$folder/bench.log" &
+    bench=$!
+    disown
+    await "instruments" grep --quiet EVENT "$folder/bench.log"
+}
+
+# Prints the resource string of an instrument.
+resource_of() {
+    sed --quiet "s/^$1: \([^,]*\),.*/\1/p" "$folder/bench.log"
+}
+
+enter() {
+    click "$1"
+    xdotool key ctrl+a type "$2"
+}
+
+# Sends a message to the oscilloscope and prints its answer.
+ask_scope() {
+    lxi scpi --address "$(resource_of scope | sed 's/.*0::\(.*\)::inst0.*/\1/')" "$1"
+}
+
+close_graph() {
     await_window Dialog
-    screenshot "$1.png"
     xdotool key Return
     await_window Orvanta
+}
+
+measure() {
+    click Start
+    close_graph
     ask_scope 'BENCH:EVENT?' >"$folder/$1.truth"
 }
 
 ip link set lo up
 start_bench
-for dialect in LPA4004 KVx; do
-    start_program
-    if [[ $dialect == KVx ]]; then
-        click OsTyp
-        xdotool key Home Return
-        click SaIfDem
-        enter OsIp scope-kvx
-    else
-        enter OsIp scope
-        click SaveData # and stays so
-    fi
-    enter SaIp analyzer
-    initialise
-    measure "$dialect"
-    leave_program
-done
-
 start_program
+enter OsIp "$(resource_of scope)"
+enter SaIp "$(resource_of analyzer)"
+click SaveData
 initialise
+measure before
+
 click Start
 kill "$bench"
-await_window Dialog
-xdotool key Return
-await_window Orvanta
+close_graph
 start_bench
 initialise
-measure again
+measure after
+
+# Whatever is pressed while a series runs or an instrument is set up must be lost.
+enter MeasCnt 3 # the records alone take 3.6 seconds
+click Start
+for widget in Start OsInit Start Cancel MeasCnt; do
+    sleep 0.3
+    click "$widget"
+done
+xdotool key Escape alt+F4 type 77
+close_graph
+ask_scope 'BENCH:FAULT LATE,0.4s'
+click OsInit
+click Start
 leave_program
 kill "$bench"

@@ -8,7 +8,6 @@ import tempfile
 import unittest
 
 import pyvisa
-from pyvisa.constants import EventMechanism, EventType, StatusCode
 
 LIBRARY = os.environ["BENCH_LIBRARY"]
 with open(sys.argv.pop(1), encoding="utf-8") as file:
@@ -30,7 +29,7 @@ def short(text):
     return re.sub("[a-z]", "", text)
 
 
-class BenchTest(unittest.TestCase):
+class HandbookTest(unittest.TestCase):
     def setUp(self):
         self.manager = pyvisa.ResourceManager(LIBRARY + "@ivi")
         self.addCleanup(self.manager.close)
@@ -45,31 +44,34 @@ class BenchTest(unittest.TestCase):
         return int(instrument.query("SYST:ERR?").split(",")[0])
 
     def check_setting(self, instrument, header, values, power_up):
-        """Every value that the handbook has is taken and answered, and none besides."""
+        """Every value in the handbook is accepted and answered, and no other is."""
         longest = re.sub(r"[\[\]]", "", header)
         query = short(re.sub(r"\[.*?\]", "", header)) + "?"
         self.assertEqual(instrument.query(query), power_up)
         if limits := re.match(r"(\S+) to (\S+?):?( ([A-Za-z]+).*)?$", values):
             low, high, unit = limits[1], limits[2], limits[4] or ""
             unit = unit if unit in ("V", "s", "Hz", "dB", "dBm", "PCT") else ""
-            for value in (low, high, power_up):
-                self.assertEqual(self.send(instrument, f"{longest} {value}{unit}"), 0, value)
-                self.assertEqual(instrument.query(query), value)
-            for value in (float(low) - 1 - abs(float(low)), float(high) * 1.01 + 1):
-                self.assertEqual(self.send(instrument, f"{longest} {value}"), -222, value)
+            answers = {value + unit: value for value in (power_up, low, high)}
+            below, above = float(low) - 1 - abs(float(low)), float(high) * 1.01 + 1
+            errors = {below: -222, above: -222}
             for limit, value in (("MIN", low), ("MAXIMUM", high), ("DEF", power_up)):
                 self.assertEqual(instrument.query(f"{query} {limit}"), value)
         elif values.startswith("a switch"):
-            for value in ("OFF", "ON", "0", "1", "OFF" if power_up == "1" else "ON"):
-                self.assertEqual(self.send(instrument, f"{longest} {value}"), 0, value)
-                self.assertEqual(instrument.query(query), "1" if value in ("ON", "1") else "0")
+            answers = {"OFF": "0", "ON": "1", "0": "0", "1": "1"}
+            errors = {"NONE": -104}
         else:
             choices = re.findall("`(.*?)`", values)
-            self.assertGreater(len(choices), 0, values)
-            for value in (*choices, *map(short, choices[::-1])):
-                self.assertEqual(self.send(instrument, f"{longest} {value}"), 0, value)
-                self.assertIn(instrument.query(query), (short(value), short(value) + ",0"))
-            self.assertEqual(self.send(instrument, f"{longest} NONE"), -224)
+            answers = {name: short(name) for name in (*choices, *map(short, choices))}
+            errors = {"NONE": -224}
+        self.assertGreater(len(answers), 0, values)
+        for value, answer in answers.items():
+            self.assertEqual(self.send(instrument, f"{longest} {value}"), 0, value)
+            self.assertIn(instrument.query(query), (answer, answer + ",0"))
+        for value, error in errors.items():
+            self.assertEqual(self.send(instrument, f"{longest} {value}"), error, value)
+        if not header.startswith("*"):
+            instrument.write("*RST")
+            self.assertEqual(instrument.query(query), power_up)
 
     def test_every_command(self):
         checked = 0
@@ -80,16 +82,11 @@ class BenchTest(unittest.TestCase):
                 checked += 1
                 if power_up:
                     self.check_setting(instrument, header, values, power_up)
-                    kept = "0" if header in ("CHANnel4:STATe", "CHANnel4[:STATe]") else power_up
-                    instrument.write("*RST")
-                    if header[0] != "*":
-                        query = short(re.sub(r"\[.*?\]", "", header)) + "?"
-                        self.assertEqual(instrument.query(query), kept)
                     continue
                 header = re.sub(r"\[.*?\]", "", header)
-                stale = "-230" in values
+                error = -230 if "-230" in values else 0
                 for form in (header, short(header)):
-                    self.assertEqual(self.send(instrument, form), -230 if stale else 0, form)
+                    self.assertEqual(self.send(instrument, form), error, form)
                 self.assertEqual(self.send(instrument, header + " 1,2,3"), -108)
         self.assertGreater(checked, 150)
 
@@ -104,18 +101,6 @@ class BenchTest(unittest.TestCase):
                 timeout=120,
             )
             self.assertTrue(os.path.exists(picture))
-
-    def test_what_clients_call(self):
-        with self.open("scope") as instrument:
-            instrument.assert_trigger()
-            instrument.flush(pyvisa.constants.BufferOperation.discard_read_buffer)
-            with instrument.lock_context():
-                self.assertEqual(instrument.stb, 0)
-            with self.assertRaises(pyvisa.errors.VisaIOError) as raised:
-                instrument.enable_event(EventType.service_request, EventMechanism.queue)
-            self.assertEqual(
-                raised.exception.error_code, StatusCode.error_nonsupported_operation
-            )
 
 
 if __name__ == "__main__":

@@ -1,9 +1,5 @@
 #pragma once
 
-#include <cstddef>
-#include <deque>
-#include <string>
-
 namespace simulator {
 
 /// An error of an instrument as SYSTem:ERRor? answers it. Number 0 means no error.
@@ -35,23 +31,5 @@ constexpr Error queryInterrupted{-410, "Query INTERRUPTED"};
 constexpr Error queryUnterminated{-420, "Query UNTERMINATED"};
 constexpr Error queryDeadlocked{-430, "Query DEADLOCKED"};
 } // namespace scpi
-
-/// The errors of an instrument, oldest first. When the queue is full, its last entry becomes -350
-/// (SCPI-99 volume 2, 21.8.1).
-class ErrorQueue
-{
-public:
-    static constexpr std::size_t capacity = 30;
-
-    void push(const Error &error);
-    /// Remove the oldest entry and return it as SYSTem:ERRor? answers it:
-    /// `-113,"Undefined header"`, or `0,"No error"` when the queue is empty.
-    std::string next();
-    void clear() { errors.clear(); }
-    [[nodiscard]] bool isEmpty() const { return errors.empty(); }
-
-private:
-    std::deque<Error> errors;
-};
 
 } // namespace simulator

@@ -1,4 +1,4 @@
-#include "simulator/server/InProcessBackend.h"
+#include "simulator/InProcessBackend.h"
 
 #include "simulator/MessageExchange.h"
 #include "visa/DeviceConnection.h"
@@ -13,18 +13,18 @@ namespace {
 using simulator::Clock;
 using simulator::MessageExchange;
 
-/// The bench of the process, on which nothing takes time. Whoever uses it holds the mutex.
-struct SharedBench
+/// The bench of the process, on which nothing takes time. Its users hold the mutex.
+struct ProcessBench
 {
     simulator::Bench bench;
     std::mutex mutex;
     std::condition_variable unlocked;
 };
 
-SharedBench &shared()
+ProcessBench &shared()
 {
     // Never destroyed: other threads may use it until the process has ended.
-    static SharedBench &shared = *new SharedBench;
+    static ProcessBench &shared = *new ProcessBench;
     return shared;
 }
 
@@ -70,7 +70,7 @@ public:
         outcome.count = part->bytes.size();
         if (part->isLast) {
             outcome.end = visa::ReadEnd::End;
-        } else if (termination && buffer[outcome.count - 1] == *termination) {
+        } else if (part->isTerminated) {
             outcome.end = visa::ReadEnd::TerminationCharacter;
         }
         return outcome;
@@ -91,7 +91,7 @@ public:
         return use([&] { *statusByte = exchange->statusByte(); });
     }
 
-    /// The instruments have no front panel that remote control would lock.
+    /// Does nothing: the instruments have no front panel that remote control would lock.
     ViStatus goToLocal(visa::Deadline /*deadline*/) override
     {
         return use([] {});
@@ -125,7 +125,7 @@ public:
     [[nodiscard]] std::string address() const override { return "127.0.0.1"; }
 
 private:
-    /// Carry out a call, unless the connection is lost or others have locked the device.
+    /// Carry out a call, unless the connection is lost or another client has locked the device.
     template <typename Body>
     ViStatus use(Body body)
     {
@@ -150,7 +150,7 @@ private:
     }
 
     simulator::Device &device;
-    std::optional<MessageExchange> exchange; // none once the connection is lost
+    std::optional<MessageExchange> exchange; // nothing once the connection is lost
 };
 
 class InProcessBackend : public visa::Backend

@@ -1,0 +1,206 @@
+#include "analysis/Series.h"
+#include "analysis/SeriesFiles.h"
+#include "instrument/InstrumentIo.h"
+#include "Line.h"
+#include "measurement/MeasurementRun.h"
+#include "setup/OscilloscopeSetup.h"
+#include "setup/SpectrumAnalyzerSetup.h"
+#include "setup/VideoAnalyzerSetup.h"
+#include "simulator/InProcessBackend.h"
+#include "visa/VisaFunctions.h"
+
+#include <QtTest>
+
+#include <csignal>
+#include <sys/resource.h>
+
+Q_DECLARE_METATYPE(OscilloscopeType)
+
+namespace {
+
+/// The instruments of a series on the bench, set up.
+struct Instruments
+{
+    Instruments(OscilloscopeType type, bool ifOutput, const QString &analyzer)
+        : hosts{type == OscilloscopeType::Kvx ? "scope-kvx" : "scope", analyzer, "video"}
+    {
+        series = {0, 0, 0, type, ifOutput, true, 1, false, {}};
+        const auto resource = [&](int i) { return "TCPIP0::" + hosts[i] + "::INSTR"; };
+        iaOpenDefaultRM(&manager);
+        if (setUpOscilloscope(manager, {resource(0), true, type, 0.027, ifOutput},
+                              &series.oscilloscope) != VI_SUCCESS ||
+            setUpSpectrumAnalyzer(manager, {resource(1), 5.192e9, type},
+                                  &series.spectrumAnalyzer) != VI_SUCCESS ||
+            setUpVideoAnalyzer(manager, {resource(2), true, 35}, series.spectrumAnalyzer,
+                               &series.videoAnalyzer) != VI_SUCCESS ||
+            !takeErrors().isEmpty()) {
+            qFatal("the instruments cannot be set up");
+        }
+    }
+    ~Instruments() { iaClose(manager); }
+
+    /// Returns the errors in the instruments' queues, and empties these.
+    QString takeErrors()
+    {
+        QString text;
+        for (const QString &host : qAsConst(hosts)) {
+            auto &instrument = *::bench().find(host.toStdString())->instrument;
+            std::string error = instrument.execute("SYST:ERR?");
+            while (error != "0,\"No error\"\n") {
+                text += QString::fromStdString(error);
+                error = instrument.execute("SYST:ERR?");
+            }
+        }
+        return text;
+    }
+    /// Have the next series take three measurements and save them.
+    void saveThree(const QString &filePrefix)
+    {
+        series.count = 3;
+        series.save = true;
+        series.filePrefix = filePrefix;
+    }
+    int run() { return runSeries(series, &record, &results); }
+
+    Line line;
+    QStringList hosts;
+    SeriesSettings series;
+    Record record;
+    SeriesResults results;
+    ViSession manager = 0;
+};
+
+} // namespace
+
+/// The program measures series on the bench: its delays against the truth, and its files.
+class SeriesOnBenchTest : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase()
+    {
+        p_viOpenDefaultRM = viOpenDefaultRM;
+        p_viOpen = viOpen;
+        p_viClose = viClose;
+        p_viWrite = viWrite;
+        p_viRead = viRead;
+        p_viReadToFile = viReadToFile;
+        p_viSetAttribute = viSetAttribute;
+        p_viGpibControlREN = viGpibControlREN;
+    }
+
+    void truth_data()
+    {
+        QTest::addColumn<QString>("analyzer");
+        QTest::addColumn<OscilloscopeType>("oscilloscope");
+        QTest::addColumn<bool>("ifOutput");
+        QTest::addColumn<double>("early"); // ms from the start of the sweep to that of the record
+        QTest::newRow("LPA4004") << "analyzer" << OscilloscopeType::Lpa4004 << false << 0.0;
+        QTest::newRow("KVx, IF output") << "analyzer-qan" << OscilloscopeType::Kvx << true << 0.0;
+        QTest::newRow("KVx, sweep") << "analyzer-qel" << OscilloscopeType::Kvx << false << 100.0;
+    }
+
+    /// The program's delays agree with the instants that only the bench's radio link knows, also
+    /// after a series in which one call timed out or the connection was lost for 100 calls.
+    void truth()
+    {
+        QFETCH(const QString, analyzer);
+        QFETCH(const OscilloscopeType, oscilloscope);
+        QFETCH(const bool, ifOutput);
+        QFETCH(const double, early);
+        Instruments bench(oscilloscope, ifOutput, analyzer);
+        const auto openFiles = [] {
+            return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System).size();
+        };
+        const int before = openFiles();
+        const auto failFrom = [&](int first, int count, ViStatus status) {
+            bench.line.fails = [=, call = 0](auto &) mutable {
+                const int sinceFirst = call++ - first;
+                return sinceFirst >= 0 && sinceFirst < count ? status : VI_SUCCESS;
+            };
+        };
+        double sum = 0.0;
+        constexpr int seriesOfEachFault = 100;
+        for (int i = 0; i < 2 * seriesOfEachFault; ++i) {
+            if (i < seriesOfEachFault) {
+                failFrom(i, 1, VI_ERROR_TMO);
+            } else {
+                failFrom(i - seriesOfEachFault, 100, VI_ERROR_CONN_LOST);
+            }
+            QCOMPARE(bench.run(), 0);
+            failFrom(0, 0, VI_SUCCESS);
+            QCOMPARE(bench.run(), 0);
+            const simulator::TrueInstants &truth = ::bench().radioLink().lastEvent().instants();
+            const double rfError =
+                bench.results.sourceToRf.mean - early - (truth.rf - truth.source) * 1000;
+            const double sinkError =
+                bench.results.sourceToSink.mean - (truth.sink - truth.source) * 1000;
+            sum += rfError + sinkError;
+            QVERIFY(qAbs(rfError) < 0.5);
+            QVERIFY(qAbs(sinkError) < 0.5);
+            QVERIFY(qAbs(bench.results.sourceToHdmi.mean - truth.hdmiDelayMs) < 0.01);
+        }
+        QVERIFY(qAbs(sum) < 0.1 * 2 * seriesOfEachFault);
+        bench.takeErrors(); // of the faults
+        QCOMPARE(bench.run(), 0);
+        QCOMPARE(bench.takeErrors(), QString());
+        QCOMPARE(openFiles(), before);
+    }
+
+    /// A saved series says of which oscilloscope it is, and comes back as it was measured.
+    void savedSeries()
+    {
+        for (const auto oscilloscope : {OscilloscopeType::Kvx, OscilloscopeType::Lpa4004}) {
+            const QTemporaryDir folder;
+            Instruments bench(oscilloscope, false, "analyzer");
+            bench.saveThree(folder.filePath("data"));
+            QCOMPARE(bench.run(), 0);
+            Series series;
+            QString reason;
+            QVERIFY(openSeries(seriesIn(folder.path()).value(0), &series, &reason));
+            QVERIFY(series.oscilloscope.type == oscilloscope);
+            QCOMPARE(series.oscilloscope.instants.sink, bench.record.instants.sink);
+            QCOMPARE(series.samples, bench.record.samples);
+            QCOMPARE(flaggedCount(series), 0);
+            for (const DelayKind kind : delayKinds) {
+                const QVector<double> &measured = valuesOf(bench.results, kind);
+                for (int i = 0; i < 3; ++i) { // with six digits in the file
+                    QVERIFY(qAbs(valuesOf(series.results, kind)[i] / measured[i] - 1) <= 5e-6);
+                }
+            }
+        }
+    }
+
+    void filesThatCannotBeWritten_data()
+    {
+        QTest::addColumn<int>("room"); // bytes in a file
+        QTest::addColumn<QString>("prefix");
+        QTest::addColumn<int>("result");
+        QTest::addColumn<int>("files");
+        QTest::newRow("no room for the results") << 50 << "data" << -1 << 0;
+        QTest::newRow("no room for traces") << 60000 << "data" << 0 << 1;
+        QTest::newRow("no folder") << INT_MAX << "none/data" << -1 << 0;
+    }
+
+    /// Where a file finds no room or no folder, nothing is left of it.
+    void filesThatCannotBeWritten()
+    {
+        QFETCH(const int, room);
+        QFETCH(const QString, prefix);
+        const QTemporaryDir folder;
+        Instruments bench(OscilloscopeType::Lpa4004, true, "analyzer");
+        bench.saveThree(folder.filePath(prefix));
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{rlim_t(room), RLIM_INFINITY};
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &limit), 0);
+        const int result = bench.run();
+        const rlimit unlimited{RLIM_INFINITY, RLIM_INFINITY};
+        QCOMPARE(setrlimit(RLIMIT_FSIZE, &unlimited), 0);
+        QTEST(result, "result");
+        QTEST(QDir(folder.path()).entryList(QDir::Files).size(), "files");
+    }
+};
+
+QTEST_GUILESS_MAIN(SeriesOnBenchTest)
+#include "SeriesOnBenchTest.moc"
