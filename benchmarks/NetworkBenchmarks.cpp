@@ -4,27 +4,15 @@
 
 #include "instrument/InstrumentIo.h"
 #include "instrument/VisaBinding.h"
-#include "visa/wire/Portmapper.h"
-#include "visa/wire/RpcMessage.h"
-#include "visa/wire/Vxi11.h"
-#include "visa/wire/Xdr.h"
+#include "tests/ScriptedHost.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
-#include <sys/socket.h>
-#include <thread>
-#include <unistd.h>
-#include <vector>
 
 namespace {
 
 namespace vxi11 = wire::vxi11;
-
-constexpr int rounds = 25;
-constexpr std::uint16_t floorPort = 112;
 
 /// A query, how often it is asked in a round, and what answers it.
 struct Query
@@ -35,18 +23,27 @@ struct Query
     std::string answer;
 };
 
-const std::vector<Query> queries = {{"query", "*IDN?", 500, std::string(29, 'a')},
+const std::vector<Query> queries = {{"query", "*IDN?", 500, std::string(28, 'a')},
                                     {"block of 80 kB", "DATA?", 50, std::string(80008, 'b')}};
 
-std::string readReply(const Query &query)
+/// Answers a read to the query that was written last. The records are made once, as hosts have them
+/// ready.
+ScriptedHost::Pieces answer(const wire::RpcCall &call)
 {
-    return wire::asRecord(wire::encodedReply(0, wire::RpcOutcome::Success,
-                                             wire::xdrWords({0, vxi11::EndIndicator}) +
-                                                 wire::xdrOpaque(query.answer)));
+    static const std::vector<std::string> records = {
+        ScriptedHost::data(call, queries[0].answer, vxi11::EndIndicator).front(),
+        ScriptedHost::data(call, queries[1].answer, vxi11::EndIndicator).front()};
+    static std::size_t asked = 0;
+    if (call.procedure.procedure == vxi11::DeviceWrite) {
+        asked = call.arguments.find(queries[1].command) != std::string_view::npos ? 1 : 0;
+    }
+    if (call.procedure.procedure != vxi11::DeviceRead) {
+        return {};
+    }
+    ScriptedHost::Pieces pieces(1, records[asked]);
+    pieces.front().replace(4, 4, wire::xdrWords({call.xid}));
+    return pieces;
 }
-
-/// The records that answer a read. They are made once, as hosts have them ready.
-const std::vector<std::string> readReplies = {readReply(queries[0]), readReply(queries[1])};
 
 /// Returns the microseconds of one of `count` calls.
 template <typename Call>
@@ -62,125 +59,48 @@ double microseconds(int count, Call call)
 
 double median(std::vector<double> values)
 {
-    std::nth_element(values.begin(), values.begin() + rounds / 2, values.end());
-    return values[rounds / 2];
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
 }
 
-/// Bind or connect a socket to a port of this host.
-template <typename Call>
-int openSocket(Call call, std::uint16_t port)
+/// Send and receive by turns, as a client or as a host, as many bytes as a query does: two calls
+/// and two answers, the last of which holds the text.
+bool exchangeBytes(int socket, bool isHost, std::size_t textSize)
 {
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
-    const int on = 1;
-    ::setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    return call(socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0 ? socket
-                                                                                           : -1;
-}
-
-/// Serve every connection to a port in a thread of its own, until the process ends.
-bool listenAt(std::uint16_t port, void (*serve)(int socket))
-{
-    const int listener = openSocket(::bind, port);
-    if (::listen(listener, 5) != 0) {
-        return false;
-    }
-    std::thread([=] {
-        for (;;) {
-            std::thread(serve, ::accept(listener, nullptr, nullptr)).detach();
+    thread_local std::string bytes(100000, '\0');
+    bool isSender = !isHost;
+    for (const std::size_t size :
+         {std::size_t(72), std::size_t(36), std::size_t(68), 40 + textSize}) {
+        const ssize_t moved = isSender ? ::send(socket, bytes.data(), size, 0)
+                                       : ::recv(socket, bytes.data(), size, MSG_WAITALL);
+        if (moved <= 0) {
+            return false;
         }
-    }).detach();
+        isSender = !isSender;
+    }
     return true;
 }
 
-/// Serve the portmapper and an instrument.
-void serveVxi11(int socket)
-{
-    std::vector<std::string> replies = readReplies;
-    std::string *reply = nullptr;
-    wire::RecordReader reader(1 << 20);
-    const auto source = [=](char *to, std::size_t size) { return ::recv(socket, to, size, 0); };
-    while (reader.read(source) == wire::RecordReader::State::Complete) {
-        const std::string message = reader.take();
-        const wire::RpcCall call = wire::decodedCall(message).value();
-        std::string results = wire::xdrWords({0, 0, 0, 1 << 16}); // of create_link
-        if (call.procedure.program == wire::portmapperProgram) {
-            results = wire::xdrWords({wire::portmapperPort});
-        } else if (call.procedure.procedure == vxi11::DeviceWrite) {
-            std::string_view written;
-            wire::XdrReader(call.arguments.substr(16)) >> written;
-            reply = &replies[written.front() == '*' ? 0 : 1];
-            results = wire::xdrWords({0, static_cast<std::uint32_t>(written.size())});
-        }
-        std::string other =
-            wire::asRecord(wire::encodedReply(call.xid, wire::RpcOutcome::Success, results));
-        const bool isRead = call.procedure.procedure == vxi11::DeviceRead;
-        const std::string &record =
-            isRead ? reply->replace(4, 4, wire::xdrWords({call.xid})) : other;
-        ::send(socket, record.data(), record.size(), 0);
-    }
-    ::close(socket);
-}
-
-// The records of a query: two calls, two answers.
-constexpr std::size_t writeCallSize = 72;
-constexpr std::size_t writeReplySize = 36;
-constexpr std::size_t readCallSize = 68;
-
-/// Serve as many bytes as a query takes. The first byte says which query it is.
-void serveBytes(int socket)
-{
-    std::string bytes(100000, '\0');
-    while (::recv(socket, bytes.data(), writeCallSize, MSG_WAITALL) > 0) {
-        const std::size_t size = readReplies.at(std::size_t(bytes[0])).size();
-        ::send(socket, bytes.data(), writeReplySize, 0);
-        ::recv(socket, bytes.data(), readCallSize, MSG_WAITALL);
-        ::send(socket, bytes.data(), size, 0);
-    }
-    ::close(socket);
-}
-
-/// Have the bytes of a query served.
-void exchangeBytes(int socket, std::size_t index, std::string *bytes)
-{
-    bytes->front() = static_cast<char>(index);
-    ::send(socket, bytes->data(), writeCallSize, 0);
-    ::recv(socket, bytes->data(), writeReplySize, MSG_WAITALL);
-    ::send(socket, bytes->data(), readCallSize, 0);
-    ::recv(socket, bytes->data(), bytes->size(), MSG_WAITALL);
-}
-
-/// Returns the last number that a command prints; 0 when it prints none.
+/// Returns the number that a command prints last; 0 when it prints none.
 double printedBy(const std::string &command)
 {
     double number = 0.0;
-    std::FILE *const output =
-        ::popen((command + " | grep -oE '[0-9]+\\.[0-9]+' | tail -n 1").c_str(), "r");
-    if (output != nullptr && std::fscanf(output, "%lf", &number) != 1) {
-        number = 0.0;
+    std::FILE *const output = ::popen((command + " | grep -oE '[0-9]+\\.[0-9]+'").c_str(), "r");
+    while (output != nullptr && std::fscanf(output, "%lf", &number) == 1) {
     }
     return output != nullptr && ::pclose(output) == 0 ? number : 0.0;
 }
 
-double pyvisa(const Query &query)
-{
-    return printedBy("/usr/bin/python3 -c '\n"
-                     "import pyvisa, statistics, timeit\n"
-                     "opened = pyvisa.ResourceManager(\"@py\").open_resource("
-                     "\"TCPIP::127.0.0.1::INSTR\", write_termination=\"\\n\")\n"
-                     "def query(): opened.write(\"" +
-                     query.command +
-                     "\"); opened.read_raw(100000)\n"
-                     "print(1e6 * statistics.median(timeit.repeat(query, number=100)) / 100)'");
-}
+/// A program that prints the microseconds of a query; its argument is the command.
+const std::string pyvisa = R"(/usr/bin/python3 -c '
+import pyvisa, statistics, sys, timeit
+device = pyvisa.ResourceManager("@py").open_resource("TCPIP::127.0.0.1::INSTR")
+def query(): device.write(sys.argv[1]); device.read_raw(100000)
+print(1e6 * statistics.median(timeit.repeat(query, number=100)) / 100)' )";
 
-void row(const char *what, const char *client, double cost, double floor)
+void printRow(const std::string &what, double cost, double floor)
 {
-    const std::string name = std::string(what) + " over VXI-11" + client;
-    std::printf("%-44s %12.1f %12.1f %7.2f\n", name.c_str(), cost, floor, cost / floor);
+    std::printf("%-44s %12.1f %12.1f %7.2f\n", what.c_str(), cost, floor, cost / floor);
 }
 
 } // namespace
@@ -188,43 +108,52 @@ void row(const char *what, const char *client, double cost, double floor)
 int main(int argc, char *argv[])
 {
     setVisaLibraryPaths({argc == 2 ? argv[1] : ""});
-    const bool isListening =
-        listenAt(wire::portmapperPort, serveVxi11) && listenAt(floorPort, serveBytes);
-    const int bare = openSocket(::connect, floorPort);
+    const ScriptedHost host(answer, 1 << 16, wire::portmapperPort);
     ViSession manager = 0;
     ViSession session = 0;
-    if (!isListening || !iaVisaDll_Init() || iaOpenDefaultRM(&manager) != VI_SUCCESS ||
+    if (host.port == 0 || !iaVisaDll_Init() || iaOpenDefaultRM(&manager) != VI_SUCCESS ||
         iaOpen(manager, "TCPIP::127.0.0.1::INSTR", VI_NO_LOCK, 5000, &session) != VI_SUCCESS) {
         std::fputs("network-benchmarks: no library, or no port 111\n", stderr);
-        return 1;
+        std::_Exit(1);
     }
-    bool isWell = true;
+    std::string buffer(100000, '\0');
     for (std::size_t i = 0; i < queries.size(); ++i) {
+        const std::size_t textSize = queries[i].answer.size();
+        const TcpHost bareHost(0, [=](int socket) {
+            while (exchangeBytes(socket, true, textSize)) {
+            }
+        });
+        const int bare = ::socket(AF_INET, SOCK_STREAM, 0);
+        const sockaddr_in address = addressAt(bareHost.port);
+        ::connect(bare, reinterpret_cast<const sockaddr *>(&address), sizeof address);
         std::string command = queries[i].command + "\n";
-        std::string buffer(100000, '\0');
-        std::string bytes(readReplies[i].size(), '\0');
         const auto ask = [&] {
             ViUInt32 count = 0;
-            iaWrite(session, reinterpret_cast<unsigned char *>(command.data()),
+            iaWrite(session, reinterpret_cast<ViByte *>(command.data()),
                     static_cast<ViUInt32>(command.size()), nullptr);
-            isWell = iaRead(session, reinterpret_cast<unsigned char *>(buffer.data()),
-                            static_cast<ViUInt32>(buffer.size()), &count) == VI_SUCCESS &&
-                     count == queries[i].answer.size() && isWell;
+            iaRead(session, reinterpret_cast<ViByte *>(buffer.data()),
+                   static_cast<ViUInt32>(buffer.size()), &count);
+            if (count != textSize) {
+                std::fputs("network-benchmarks: a wrong answer\n", stderr);
+                std::_Exit(1);
+            }
         };
         std::vector<double> costs;
         std::vector<double> floors;
-        for (int round = 0; round < rounds; ++round) { // in turns: both have the same company
+        for (int round = 0; round < 25; ++round) { // in turns, so that other load hits both alike
             costs.push_back(microseconds(queries[i].count, ask));
             floors.push_back(
-                microseconds(queries[i].count, [&] { exchangeBytes(bare, i, &bytes); }));
+                microseconds(queries[i].count, [=] { exchangeBytes(bare, false, textSize); }));
         }
+        const std::string name = queries[i].name + std::string(" over VXI-11");
         const double floor = median(floors);
-        row(queries[i].name, "", median(costs), floor);
-        row(queries[i].name, ", PyVISA-py", pyvisa(queries[i]), floor);
+        printRow(name, median(costs), floor);
+        printRow(name + ", PyVISA-py", printedBy(pyvisa + queries[i].command), floor);
         if (i == 0) {
             const double rate = printedBy("lxi benchmark --address 127.0.0.1 --count 2000");
-            row(queries[i].name, ", lxi", 1e6 / rate, floor);
+            printRow(name + ", lxi", 1e6 / rate, floor);
         }
+        ::close(bare); // the host waits for it
     }
-    return isWell ? 0 : 1;
+    iaClose(manager); // the same
 }

@@ -1,7 +1,7 @@
 #include "simulator/InProcessBackend.h"
 
 #include "simulator/MessageExchange.h"
-#include "visa/Link.h"
+#include "visa/DeviceConnection.h"
 #include "visa/ResourceName.h"
 
 #include <algorithm>
@@ -28,15 +28,15 @@ ProcessBench &shared()
     return shared;
 }
 
-class InProcessLink : public visa::Link
+class InProcessConnection : public visa::DeviceConnection
 {
 public:
-    explicit InProcessLink(simulator::Device &device) : device(device)
+    explicit InProcessConnection(simulator::Device &device) : device(device)
     {
         const std::lock_guard guard(shared().mutex);
         exchange.emplace(device);
     }
-    ~InProcessLink() override
+    ~InProcessConnection() override
     {
         const std::lock_guard guard(shared().mutex);
         leave();
@@ -92,7 +92,7 @@ public:
     }
 
     /// Does nothing: the instruments have no front panel that remote control would lock.
-    ViStatus controlRemote(ViUInt16 /*mode*/, visa::Deadline /*deadline*/) override
+    ViStatus goToLocal(visa::Deadline /*deadline*/) override
     {
         return use([] {});
     }
@@ -157,14 +157,14 @@ class InProcessBackend : public visa::Backend
 {
 public:
     ViStatus open(const visa::ResourceName &name, visa::Deadline /*deadline*/,
-                  std::unique_ptr<visa::Link> *link) override
+                  std::unique_ptr<visa::DeviceConnection> *connection) override
     {
         simulator::Device *device =
             simulator::upperCase(name.device) == "INST0" ? shared().bench.find(name.host) : nullptr;
         if (device == nullptr) {
             return VI_ERROR_RSRC_NFOUND;
         }
-        *link = std::make_unique<InProcessLink>(*device);
+        *connection = std::make_unique<InProcessConnection>(*device);
         return VI_SUCCESS;
     }
 

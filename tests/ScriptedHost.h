@@ -5,21 +5,82 @@
 #include "visa/wire/Vxi11.h"
 #include "visa/wire/Xdr.h"
 
-#include <QMap>
-#include <QStringList>
-#include <QTcpServer>
-#include <QTcpSocket>
-
-#include <atomic>
 #include <functional>
-#include <future>
-#include <memory>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
 #include <thread>
+#include <unistd.h>
 #include <vector>
 
-/// A host with its portmapper and its instrument at one port, which answers as the test says. It
-/// notes the calls to the instrument as text: "write timeout END *IDN?", "read size 100 timeout".
-class ScriptedHost
+/// Returns the address of a port of this host.
+inline sockaddr_in addressAt(std::uint16_t port)
+{
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    return address;
+}
+
+/// A host that serves each connection in a thread of its own.
+class TcpHost
+{
+public:
+    /// Listen at a port; at any free one for 0.
+    TcpHost(std::uint16_t at, const std::function<void(int socket)> &serve)
+    {
+        sockaddr_in address = addressAt(at);
+        socklen_t size = sizeof address;
+        auto *const place = reinterpret_cast<sockaddr *>(&address);
+        const int on = 1; // also for the sockets that are accepted
+        ::setsockopt(listener, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+        if (::bind(listener, place, size) != 0 || ::listen(listener, 5) != 0 ||
+            ::getsockname(listener, place, &size) != 0) {
+            return;
+        }
+        port = ntohs(address.sin_port);
+        accepting = std::thread([this, serve] {
+            int socket = -1;
+            while ((socket = ::accept(listener, nullptr, nullptr)) >= 0) {
+                connections.emplace_back([serve, socket] {
+                    serve(socket);
+                    ::close(socket);
+                });
+            }
+        });
+    }
+    TcpHost(const TcpHost &) = delete;
+    TcpHost &operator=(const TcpHost &) = delete;
+    ~TcpHost()
+    {
+        finish();
+        ::close(listener);
+    }
+
+    /// Wait until the clients have closed their connections.
+    void finish()
+    {
+        ::shutdown(listener, SHUT_RDWR);
+        if (accepting.joinable()) {
+            accepting.join();
+        }
+        for (std::thread &connection : connections) {
+            connection.join();
+        }
+        connections.clear();
+    }
+
+    std::uint16_t port = 0; ///< 0 when the host could not listen
+
+private:
+    const int listener = ::socket(AF_INET, SOCK_STREAM, 0);
+    std::thread accepting;
+    std::vector<std::thread> connections;
+};
+
+/// A host whose portmapper and VXI-11 instrument share a port and answer as a script says.
+class ScriptedHost : public TcpHost
 {
 public:
     /// Bytes that are sent one piece after the other. The connection is closed at an empty one.
@@ -27,35 +88,10 @@ public:
     /// Returns what is sent instead of the usual answer to a call; nothing for the usual one.
     using Script = std::function<Pieces(const wire::RpcCall &call)>;
 
-    explicit ScriptedHost(Script script, std::uint32_t receiveSize = 1024)
-        : script(std::move(script)), receiveSize(receiveSize)
+    /// Listen as a TcpHost does. The instrument takes receiveSize bytes of a write.
+    explicit ScriptedHost(const Script &script, std::uint32_t receiveSize, std::uint16_t at = 0)
+        : TcpHost(at, [=](int socket) { serve(socket, script, receiveSize); })
     {
-        std::promise<void> listening;
-        thread = std::thread([this, &listening] {
-            QTcpServer server;
-            server.listen(QHostAddress::LocalHost);
-            port = server.serverPort();
-            listening.set_value();
-            while (!isEnding) {
-                server.waitForNewConnection(1);
-                const std::unique_ptr<QTcpSocket> socket(server.nextPendingConnection());
-                if (socket != nullptr) {
-                    serve(*socket);
-                }
-            }
-        });
-        listening.get_future().wait();
-    }
-    ~ScriptedHost() { finish(); }
-
-    /// Serve the connections to their end. Returns the calls that came.
-    QStringList finish()
-    {
-        isEnding = true;
-        if (thread.joinable()) {
-            thread.join();
-        }
-        return received;
     }
 
     static Pieces reply(const wire::RpcCall &call, std::string_view results,
@@ -70,44 +106,34 @@ public:
         return reply(call, wire::xdrWords({error, reason}) + wire::xdrOpaque(bytes));
     }
 
-    std::uint16_t port = 0;
-
 private:
-    void serve(QTcpSocket &socket)
+    void serve(int socket, const Script &script, std::uint32_t receiveSize) const
     {
         wire::RecordReader reader(1 << 25);
-        const auto source = [&socket](char *to, std::size_t size) {
-            return socket.read(to, static_cast<qint64>(size));
-        };
-        while (socket.state() == QAbstractSocket::ConnectedState) {
-            if (reader.read(source) != wire::RecordReader::State::Complete) {
-                socket.waitForReadyRead(1);
-                continue;
-            }
+        const auto source = [=](char *to, std::size_t size) { return ::recv(socket, to, size, 0); };
+        while (reader.read(source) == wire::RecordReader::State::Complete) {
             const std::string record = reader.take();
             const wire::RpcCall call = wire::decodedCall(record).value();
-            if (call.procedure.program != wire::portmapperProgram) {
-                received << described(call);
+            Pieces pieces = script(call);
+            if (pieces.empty()) {
+                pieces = usual(call, receiveSize);
             }
-            const Pieces pieces = script(call);
-            for (const std::string &piece : pieces.empty() ? usual(call) : pieces) {
+            for (const std::string &piece : pieces) {
                 if (piece.empty()) {
                     return;
                 }
-                socket.write(piece.data(), static_cast<qint64>(piece.size()));
-                if (!socket.waitForBytesWritten(1000)) {
-                    return;
+                if (&piece != &pieces.front()) { // each arrives on its own
+                    std::this_thread::sleep_for(std::chrono::milliseconds(5));
                 }
-                if (pieces.size() > 1) {
-                    std::this_thread::sleep_for(
-                        std::chrono::milliseconds(5)); // each arrives on its own
+                if (::send(socket, piece.data(), piece.size(), MSG_NOSIGNAL) < 0) {
+                    return;
                 }
             }
         }
     }
 
     /// Returns the usual answer to a call: a link with number 0, all taken of a write, no error.
-    [[nodiscard]] Pieces usual(const wire::RpcCall &call) const
+    [[nodiscard]] Pieces usual(const wire::RpcCall &call, std::uint32_t receiveSize) const
     {
         if (call.procedure.program == wire::portmapperProgram) {
             return reply(call, wire::xdrWords({port}));
@@ -118,47 +144,4 @@ private:
         }
         return reply(call, wire::xdrWords({0, std::uint32_t(written.size()), 0, receiveSize}));
     }
-
-    /// Describe a call of the core channel by its parameters that are not 0.
-    static QString described(const wire::RpcCall &call)
-    {
-        namespace vxi11 = wire::vxi11;
-        const QString generic = "link flags lockTimeout timeout";
-        const QMap<std::uint32_t, QString> layouts = {
-            {vxi11::CreateLink, "create: client flags lockTimeout data"},
-            {vxi11::DeviceWrite, "write: link timeout lockTimeout flags data"},
-            {vxi11::DeviceRead, "read: link size timeout lockTimeout flags terminator"},
-            {vxi11::DeviceTrigger, "trigger: " + generic},
-            {vxi11::DeviceClear, "clear: " + generic},
-            {vxi11::DeviceRemote, "remote: " + generic},
-            {vxi11::DeviceLocal, "local: " + generic},
-            {vxi11::DeviceLock, "lock: link flags timeout"},
-            {vxi11::DeviceUnlock, "unlock: link"},
-            {vxi11::DestroyLink, "destroy: link"}};
-        const QMap<std::uint32_t, QString> flags = {
-            {vxi11::WaitLock, "wait"}, {vxi11::End, "END"}, {vxi11::TermCharSet, "terminated"}};
-        wire::XdrReader from(call.arguments);
-        QStringList text;
-        for (const QString &field : layouts.value(call.procedure.procedure).split(' ')) {
-            std::uint32_t word = 0;
-            std::string_view bytes;
-            if (field.endsWith(':')) {
-                text << field.chopped(1);
-            } else if (field == "data") {
-                from >> bytes;
-                text << QString::fromLatin1(bytes.data(), int(bytes.size()));
-            } else if ((from >> word).isOk() && word != 0) {
-                const bool isAny = field == "client" || field == "timeout";
-                const QString value = isAny ? field : field + " " + QString::number(word);
-                text << (field == "flags" ? flags.value(word, "?") : value);
-            }
-        }
-        return text.join(' ');
-    }
-
-    Script script;
-    std::uint32_t receiveSize;
-    QStringList received;
-    std::atomic<bool> isEnding = false;
-    std::thread thread;
 };

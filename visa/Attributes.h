@@ -15,8 +15,8 @@ class Attributes
 public:
     /// Make the attributes of a resource manager.
     Attributes();
-    /// Make the attributes of a session that the manager has opened.
-    Attributes(const ResourceName &name, const std::string &address, ViSession manager);
+    /// Make the attributes of a session.
+    Attributes(const ResourceName &name, const std::string &address);
 
     /// Set an attribute for a client. On failure returns VI_ERROR_NSUP_ATTR,
     /// VI_ERROR_ATTR_READONLY or VI_ERROR_NSUP_ATTR_STATE.
@@ -26,15 +26,20 @@ public:
     ViStatus get(ViAttr attribute, void *value) const;
 
     /// Returns the value of a numeric attribute that the object has.
-    [[nodiscard]] ViUInt32 number(ViAttr attribute) const
-    {
-        return static_cast<ViUInt32>(numbers.at(attribute));
-    }
-    /// Set a numeric attribute, even if it is read-only for clients.
-    void assign(ViAttr attribute, ViUInt32 value) { numbers[attribute] = value; }
+    [[nodiscard]] ViUInt32 number(ViAttr attribute) const { return numbers.at(attribute).value; }
 
 private:
-    std::map<ViAttr, ViAttrState> numbers;
+    /// A numeric attribute and the range that clients may set. The range is empty when the
+    /// attribute is read-only.
+    struct Number
+    {
+        unsigned width = 0; // bytes
+        ViUInt32 value = 0;
+        ViUInt32 minimum = 1;
+        ViUInt32 maximum = 0;
+    };
+
+    std::map<ViAttr, Number> numbers;
     std::map<ViAttr, std::string> texts;
 };
 

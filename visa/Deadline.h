@@ -6,10 +6,10 @@
 
 namespace visa {
 
-/// By when a call must have ended; time_point::max() waits for ever.
+/// The time by which a call must have ended. Deadline::max() stands for ever.
 using Deadline = std::chrono::steady_clock::time_point;
 
-/// Returns the instant at which a VISA time-out in milliseconds has passed.
+/// Returns the deadline of a call that begins now and has a VISA time-out in milliseconds.
 inline Deadline deadlineAfter(ViUInt32 timeout)
 {
     return timeout == VI_TMO_INFINITE
@@ -17,7 +17,7 @@ inline Deadline deadlineAfter(ViUInt32 timeout)
                : std::chrono::steady_clock::now() + std::chrono::milliseconds(timeout);
 }
 
-/// Returns the milliseconds until a deadline, rounded up; `limit` when there are more.
+/// Returns the milliseconds until a deadline, rounded up, but at most `limit`.
 inline int millisecondsUntil(Deadline deadline, int limit)
 {
     using std::chrono::milliseconds;

@@ -4,10 +4,9 @@ namespace visa {
 
 namespace {
 
-constexpr std::size_t most = 1024; // handles open at a time
+constexpr std::size_t maximumCount = 1024; // handles open at a time
 
-/// Objects that are being closed. Their links share a second; those in use end with their last
-/// user.
+/// Objects that are being closed. The connection of one that is in use ends with its last user.
 struct Closing
 {
     Closing() = default;
@@ -18,8 +17,9 @@ struct Closing
         const Deadline deadline = std::chrono::steady_clock::now() + std::chrono::seconds(1);
         for (const auto &[handle, object] : objects) {
             const std::unique_lock lock(object->mutex, std::try_to_lock);
-            if (lock.owns_lock() && object->link != nullptr) {
-                object->link->close(deadline);
+            Session *const session = std::get_if<Session>(&object->content);
+            if (lock.owns_lock() && session != nullptr) {
+                session->connection->close(deadline);
             }
         }
     }
@@ -32,10 +32,10 @@ struct Closing
 ViStatus Handles::add(const std::shared_ptr<Object> &object, ViObject *handle)
 {
     const std::lock_guard lock(mutex);
-    if (object->kind != Object::Kind::Manager && objects.count(object->manager) == 0) {
+    if (object->manager != 0 && objects.count(object->manager) == 0) {
         return VI_ERROR_INV_OBJECT;
     }
-    if (objects.size() >= most || last + 1 == 0) {
+    if (objects.size() >= maximumCount || last + 1 == 0) {
         return VI_ERROR_ALLOC;
     }
     objects[last + 1] = object;
@@ -52,7 +52,7 @@ std::shared_ptr<Object> Handles::find(ViObject handle)
 
 ViStatus Handles::close(ViObject handle)
 {
-    Closing closing; // ends after the lock: links take time
+    Closing closing; // destroyed after the lock is released, since connections take time
     const std::lock_guard lock(mutex);
     if (objects.count(handle) == 0) {
         return VI_ERROR_INV_OBJECT;
@@ -76,11 +76,11 @@ void Handles::closeAll()
 
 Handles &handles()
 {
-    // Never destroyed: other threads may use it until the process has ended.
+    // Never destroyed, since other threads may use it until the process has ended.
     static Handles &all = *new Handles;
     struct AtExit
     {
-        AtExit() { backend(); } // which outlives this
+        AtExit() { backend(); } // made first, so that it outlives this
         AtExit(const AtExit &) = delete;
         AtExit &operator=(const AtExit &) = delete;
         ~AtExit() { all.closeAll(); }

@@ -1,20 +1,20 @@
 // The VISA functions of resource managers and find lists, and those of all objects.
 
-#include "visa/Deadline.h"
-#include "visa/Guard.h"
-#include "visa/ResourceExpression.h"
+#include "visa/Handles.h"
 #include "visa/ResourceName.h"
 #include "visa/StatusText.h"
 #include "visa/VisaFunctions.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 
 using visa::Attributes;
+using visa::FindList;
 using visa::guarded;
 using visa::handles;
+using visa::Manager;
 using visa::Object;
+using visa::Session;
 using visa::with;
 
 namespace {
@@ -30,14 +30,13 @@ void copyText(ViChar *buffer, std::string_view text)
     }
 }
 
-ViStatus findNames(const char *expression, std::deque<std::string> *names)
+ViStatus findNames(const std::string &expression, FindList *names)
 {
-    const std::string text(expression, strnlen(expression, VI_FIND_BUFLEN));
-    if (text.size() == VI_FIND_BUFLEN || !visa::matchesExpression(text, "")) {
+    if (!visa::matchesExpression(expression, "")) {
         return VI_ERROR_INV_EXPR;
     }
     for (const std::string &name : visa::backend().list()) {
-        if (*visa::matchesExpression(text, name)) {
+        if (*visa::matchesExpression(expression, name)) {
             names->push_back(name);
         }
     }
@@ -49,37 +48,29 @@ ViStatus openSession(ViSession manager, const visa::ResourceName &name, ViAccess
 {
     const visa::Deadline deadline =
         visa::deadlineAfter(timeout == VI_TMO_IMMEDIATE ? usualOpenTimeout : timeout);
-    const auto object = std::make_shared<Object>();
-    ViStatus status = visa::backend().open(name, deadline, &object->link);
+    Session opened;
+    ViStatus status = visa::backend().open(name, deadline, &opened.connection);
     if (status != VI_SUCCESS) {
         return status;
     }
-    object->kind = Object::Kind::Session;
-    object->manager = manager;
-    object->attributes = Attributes(name, object->link->address(), manager);
+    opened.attributes = Attributes(name, opened.connection->address());
     if ((accessMode & VI_EXCLUSIVE_LOCK) != 0) {
-        status = object->link->lock(deadline);
-        object->locks = 1;
-        object->attributes.assign(VI_ATTR_RSRC_LOCK_STATE, VI_EXCLUSIVE_LOCK);
+        status = opened.connection->lock(deadline);
+        opened.locks = 1;
     }
-    return status == VI_SUCCESS ? handles().add(object, session) : status;
+    if (status != VI_SUCCESS) {
+        return status;
+    }
+    return handles().add(std::make_shared<Object>(manager, std::move(opened)), session);
 }
 
 /// Run an operation on the attributes of a session or a resource manager.
 template <typename Body>
 ViStatus withAttributes(ViObject handle, Body body) noexcept
 {
-    return guarded([&] {
-        const auto object = handles().find(handle);
-        if (object == nullptr) {
-            return VI_ERROR_INV_OBJECT;
-        }
-        if (object->kind == Object::Kind::List) {
-            return VI_ERROR_NSUP_OPER;
-        }
-        const std::lock_guard lock(object->mutex);
-        return body(object->attributes);
-    });
+    const auto run = [=](auto &object) { return body(object.attributes); };
+    const ViStatus status = with<Session>(handle, run);
+    return status == VI_ERROR_NSUP_OPER ? with<Manager>(handle, run) : status;
 }
 
 } // namespace
@@ -89,63 +80,58 @@ ViStatus viOpenDefaultRM(ViSession *resourceManager)
     if (resourceManager == nullptr) {
         return VI_ERROR_USER_BUF;
     }
-    return guarded([=] { return handles().add(std::make_shared<Object>(), resourceManager); });
+    return guarded(
+        [=] { return handles().add(std::make_shared<Object>(0, Manager()), resourceManager); });
 }
 
 ViStatus viFindRsrc(ViSession resourceManager, const ViChar *expression, ViFindList *list,
                     ViUInt32 *count, ViChar *description)
 {
-    return with(resourceManager, Object::Kind::Manager, [=](Object &) {
+    return with<Manager>(resourceManager, [=](Manager &) {
         if (expression == nullptr) {
             return VI_ERROR_INV_EXPR;
         }
         if (description == nullptr) {
             return VI_ERROR_USER_BUF;
         }
-        const auto found = std::make_shared<Object>();
-        found->kind = Object::Kind::List;
-        found->manager = resourceManager;
-        ViStatus status = findNames(expression, &found->names);
+        FindList names;
+        const ViStatus status = findNames(expression, &names);
         if (status != VI_SUCCESS) {
             return status;
         }
         if (count != nullptr) {
-            *count = static_cast<ViUInt32>(found->names.size());
+            *count = static_cast<ViUInt32>(names.size());
         }
-        copyText(description, found->names.front());
-        found->names.pop_front();
-        return list == nullptr ? VI_SUCCESS : handles().add(found, list);
+        copyText(description, names.front());
+        names.pop_front();
+        if (list == nullptr) {
+            return VI_SUCCESS;
+        }
+        return handles().add(std::make_shared<Object>(resourceManager, std::move(names)), list);
     });
 }
 
 ViStatus viFindNext(ViFindList list, ViChar *description)
 {
-    return with(list, Object::Kind::List, [=](Object &object) {
+    return with<FindList>(list, [=](FindList &names) {
         if (description == nullptr) {
             return VI_ERROR_USER_BUF;
         }
-        if (object.names.empty()) {
+        if (names.empty()) {
             return VI_ERROR_RSRC_NFOUND;
         }
-        copyText(description, object.names.front());
-        object.names.pop_front();
+        copyText(description, names.front());
+        names.pop_front();
         return VI_SUCCESS;
     });
 }
 
-ViStatus viParseRsrc(ViSession resourceManager, const ViChar *resourceName, ViUInt16 *interfaceType,
-                     ViUInt16 *interfaceNumber)
-{
-    return viParseRsrcEx(resourceManager, resourceName, interfaceType, interfaceNumber, nullptr,
-                         nullptr, nullptr);
-}
-
-// Only the name is examined; viOpen finds out whether there is such a device.
+// This examines the name only. viOpen finds out whether there is such a device.
 ViStatus viParseRsrcEx(ViSession resourceManager, const ViChar *resourceName,
                        ViUInt16 *interfaceType, ViUInt16 *interfaceNumber, ViChar *resourceClass,
                        ViChar *expandedName, ViChar *alias)
 {
-    return with(resourceManager, Object::Kind::Manager, [=](Object &) {
+    return with<Manager>(resourceManager, [=](Manager &) {
         if (interfaceType == nullptr || interfaceNumber == nullptr) {
             return VI_ERROR_USER_BUF;
         }
@@ -153,9 +139,9 @@ ViStatus viParseRsrcEx(ViSession resourceManager, const ViChar *resourceName,
         if (!name) {
             return VI_ERROR_INV_RSRC_NAME;
         }
-        *interfaceType = name->interfaceType;
+        *interfaceType = VI_INTF_TCPIP;
         *interfaceNumber = name->board;
-        copyText(resourceClass, name->resourceClass);
+        copyText(resourceClass, "INSTR");
         copyText(expandedName, name->full);
         copyText(alias, "");
         return VI_SUCCESS;
@@ -171,8 +157,7 @@ ViStatus viOpen(ViSession resourceManager, const ViChar *resourceName, ViAccessM
         return VI_ERROR_USER_BUF;
     }
     *session = 0;
-    const ViStatus status =
-        with(resourceManager, Object::Kind::Manager, [](Object &) { return VI_SUCCESS; });
+    const ViStatus status = with<Manager>(resourceManager, [](Manager &) { return VI_SUCCESS; });
     if (status != VI_SUCCESS) {
         return status;
     }
@@ -183,9 +168,6 @@ ViStatus viOpen(ViSession resourceManager, const ViChar *resourceName, ViAccessM
         const auto name = visa::parseResourceName(resourceName == nullptr ? "" : resourceName);
         if (!name) {
             return VI_ERROR_INV_RSRC_NAME;
-        }
-        if (name->interfaceType != VI_INTF_TCPIP || name->resourceClass != "INSTR") {
-            return VI_ERROR_RSRC_NFOUND;
         }
         return openSession(resourceManager, *name, accessMode, timeoutMs, session);
     });
@@ -230,13 +212,13 @@ ViStatus viGetAttribute(ViObject object, ViAttr attribute, void *value)
     });
 }
 
-// This library raises no events: they are always disabled, and their queue is empty.
+// This library raises no events. They are always disabled, and their queue is empty.
 ViStatus viDisableEvent(ViSession session, ViEventType /*type*/, ViUInt16 /*mechanism*/)
 {
-    return withAttributes(session, [](const Attributes &) { return VI_SUCCESS_EVENT_DIS; });
+    return with<Session>(session, [](const Session &) { return VI_SUCCESS_EVENT_DIS; });
 }
 
 ViStatus viDiscardEvents(ViSession session, ViEventType /*type*/, ViUInt16 /*mechanism*/)
 {
-    return withAttributes(session, [](const Attributes &) { return VI_SUCCESS_QUEUE_EMPTY; });
+    return with<Session>(session, [](const Session &) { return VI_SUCCESS_QUEUE_EMPTY; });
 }

@@ -1,26 +1,19 @@
 // The VISA functions of sessions: input and output, triggers and locks.
 
-#include "visa/Deadline.h"
-#include "visa/Guard.h"
+#include "visa/Handles.h"
 #include "visa/VisaFunctions.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 
-using visa::Object;
+using visa::Session;
+using visa::with;
 
 namespace {
 
-constexpr std::size_t pieceSize = 65536; // of a file, bytes
+constexpr std::size_t pieceSize = 65536; // bytes that are read into a file at a time
 
-template <typename Body>
-ViStatus withSession(ViSession handle, Body body) noexcept
-{
-    return visa::with(handle, Object::Kind::Session, body);
-}
-
-visa::Deadline deadlineOf(const Object &session)
+visa::Deadline deadlineOf(const Session &session)
 {
     return visa::deadlineAfter(session.attributes.number(VI_ATTR_TMO_VALUE));
 }
@@ -32,19 +25,7 @@ void report(ViUInt32 *returnedCount, std::size_t count)
     }
 }
 
-ViStatus write(Object &session, const ViByte *bytes, std::size_t count, ViUInt32 *returnedCount)
-{
-    if (count == 0) {
-        return VI_SUCCESS;
-    }
-    const bool end = session.attributes.number(VI_ATTR_SEND_END_EN) != 0;
-    std::size_t written = 0;
-    const ViStatus status = session.link->write(bytes, count, end, deadlineOf(session), &written);
-    report(returnedCount, written);
-    return status;
-}
-
-visa::ReadOutcome read(Object &session, ViByte *buffer, std::size_t count, visa::Deadline deadline)
+visa::ReadOutcome read(Session &session, ViByte *buffer, std::size_t count, visa::Deadline deadline)
 {
     if (count == 0) {
         return {};
@@ -53,7 +34,7 @@ visa::ReadOutcome read(Object &session, ViByte *buffer, std::size_t count, visa:
     if (session.attributes.number(VI_ATTR_TERMCHAR_EN) != 0) {
         termination = static_cast<ViByte>(session.attributes.number(VI_ATTR_TERMCHAR));
     }
-    return session.link->read(buffer, count, termination, deadline);
+    return session.connection->read(buffer, count, termination, deadline);
 }
 
 ViStatus statusOf(const visa::ReadOutcome &outcome)
@@ -78,13 +59,8 @@ struct CloseFile
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
-File openFile(const ViChar *name, const char *mode)
-{
-    return File(name == nullptr ? nullptr : std::fopen(name, mode));
-}
-
 /// Read into a file, piece by piece. The time-out is that of the whole transfer.
-ViStatus readToFile(Object &session, std::FILE *file, std::size_t count, ViUInt32 *returnedCount)
+ViStatus readToFile(Session &session, std::FILE *file, std::size_t count, ViUInt32 *returnedCount)
 {
     const visa::Deadline deadline = deadlineOf(session);
     std::vector<ViByte> piece(std::min(count, pieceSize));
@@ -112,41 +88,26 @@ bool isBufferMask(unsigned mask)
 ViStatus viWrite(ViSession session, const ViByte *buffer, ViUInt32 count, ViUInt32 *returnedCount)
 {
     report(returnedCount, 0);
-    return withSession(session, [=](Object &open) {
-        if (buffer == nullptr && count != 0) {
+    return with<Session>(session, [=](Session &open) {
+        if (count == 0) {
+            return VI_SUCCESS;
+        }
+        if (buffer == nullptr) {
             return VI_ERROR_USER_BUF;
         }
-        return write(open, buffer, count, returnedCount);
-    });
-}
-
-ViStatus viWriteFromFile(ViSession session, const ViChar *fileName, ViUInt32 count,
-                         ViUInt32 *returnedCount)
-{
-    report(returnedCount, 0);
-    return withSession(session, [=](Object &open) {
-        const File file = openFile(fileName, "rb");
-        if (!file) {
-            return VI_ERROR_FILE_ACCESS;
-        }
-        // The whole file is read before it is sent, since END goes with its last byte.
-        std::vector<ViByte> bytes;
-        std::size_t size = 0;
-        do {
-            bytes.resize(std::min<std::size_t>(count, size + pieceSize));
-            size += std::fread(bytes.data() + size, 1, bytes.size() - size, file.get());
-        } while (size == bytes.size() && size < count);
-        if (std::ferror(file.get()) != 0) {
-            return VI_ERROR_FILE_IO;
-        }
-        return write(open, bytes.data(), size, returnedCount);
+        const bool end = open.attributes.number(VI_ATTR_SEND_END_EN) != 0;
+        std::size_t written = 0;
+        const ViStatus status =
+            open.connection->write(buffer, count, end, deadlineOf(open), &written);
+        report(returnedCount, written);
+        return status;
     });
 }
 
 ViStatus viRead(ViSession session, ViByte *buffer, ViUInt32 count, ViUInt32 *returnedCount)
 {
     report(returnedCount, 0);
-    return withSession(session, [=](Object &open) {
+    return with<Session>(session, [=](Session &open) {
         if (buffer == nullptr) {
             return VI_ERROR_USER_BUF;
         }
@@ -160,9 +121,8 @@ ViStatus viReadToFile(ViSession session, const ViChar *fileName, ViUInt32 count,
                       ViUInt32 *returnedCount)
 {
     report(returnedCount, 0);
-    return withSession(session, [=](Object &open) {
-        const bool append = open.attributes.number(VI_ATTR_FILE_APPEND_EN) != 0;
-        const File file = openFile(fileName, append ? "ab" : "wb");
+    return with<Session>(session, [=](Session &open) {
+        const File file(fileName == nullptr ? nullptr : std::fopen(fileName, "wb"));
         if (!file) {
             return VI_ERROR_FILE_ACCESS;
         }
@@ -172,7 +132,8 @@ ViStatus viReadToFile(ViSession session, const ViChar *fileName, ViUInt32 count,
 
 ViStatus viClear(ViSession session)
 {
-    return withSession(session, [](Object &open) { return open.link->clear(deadlineOf(open)); });
+    return with<Session>(session,
+                         [](Session &open) { return open.connection->clear(deadlineOf(open)); });
 }
 
 // Nothing is buffered between a client and its device. So any size is accepted, and viFlush has
@@ -180,25 +141,25 @@ ViStatus viClear(ViSession session)
 ViStatus viSetBuf(ViSession session, ViUInt16 mask, ViUInt32 /*size*/)
 {
     constexpr unsigned buffers = VI_READ_BUF | VI_WRITE_BUF | VI_IO_IN_BUF | VI_IO_OUT_BUF;
-    return withSession(session, [=](Object &) {
+    return with<Session>(session, [=](Session &) {
         return isBufferMask(mask) && (mask & ~buffers) == 0 ? VI_SUCCESS : VI_ERROR_INV_MASK;
     });
 }
 
 ViStatus viFlush(ViSession session, ViUInt16 mask)
 {
-    return withSession(
-        session, [=](Object &) { return isBufferMask(mask) ? VI_SUCCESS : VI_ERROR_INV_MASK; });
+    return with<Session>(
+        session, [=](Session &) { return isBufferMask(mask) ? VI_SUCCESS : VI_ERROR_INV_MASK; });
 }
 
 ViStatus viReadSTB(ViSession session, ViUInt16 *statusByte)
 {
-    return withSession(session, [=](Object &open) {
+    return with<Session>(session, [=](Session &open) {
         if (statusByte == nullptr) {
             return VI_ERROR_USER_BUF;
         }
         ViUInt8 byte = 0;
-        const ViStatus status = open.link->readStatusByte(deadlineOf(open), &byte);
+        const ViStatus status = open.connection->readStatusByte(deadlineOf(open), &byte);
         *statusByte = byte;
         return status;
     });
@@ -206,21 +167,24 @@ ViStatus viReadSTB(ViSession session, ViUInt16 *statusByte)
 
 ViStatus viAssertTrigger(ViSession session, ViUInt16 protocol)
 {
-    return withSession(session, [=](Object &open) {
+    return with<Session>(session, [=](Session &open) {
         if (protocol != 0) {
             return VI_ERROR_INV_PROT;
         }
-        return open.link->trigger(deadlineOf(open));
+        return open.connection->trigger(deadlineOf(open));
     });
 }
 
 ViStatus viGpibControlREN(ViSession session, ViUInt16 mode)
 {
-    return withSession(session, [=](Object &open) {
+    return with<Session>(session, [=](Session &open) {
         if (mode > VI_GPIB_REN_ADDRESS_GTL) {
             return VI_ERROR_INV_MODE;
         }
-        return open.link->controlRemote(mode, deadlineOf(open));
+        if (mode != VI_GPIB_REN_ADDRESS_GTL) {
+            return VI_ERROR_NSUP_OPER; // the other modes control the lines of a GPIB bus
+        }
+        return open.connection->goToLocal(deadlineOf(open));
     });
 }
 
@@ -228,7 +192,7 @@ ViStatus viGpibControlREN(ViSession session, ViUInt16 mode)
 ViStatus viLock(ViSession session, ViAccessMode lockType, ViUInt32 timeoutMs,
                 const ViChar * /*requestedKey*/, ViChar * /*accessKey*/)
 {
-    return withSession(session, [=](Object &open) {
+    return with<Session>(session, [=](Session &open) {
         if (lockType != VI_EXCLUSIVE_LOCK) {
             return VI_ERROR_INV_LOCK_TYPE;
         }
@@ -236,10 +200,9 @@ ViStatus viLock(ViSession session, ViAccessMode lockType, ViUInt32 timeoutMs,
             ++open.locks;
             return VI_SUCCESS_NESTED_EXCLUSIVE;
         }
-        const ViStatus status = open.link->lock(visa::deadlineAfter(timeoutMs));
+        const ViStatus status = open.connection->lock(visa::deadlineAfter(timeoutMs));
         if (status == VI_SUCCESS) {
             open.locks = 1;
-            open.attributes.assign(VI_ATTR_RSRC_LOCK_STATE, VI_EXCLUSIVE_LOCK);
         }
         return status;
     });
@@ -247,14 +210,13 @@ ViStatus viLock(ViSession session, ViAccessMode lockType, ViUInt32 timeoutMs,
 
 ViStatus viUnlock(ViSession session)
 {
-    return withSession(session, [](Object &open) {
+    return with<Session>(session, [](Session &open) {
         if (open.locks == 0) {
             return VI_ERROR_SESN_NLOCKED;
         }
         if (--open.locks != 0) {
             return VI_SUCCESS_NESTED_EXCLUSIVE;
         }
-        open.attributes.assign(VI_ATTR_RSRC_LOCK_STATE, VI_NO_LOCK);
-        return open.link->unlock(deadlineOf(open));
+        return open.connection->unlock(deadlineOf(open));
     });
 }

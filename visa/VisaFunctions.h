@@ -12,7 +12,6 @@ extern "C" {
 VISA_EXPORT visa::OpenDefaultRM viOpenDefaultRM;
 VISA_EXPORT visa::FindRsrc viFindRsrc;
 VISA_EXPORT visa::FindNext viFindNext;
-VISA_EXPORT visa::ParseRsrc viParseRsrc;
 VISA_EXPORT visa::ParseRsrcEx viParseRsrcEx;
 VISA_EXPORT visa::Open viOpen;
 VISA_EXPORT visa::Close viClose;
@@ -24,7 +23,6 @@ VISA_EXPORT visa::Unlock viUnlock;
 VISA_EXPORT visa::DisableEvent viDisableEvent;
 VISA_EXPORT visa::DiscardEvents viDiscardEvents;
 VISA_EXPORT visa::Write viWrite;
-VISA_EXPORT visa::WriteFromFile viWriteFromFile;
 VISA_EXPORT visa::Read viRead;
 VISA_EXPORT visa::ReadToFile viReadToFile;
 VISA_EXPORT visa::Clear viClear;

@@ -53,15 +53,11 @@ using Queryf = ViStatus(ViSession session, const ViChar *writeFormat, const ViCh
 using FindRsrc = ViStatus(ViSession resourceManager, const ViChar *expression, ViFindList *list,
                           ViUInt32 *count, ViChar *description);
 using FindNext = ViStatus(ViFindList list, ViChar *description);
-using ParseRsrc = ViStatus(ViSession resourceManager, const ViChar *resourceName,
-                           ViUInt16 *interfaceType, ViUInt16 *interfaceNumber);
 using ParseRsrcEx = ViStatus(ViSession resourceManager, const ViChar *resourceName,
                              ViUInt16 *interfaceType, ViUInt16 *interfaceNumber,
                              ViChar *resourceClass, ViChar *expandedName, ViChar *alias);
 using DisableEvent = ViStatus(ViSession session, ViEventType type, ViUInt16 mechanism);
 using DiscardEvents = ViStatus(ViSession session, ViEventType type, ViUInt16 mechanism);
-using WriteFromFile = ViStatus(ViSession session, const ViChar *fileName, ViUInt32 count,
-                               ViUInt32 *returnedCount);
 using AssertTrigger = ViStatus(ViSession session, ViUInt16 protocol);
 using Flush = ViStatus(ViSession session, ViUInt16 mask);
 using Lock = ViStatus(ViSession session, ViAccessMode lockType, ViUInt32 timeoutMs,
@@ -82,47 +78,21 @@ constexpr ViStatus visaStatus(ViUInt32 pattern)
 
 // Attributes with the width that viGetAttribute writes (VPP-4.3, appendix A).
 constexpr ViAttr VI_ATTR_RSRC_IMPL_VERSION = 0x3FFF0003; ///< 32 bits: 12 major, 12 minor, 8 patch
-constexpr ViAttr VI_ATTR_RSRC_LOCK_STATE = 0x3FFF0004;   ///< 32 bits
-constexpr ViAttr VI_ATTR_MAX_QUEUE_LENGTH = 0x3FFF0005;  ///< 32 bits, events
-constexpr ViAttr VI_ATTR_USER_DATA_32 = 0x3FFF0007;      ///< 32 bits
-constexpr ViAttr VI_ATTR_USER_DATA = 0x3FFF000A;         ///< 64 bits, for the caller's own use
 constexpr ViAttr VI_ATTR_SEND_END_EN = 0x3FFF0016;       ///< 16 bits
 constexpr ViAttr VI_ATTR_TERMCHAR = 0x3FFF0018;          ///< 8 bits
 constexpr ViAttr VI_ATTR_TMO_VALUE = 0x3FFF001A;         ///< 32 bits, milliseconds
-constexpr ViAttr VI_ATTR_IO_PROT = 0x3FFF001C;           ///< 16 bits
-constexpr ViAttr VI_ATTR_DMA_ALLOW_EN = 0x3FFF001E;      ///< 16 bits
-constexpr ViAttr VI_ATTR_RD_BUF_OPER_MODE = 0x3FFF002A;  ///< 16 bits
-constexpr ViAttr VI_ATTR_RD_BUF_SIZE = 0x3FFF002B;       ///< 32 bits, bytes
-constexpr ViAttr VI_ATTR_WR_BUF_OPER_MODE = 0x3FFF002D;  ///< 16 bits
-constexpr ViAttr VI_ATTR_WR_BUF_SIZE = 0x3FFF002E;       ///< 32 bits, bytes
-constexpr ViAttr VI_ATTR_SUPPRESS_END_EN = 0x3FFF0036;   ///< 16 bits
 constexpr ViAttr VI_ATTR_TERMCHAR_EN = 0x3FFF0038;       ///< 16 bits
-constexpr ViAttr VI_ATTR_RM_SESSION = 0x3FFF00C4;        ///< 32 bits
 constexpr ViAttr VI_ATTR_RSRC_SPEC_VERSION = 0x3FFF0170; ///< 32 bits: VISA's own version
 constexpr ViAttr VI_ATTR_INTF_TYPE = 0x3FFF0171;         ///< 16 bits
-constexpr ViAttr VI_ATTR_RSRC_MANF_ID = 0x3FFF0175;      ///< 16 bits
 constexpr ViAttr VI_ATTR_INTF_NUM = 0x3FFF0176;          ///< 16 bits
-constexpr ViAttr VI_ATTR_TRIG_ID = 0x3FFF0177;           ///< 16 bits
-constexpr ViAttr VI_ATTR_FILE_APPEND_EN = 0x3FFF0192;    ///< 16 bits
-constexpr ViAttr VI_ATTR_TCPIP_IS_HISLIP = 0x3FFF0303;   ///< 16 bits
 constexpr ViAttr VI_ATTR_RSRC_CLASS = 0xBFFF0001; ///< text of up to 255 bytes, like those below
 constexpr ViAttr VI_ATTR_RSRC_NAME = 0xBFFF0002;
-constexpr ViAttr VI_ATTR_INTF_INST_NAME = 0xBFFF00E9;
 constexpr ViAttr VI_ATTR_RSRC_MANF_NAME = 0xBFFF0174;
 constexpr ViAttr VI_ATTR_TCPIP_ADDR = 0xBFFF0195; ///< empty where it is not known
 constexpr ViAttr VI_ATTR_TCPIP_HOSTNAME = 0xBFFF0196;
 constexpr ViAttr VI_ATTR_TCPIP_DEVICE_NAME = 0xBFFF0199;
 
-// Interface types.
-constexpr ViUInt16 VI_INTF_GPIB = 1;
-constexpr ViUInt16 VI_INTF_VXI = 2;
-constexpr ViUInt16 VI_INTF_GPIB_VXI = 3;
-constexpr ViUInt16 VI_INTF_ASRL = 4;
-constexpr ViUInt16 VI_INTF_PXI = 5;
-constexpr ViUInt16 VI_INTF_TCPIP = 6;
-constexpr ViUInt16 VI_INTF_USB = 7;
-
-constexpr ViUInt16 VI_PROT_NORMAL = 1; ///< I/O protocol
+constexpr ViUInt16 VI_INTF_TCPIP = 6; ///< interface type
 
 /// Size of the buffers for resource strings and attribute texts, in bytes.
 constexpr std::size_t VI_FIND_BUFLEN = 256;

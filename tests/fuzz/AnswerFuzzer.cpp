@@ -9,22 +9,20 @@
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     FuzzedDataProvider input(data, size);
-    const auto before = input.ConsumeIntegralInRange<std::size_t>(0, 4); // sane answers
-    std::size_t calls = 0;
-    const auto bytes = [&](std::size_t most) { return input.ConsumeRandomLengthString(most); };
-    // Whatever it is, the connection ends after it: nobody waits for more.
+    auto usualAnswers = input.ConsumeIntegralInRange(0, 4);
+    // The connection ends after an answer of the fuzzer's, so that nobody waits for more.
     const auto script = [&](const wire::RpcCall &call) -> ScriptedHost::Pieces {
-        if (calls++ < before) {
+        if (usualAnswers-- > 0) {
             return {};
         }
         if (input.ConsumeBool()) {
-            return {bytes(200), bytes(200), ""};
+            return {input.ConsumeRandomLengthString(400), ""};
         }
         const std::string results = wire::xdrWords(
             {input.ConsumeIntegralInRange(0U, 20U), input.ConsumeIntegralInRange(0U, 9U)});
-        const std::string whole = ScriptedHost::reply(call, results + bytes(200)).front();
-        return {whole.substr(0, input.ConsumeIntegralInRange<std::size_t>(1, whole.size())),
-                bytes(50), ""};
+        const std::string rest = input.ConsumeRandomLengthString(200);
+        const std::string whole = ScriptedHost::reply(call, results + rest).front();
+        return {whole.substr(0, input.ConsumeIntegralInRange<std::size_t>(1, whole.size())), ""};
     };
     ScriptedHost host(script, input.ConsumeIntegral<std::uint32_t>());
     lan::Vxi11Link link;

@@ -35,7 +35,7 @@ ViStatus call(FuzzedDataProvider &input, ViObject handle, const char *fileName, 
     ViUInt32 count = 0;
     const auto orNull = [=](auto *pointer) { return isNull ? nullptr : pointer; };
     char *const found = orNull(description.data());
-    const std::array<std::function<ViStatus()>, 18> calls = {
+    const std::array<std::function<ViStatus()>, 17> calls = {
         // A lock would be waited for in vain: no other thread unlocks.
         [&] { return viOpen(handle, name, number16 & ~VI_EXCLUSIVE_LOCK, number, opened); },
         [&] { return viFindRsrc(handle, name, opened, orNull(&count), found); },
@@ -50,7 +50,6 @@ ViStatus call(FuzzedDataProvider &input, ViObject handle, const char *fileName, 
         [&] { return viWrite(handle, reinterpret_cast<const ViByte *>(name), size, &count); },
         [&] { return viRead(handle, orNull(bytes.data()), number16, orNull(&count)); },
         [&] { return viReadToFile(handle, file, number16, orNull(&count)); },
-        [&] { return viWriteFromFile(handle, file, number16, orNull(&count)); },
         [&] { return viClear(handle); },
         [&] { return viReadSTB(handle, orNull(&half)); },
         [&] { return viGpibControlREN(handle, number16); },

@@ -37,11 +37,11 @@ std::vector<std::string> lookUp(const std::string &host, int flags)
 std::optional<std::vector<std::string>> addressesOf(const std::string &host,
                                                     visa::Deadline deadline)
 {
-    std::vector<std::string> numeric = lookUp(host, AI_NUMERICHOST); // asks no server
+    std::vector<std::string> numeric = lookUp(host, AI_NUMERICHOST); // without asking a server
     if (!numeric.empty()) {
         return numeric;
     }
-    // The resolver takes no deadline. Its thread may outlast this call and uses nothing of it.
+    // The resolver takes no deadline. So it runs in a thread that may outlast this call.
     std::promise<std::vector<std::string>> promise;
     std::future<std::vector<std::string>> addresses = promise.get_future();
     std::thread([host, promise = std::move(promise)]() mutable {

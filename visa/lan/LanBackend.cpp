@@ -12,7 +12,7 @@ class LanBackend final : public visa::Backend
 {
 public:
     ViStatus open(const visa::ResourceName &name, visa::Deadline deadline,
-                  std::unique_ptr<visa::Link> *link) override
+                  std::unique_ptr<visa::DeviceConnection> *connection) override
     {
         const auto addresses = addressesOf(name.host, deadline);
         if (!addresses) {
@@ -23,7 +23,7 @@ public:
             auto opened = std::make_unique<Vxi11Link>();
             status = opened->open(address, wire::portmapperPort, name.device, deadline);
             if (status == VI_SUCCESS) {
-                *link = std::move(opened);
+                *connection = std::move(opened);
                 break;
             }
         }
@@ -40,7 +40,7 @@ public:
 
 visa::Backend &visa::backend()
 {
-    // Never destroyed: other threads may use it until the process has ended.
+    // Never destroyed, since other threads may use it until the process has ended.
     static auto *const backend = new lan::LanBackend;
     return *backend;
 }

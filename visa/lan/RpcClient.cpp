@@ -26,15 +26,16 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// More than a device sends in one answer; what it announces beyond is nonsense.
+/// No device sends a longer answer. A record that announces more is an error.
 constexpr std::size_t recordLimit = 64 << 20;
 
-/// A connection on which nothing has been acknowledged for so long is lost.
+/// A connection counts as lost when nothing has been acknowledged for so long.
 constexpr int lostAfter = 10 * 1000;   // ms
 constexpr int lostCheckInterval = 200; // ms
 
-/// What a call takes on a lost connection: 0.1 ms more each time, up to 100 ms. The rest of a
-/// series, some hundred calls, ends soon; a record that is retaken without end does not spin.
+/// How long calls on a lost connection take: each 0.1 ms more than the last one, up to 100 ms. So
+/// the rest of a series, some hundred calls, ends soon, and a client that repeats its calls without
+/// end does not keep the processor busy.
 constexpr milliseconds longestLostCall(100);
 constexpr int callsUntilLongest = 1000;
 
@@ -44,8 +45,8 @@ constexpr int sendFlags = 0; // macOS: the socket has an option instead
 constexpr int sendFlags = MSG_NOSIGNAL;
 #endif
 
-/// Make a socket that waits nowhere, that child processes do not inherit, that sends small calls at
-/// once, and whose idle connection is probed every other second.
+/// Make a socket. It never blocks, child processes do not inherit it, it sends small calls at once,
+/// and it probes an idle connection every other second.
 int openSocket(int family)
 {
     const int socket = ::socket(family, SOCK_STREAM, 0);
@@ -69,8 +70,8 @@ int openSocket(int family)
 }
 
 /// Returns whether the host owes an acknowledgement and has sent none for too long.
-/// TCP_USER_TIMEOUT would count from the oldest byte under way: the links of a series would be
-/// given up one after the other, each after 10 s more.
+/// TCP_USER_TIMEOUT counts from the oldest byte that is not acknowledged. With it, the instruments
+/// of a series would be given up one after the other, each after 10 s more.
 bool isLost([[maybe_unused]] int socket)
 {
 #ifdef __linux__
@@ -80,7 +81,7 @@ bool isLost([[maybe_unused]] int socket)
            info.tcpi_state == TCP_ESTABLISHED && info.tcpi_unacked + info.tcpi_probes > 0 &&
            info.tcpi_last_ack_recv > lostAfter;
 #else
-    return false;                      // macOS gives up by itself, 10 s after the first byte that it sent in vain
+    return false;                      // macOS gives up by itself (TCP_RXT_CONNDROPTIME)
 #endif
 }
 
@@ -89,7 +90,7 @@ ViStatus statusOf(RpcOutcome outcome)
     if (outcome == RpcOutcome::Success) {
         return VI_SUCCESS;
     }
-    const bool isMissing = outcome <= RpcOutcome::ProcedureUnavailable; // or its program is
+    const bool isMissing = outcome <= RpcOutcome::ProcedureUnavailable; // or the whole program
     return isMissing ? VI_ERROR_NSUP_OPER : VI_ERROR_IO;
 }
 
@@ -145,7 +146,7 @@ ViStatus RpcClient::call(const wire::RpcProcedure &procedure, std::string_view a
         if (!reply) {
             return VI_ERROR_IO;
         }
-        if (reply->xid == xid) { // others answer calls that were given up
+        if (reply->xid == xid) { // others answer earlier calls, which have timed out
             *results = reply->results;
             return statusOf(reply->outcome);
         }
@@ -166,7 +167,7 @@ ViStatus RpcClient::send(std::string_view record, visa::Deadline deadline)
         }
         const ViStatus status = wait(POLLOUT, deadline);
         if (status != VI_SUCCESS) {
-            return close(status); // half a call cannot be taken back
+            return close(status); // the host may have received half a call
         }
     }
     return VI_SUCCESS;
@@ -175,7 +176,7 @@ ViStatus RpcClient::send(std::string_view record, visa::Deadline deadline)
 ViStatus RpcClient::receive(visa::Deadline deadline)
 {
     for (;;) {
-        // Before each record: some hosts send old ones without an end.
+        // The deadline holds for all records together: some hosts never stop sending old ones.
         const ViStatus status = wait(POLLIN, deadline);
         if (status != VI_SUCCESS) {
             return status == VI_ERROR_TMO ? status : close(status);
@@ -183,7 +184,7 @@ ViStatus RpcClient::receive(visa::Deadline deadline)
         bool hasEnded = false;
         const auto source = [&](char *to, std::size_t size) -> std::ptrdiff_t {
             if (millisecondsUntil(deadline, 1) == 0) {
-                return 0; // some hosts send a record without an end
+                return 0; // some hosts send a record that never ends
             }
             const ssize_t got = ::recv(socket, to, size, 0);
             hasEnded = got == 0 || (got < 0 && errno != EAGAIN && errno != EINTR);
@@ -246,7 +247,7 @@ ViStatus findPort(const std::string &address, std::uint16_t mapperPort,
     if (status != VI_SUCCESS) {
         return status == VI_ERROR_TMO ? VI_ERROR_TMO : VI_ERROR_RSRC_NFOUND;
     }
-    std::uint32_t found = 0; // which is what the portmapper answers, too, when there is none
+    std::uint32_t found = 0; // also the portmapper's answer when there is no such program
     wire::XdrReader(results) >> found;
     *port = static_cast<std::uint16_t>(found);
     return found > 0 && found <= std::numeric_limits<std::uint16_t>::max() ? VI_SUCCESS

@@ -8,8 +8,9 @@
 
 namespace lan {
 
-/// A connection to a host, over which procedures are called; threads may use it in turns. Statuses
-/// are VISA's. A host that has acknowledged nothing for 10 s counts as lost.
+/// A connection to a host whose procedures are called. One thread at a time may use it. Its
+/// functions return VISA statuses. The connection is lost when nothing has been acknowledged for 10
+/// s.
 class RpcClient
 {
 public:
@@ -18,17 +19,17 @@ public:
     RpcClient &operator=(const RpcClient &) = delete;
     ~RpcClient();
 
-    /// Connect to a numeric address. VI_ERROR_TMO, or VI_ERROR_RSRC_NFOUND when nothing listens
-    /// there.
+    /// Connect to a numeric address. Returns VI_ERROR_TMO, or VI_ERROR_RSRC_NFOUND when nothing
+    /// listens there.
     ViStatus connectTo(const std::string &address, std::uint16_t port, visa::Deadline deadline);
 
-    /// Call a procedure and wait for its results, which are there until the next call.
-    /// VI_ERROR_TMO; VI_ERROR_NSUP_OPER when the host does not have it; VI_ERROR_IO when the answer
-    /// makes no sense; VI_ERROR_CONN_LOST, also ever after.
+    /// Call a procedure and wait for its results, which are valid until the next call. Returns
+    /// VI_ERROR_TMO; VI_ERROR_NSUP_OPER when the host does not have the procedure; VI_ERROR_IO when
+    /// the answer is malformed; VI_ERROR_CONN_LOST when the connection is lost.
     ViStatus call(const wire::RpcProcedure &procedure, std::string_view arguments,
                   visa::Deadline deadline, std::string_view *results);
 
-    /// Returns whether calls can reach the host, as far as is known.
+    /// Returns false once the connection is known to be lost.
     [[nodiscard]] bool isConnected() const { return socket >= 0; }
 
 private:
@@ -44,8 +45,8 @@ private:
     std::uint32_t xid;
 };
 
-/// Ask the portmapper of a host at `mapperPort` for the TCP port of a program. VI_ERROR_TMO, or
-/// VI_ERROR_RSRC_NFOUND when there is no portmapper or no such program.
+/// Ask the portmapper of a host at `mapperPort` for the TCP port of a program. Returns
+/// VI_ERROR_TMO, or VI_ERROR_RSRC_NFOUND when there is no portmapper or no such program.
 ViStatus findPort(const std::string &address, std::uint16_t mapperPort,
                   const wire::RpcProcedure &program, visa::Deadline deadline, std::uint16_t *port);
 

@@ -22,11 +22,11 @@ using std::chrono::milliseconds;
 /// The time for an answer to arrive once the device's own time-out has elapsed.
 constexpr milliseconds answerMargin(500);
 constexpr milliseconds closingTime(1000);
-/// The longest time-out that is sent; devices take the largest number for a negative one.
+/// The longest time-out that is sent, since devices may take the largest numbers for negative ones.
 constexpr int longestTimeout = 3600 * 1000; // ms
 /// Bytes asked for, or sent, in one call.
 constexpr std::size_t largestTransfer = 16 << 20;
-/// What a device must take (VXI-11, B.6.3), for those that say 0.
+/// What every device must take in one call (VXI-11, B.6.3). Some say 0 instead of their size.
 constexpr std::uint32_t leastReceiveSize = 1024;
 
 Deadline answerBy(Deadline deadline)
@@ -34,7 +34,7 @@ Deadline answerBy(Deadline deadline)
     return deadline > Deadline::max() - answerMargin ? deadline : deadline + answerMargin;
 }
 
-/// The time-out for a device. To some, 0 is for ever; to others, at once.
+/// Returns the time-out for a device: never 0, which some devices take for ever and others at once.
 std::uint32_t ioTimeout(Deadline deadline)
 {
     return static_cast<std::uint32_t>(std::max(1, millisecondsUntil(deadline, longestTimeout)));
@@ -50,7 +50,7 @@ ViStatus statusOf(std::uint32_t error)
     case vxi11::NotAccessible:
     case vxi11::InvalidAddress:
         return VI_ERROR_RSRC_NFOUND;
-    case vxi11::InvalidLink: // the device has started anew
+    case vxi11::InvalidLink: // the device has been restarted
         return VI_ERROR_CONN_LOST;
     case vxi11::NotSupported:
         return VI_ERROR_NSUP_OPER;
@@ -86,7 +86,7 @@ ViStatus Vxi11Link::open(const std::string &address, std::uint16_t mapperPort,
     }
     std::string_view results;
     if (status == VI_SUCCESS) {
-        // No lock, and no wait for one: its time-out is 0.
+        // The link is created without a lock, and the time-out for one is 0.
         status = call(vxi11::CreateLink,
                       xdrWords({static_cast<std::uint32_t>(process), 0, 0}) + xdrOpaque(device),
                       deadline, &results);
@@ -111,8 +111,8 @@ void Vxi11Link::close(Deadline deadline)
     isOpen = false;
 }
 
-/// Call a procedure; the results are those behind the error code, also with an error. They are
-/// there until the next call.
+/// Call a procedure. The results are what follows the error code, also after an error. They are
+/// valid until the next call.
 ViStatus Vxi11Link::call(vxi11::Procedure procedure, std::string_view arguments, Deadline answer,
                          std::string_view *results)
 {
@@ -134,14 +134,14 @@ ViStatus Vxi11Link::call(vxi11::Procedure procedure, std::string_view arguments,
 ViStatus Vxi11Link::callGeneric(vxi11::Procedure procedure, Deadline deadline,
                                 std::string_view *results)
 {
-    // Without flags, and without a wait for another's lock.
+    // Without flags, and without time to wait for another's lock.
     return call(procedure, xdrWords({id, 0, 0, ioTimeout(deadline)}), answerBy(deadline), results);
 }
 
 ViStatus Vxi11Link::write(const ViByte *bytes, std::size_t count, bool end, Deadline deadline,
                           std::size_t *written)
 {
-    forget(); // what is left of an answer belongs to what was asked before
+    forget(); // the rest of an answer belongs to an earlier message
     *written = 0;
     while (*written < count) {
         const std::size_t size =
@@ -171,7 +171,7 @@ visa::ReadOutcome Vxi11Link::read(ViByte *buffer, std::size_t count,
     while (!isDone && outcome.status == VI_SUCCESS) {
         const std::size_t before = outcome.count;
         outcome.status = fetch(count - before, termination, deadline);
-        // The longest time-out that can be sent is not the caller's.
+        // The caller's time-out may be longer than the longest that can be sent.
         if (outcome.status == VI_ERROR_TMO && ioTimeout(deadline) == longestTimeout) {
             outcome.status = VI_SUCCESS;
         }
@@ -180,14 +180,15 @@ visa::ReadOutcome Vxi11Link::read(ViByte *buffer, std::size_t count,
         if (goesOn && millisecondsUntil(deadline, 1) == 0) {
             outcome.status = VI_ERROR_TMO;
         } else if (goesOn && outcome.count == before) {
-            std::this_thread::sleep_for(milliseconds(1)); // it may have nothing for long yet
+            std::this_thread::sleep_for(
+                milliseconds(1)); // some devices answer at once that they have nothing
         }
     }
     keepRest();
     return outcome;
 }
 
-/// Ask the device for bytes, when all before have been handed out.
+/// Ask the device for bytes. All earlier ones have been handed out.
 ViStatus Vxi11Link::fetch(std::size_t count, std::optional<ViByte> termination, Deadline deadline)
 {
     forget();
@@ -208,8 +209,8 @@ ViStatus Vxi11Link::fetch(std::size_t count, std::optional<ViByte> termination, 
     return status;
 }
 
-/// Hand out what was fetched; true when that ends the read. The device's word for why its answer
-/// ended is taken for END only: it may have sent more than fits, or have no eye for the character.
+/// Hand out what was fetched. Returns whether that ends the read. Of the device's reasons only END
+/// counts: some devices send more than was asked for, and some ignore the termination character.
 bool Vxi11Link::handOut(ViByte *buffer, std::size_t count, std::optional<ViByte> termination,
                         visa::ReadOutcome *outcome)
 {
@@ -235,7 +236,7 @@ bool Vxi11Link::handOut(ViByte *buffer, std::size_t count, std::optional<ViByte>
     return outcome->count == count;
 }
 
-/// Keep what was fetched and not handed out beyond the next call, in memory of its own.
+/// Copy what was fetched and not handed out, since the next call overwrites it.
 void Vxi11Link::keepRest()
 {
     kept = std::string(fetched);
@@ -270,17 +271,9 @@ ViStatus Vxi11Link::readStatusByte(Deadline deadline, ViUInt8 *statusByte)
     return status != VI_SUCCESS || from.isOk() ? status : VI_ERROR_IO;
 }
 
-ViStatus Vxi11Link::controlRemote(ViUInt16 mode, Deadline deadline)
+ViStatus Vxi11Link::goToLocal(Deadline deadline)
 {
-    // VXI-11 knows the device as a whole, not the lines of its bus (VPP-4.3, table 6.5.1).
-    constexpr ViUInt16 assertAndAddress = 3;
-    constexpr ViUInt16 assertAddressAndLockOut = 5;
-    if (mode == VI_GPIB_REN_ADDRESS_GTL) {
-        return callGeneric(vxi11::DeviceLocal, deadline);
-    }
-    return mode == assertAndAddress || mode == assertAddressAndLockOut
-               ? callGeneric(vxi11::DeviceRemote, deadline)
-               : VI_ERROR_NSUP_OPER;
+    return callGeneric(vxi11::DeviceLocal, deadline);
 }
 
 ViStatus Vxi11Link::lock(Deadline deadline)
@@ -289,7 +282,7 @@ ViStatus Vxi11Link::lock(Deadline deadline)
     const std::uint32_t flags = timeout > 0 ? vxi11::WaitLock : 0U;
     const ViStatus status =
         call(vxi11::DeviceLock, xdrWords({id, flags, timeout}), answerBy(deadline));
-    return status == VI_ERROR_RSRC_LOCKED ? VI_ERROR_TMO : status; // as viLock has it
+    return status == VI_ERROR_RSRC_LOCKED ? VI_ERROR_TMO : status; // viLock's status
 }
 
 ViStatus Vxi11Link::unlock(Deadline deadline)

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "visa/DeviceConnection.h"
 #include "visa/lan/RpcClient.h"
-#include "visa/Link.h"
 #include "visa/VisaTypes.h"
 #include "visa/wire/Vxi11.h"
 
@@ -11,15 +11,15 @@
 namespace lan {
 
 /// A link to a device by VXI-11. A child process does not destroy the links of its parent.
-class Vxi11Link final : public visa::Link
+class Vxi11Link final : public visa::DeviceConnection
 {
 public:
     Vxi11Link() = default;
     ~Vxi11Link() override;
 
-    /// Find the core channel's port with the portmapper at `mapperPort`, connect, create the link.
-    /// VI_ERROR_TMO; VI_ERROR_RSRC_NFOUND when there is no such device; VI_ERROR_ALLOC when it has
-    /// no link left.
+    /// Ask the portmapper at `mapperPort` for the core channel, connect and create the link.
+    /// Returns VI_ERROR_TMO; VI_ERROR_RSRC_NFOUND when there is no such device; VI_ERROR_ALLOC when
+    /// it has no link left.
     ViStatus open(const std::string &address, std::uint16_t mapperPort, const std::string &device,
                   visa::Deadline deadline);
 
@@ -30,7 +30,7 @@ public:
     ViStatus clear(visa::Deadline deadline) override;
     ViStatus trigger(visa::Deadline deadline) override;
     ViStatus readStatusByte(visa::Deadline deadline, ViUInt8 *statusByte) override;
-    ViStatus controlRemote(ViUInt16 mode, visa::Deadline deadline) override;
+    ViStatus goToLocal(visa::Deadline deadline) override;
     ViStatus lock(visa::Deadline deadline) override;
     ViStatus unlock(visa::Deadline deadline) override;
     [[nodiscard]] std::string address() const override { return host; }
@@ -51,11 +51,11 @@ private:
     std::string host;
     const pid_t process = getpid();
     bool isOpen = false;
-    std::uint32_t id = 0; // every number is a link's, 0 too
+    std::uint32_t id = 0; // any number may be a link's, 0 too
     std::uint32_t receiveSize = 0;
-    std::string_view fetched; // from the device, and not yet handed out
+    std::string_view fetched; // received from the device, and not yet handed out
     bool fetchedEnd = false;  // its last byte came with END
-    std::string kept;         // what is fetched, from one read to the next
+    std::string kept;         // the bytes of `fetched`, from one read to the next
 };
 
 } // namespace lan

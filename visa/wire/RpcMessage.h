@@ -12,7 +12,7 @@ namespace wire {
 
 // Messages of ONC remote procedure calls (RFC 5531) and the records that carry them over TCP.
 
-/// What is called.
+/// The procedure that a call names.
 struct RpcProcedure
 {
     std::uint32_t program = 0;
@@ -20,7 +20,7 @@ struct RpcProcedure
     std::uint32_t procedure = 0;
 };
 
-/// How a call was taken (RFC 5531, accept_stat); calls that are denied count as SystemError.
+/// The outcome of a call (RFC 5531, accept_stat). Calls that are denied count as SystemError.
 enum class RpcOutcome : std::uint32_t
 {
     Success = 0,
@@ -44,7 +44,7 @@ struct RpcReply
 {
     std::uint32_t xid = 0;
     RpcOutcome outcome = RpcOutcome::Success;
-    std::string_view results; ///< of a success; of a mismatch, the lowest and the highest version
+    std::string_view results; ///< after a mismatch, the lowest and the highest version
 };
 
 /// Encode a call without credentials, without the mark of a record.
@@ -53,14 +53,14 @@ std::string encodedCall(std::uint32_t xid, const RpcProcedure &procedure,
 /// Encode a reply, without the mark of a record.
 std::string encodedReply(std::uint32_t xid, RpcOutcome outcome, std::string_view results = {});
 
-/// Decode a call, a reply. Nothing when the message is something else.
+/// Decode a call or a reply. Returns nothing when the message is something else.
 std::optional<RpcCall> decodedCall(std::string_view message);
 std::optional<RpcReply> decodedReply(std::string_view message);
 
 /// Returns a message as a record of one fragment (RFC 5531, 11).
 std::string asRecord(std::string_view message);
 
-/// Puts a record together from its fragments, as they arrive.
+/// Assembles a record from its fragments as they arrive.
 class RecordReader
 {
 public:
@@ -68,15 +68,16 @@ public:
     {
         Incomplete,
         Complete,
-        TooLong, ///< nothing after it can be understood
+        TooLong, ///< beyond the limit; what follows cannot be understood
     };
-    /// Takes up to `size` bytes that have arrived; returns how many, or less than 1 without any.
+    /// Takes up to `size` bytes that have arrived. Returns how many; less than 1 when there are
+    /// none.
     using Source = std::function<std::ptrdiff_t(char *to, std::size_t size)>;
 
     /// A reader of records of at most `limit` bytes.
     explicit RecordReader(std::size_t limit) : limit(limit) {}
 
-    /// Read on, until the record is complete or nothing more has arrived. Memory grows with the
+    /// Read until the record is complete or nothing more has arrived. Memory grows with the
     /// bytes that arrive, not with those that a fragment announces.
     State read(const Source &source);
     /// Returns the complete record, and begins with the next.

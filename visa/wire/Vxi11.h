@@ -11,7 +11,7 @@ constexpr std::uint32_t coreVersion = 1;
 
 enum Procedure : std::uint32_t
 {
-    Null = 0, ///< of every program: does nothing
+    Null = 0, ///< does nothing; every program has it
     CreateLink = 10,
     DeviceWrite = 11,
     DeviceRead = 12,
@@ -35,7 +35,7 @@ enum Flag : std::uint32_t
     TermCharSet = 0x80,
 };
 
-/// Why a read ended; several may hold. 0: the device has no more room, and goes on if asked.
+/// Why a read ended; several may hold. With 0, the device has more to send in the next read.
 enum Reason : std::uint32_t
 {
     RequestCount = 1,

@@ -16,8 +16,8 @@ std::string xdrWords(std::initializer_list<std::uint32_t> words);
 /// Encode opaque bytes or a string: the length, the bytes, zeros up to a whole word.
 std::string xdrOpaque(std::string_view bytes);
 
-/// Reads a message from its front. What is read past its end is 0 or empty, and the reader is not
-/// ok from then on.
+/// Reads a message from its front. A value that is missing is read as 0 or empty; isOk() is false
+/// from then on.
 class XdrReader
 {
 public:
@@ -31,7 +31,7 @@ public:
 
     /// Returns what has not been read yet.
     [[nodiscard]] std::string_view rest() const { return left; }
-    /// Returns whether all that was read was there.
+    /// Returns whether the message had all values that were read.
     [[nodiscard]] bool isOk() const { return ok; }
 
 private:

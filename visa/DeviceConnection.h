@@ -16,12 +16,12 @@ struct ResourceName;
 /// Why a read ended without an error.
 enum class ReadEnd
 {
-    Count,                ///< as many bytes as were asked for, and more to come
+    Count,                ///< as many bytes as were asked for; there are more
     TerminationCharacter, ///< the last byte is the termination character
     End,                  ///< the last byte came with END (IEEE 488.1), whatever byte it is
 };
 
-/// What became of a read. After an error the bytes before it count, too.
+/// The outcome of a read. Bytes may have been read before an error.
 struct ReadOutcome
 {
     ViStatus status = 0; ///< 0, or an error
@@ -29,18 +29,18 @@ struct ReadOutcome
     ReadEnd end = ReadEnd::Count;
 };
 
-/// One client's connection to one device; the destructor ends it. Every call ends by its deadline
-/// and returns 0 or a negative VISA status: VI_ERROR_TMO, VI_ERROR_CONN_LOST, VI_ERROR_IO,
-/// VI_ERROR_RSRC_LOCKED, VI_ERROR_NSUP_OPER. Calls on one link never overlap.
-class Link
+/// One client's connection to one device; the destructor ends it. One thread at a time may use it.
+/// Every call ends by its deadline. It returns 0 or an error: VI_ERROR_TMO, VI_ERROR_CONN_LOST,
+/// VI_ERROR_IO, VI_ERROR_RSRC_LOCKED or VI_ERROR_NSUP_OPER.
+class DeviceConnection
 {
 public:
-    Link() = default;
-    Link(const Link &) = delete;
-    Link &operator=(const Link &) = delete;
-    virtual ~Link() = default;
+    DeviceConnection() = default;
+    DeviceConnection(const DeviceConnection &) = delete;
+    DeviceConnection &operator=(const DeviceConnection &) = delete;
+    virtual ~DeviceConnection() = default;
 
-    /// Write bytes, the last one with END if wanted. Sets written in any case.
+    /// Write bytes, the last one with END if wanted. Sets the number written, also after an error.
     virtual ViStatus write(const ViByte *bytes, std::size_t count, bool end, Deadline deadline,
                            std::size_t *written) = 0;
     /// Read at most count bytes, up to END or the termination character, if there is one. END
@@ -53,18 +53,19 @@ public:
     virtual ViStatus trigger(Deadline deadline) = 0;
     /// Read the status byte (IEEE 488.2 11.2).
     virtual ViStatus readStatusByte(Deadline deadline, ViUInt8 *statusByte) = 0;
-    /// Control remote and local state; the modes are those of viGpibControlREN.
-    virtual ViStatus controlRemote(ViUInt16 mode, Deadline deadline) = 0;
-    /// Lock the device for this link, waiting for other links' locks until the deadline; unlock.
+    /// Let the device's own controls operate it again.
+    virtual ViStatus goToLocal(Deadline deadline) = 0;
+    /// Lock the device for this connection. While others have locked it, wait until the deadline.
     virtual ViStatus lock(Deadline deadline) = 0;
+    /// Unlock the device.
     virtual ViStatus unlock(Deadline deadline) = 0;
-    /// Returns the device's IP address, empty where there is none.
+    /// Returns the device's IP address; empty when it has none.
     [[nodiscard]] virtual std::string address() const { return {}; }
-    /// End the connection by the deadline, where that takes time. Calls after it fail.
+    /// End the connection, by the deadline. Later calls fail.
     virtual void close(Deadline /*deadline*/) {}
 };
 
-/// Where devices are found and links come from.
+/// Finds devices and connects to them.
 class Backend
 {
 public:
@@ -73,15 +74,16 @@ public:
     Backend &operator=(const Backend &) = delete;
     virtual ~Backend() = default;
 
-    /// Connect to the device that a TCPIP INSTR resource names. Returns 0, or a negative status:
-    /// VI_ERROR_RSRC_NFOUND when there is none, VI_ERROR_TMO, VI_ERROR_ALLOC.
+    /// Connect to a device. Returns VI_ERROR_RSRC_NFOUND when there is no such device,
+    /// VI_ERROR_TMO, or VI_ERROR_ALLOC when it takes no more clients.
     virtual ViStatus open(const ResourceName &name, Deadline deadline,
-                          std::unique_ptr<Link> *link) = 0;
-    /// List full resource strings of the devices that can be found, in the order of the listing.
+                          std::unique_ptr<DeviceConnection> *connection) = 0;
+    /// Returns the full resource strings of the devices, in the order in which viFindRsrc lists
+    /// them.
     virtual std::vector<std::string> list() = 0;
 };
 
-/// Give access to the backend of the library that is linked; every VISA library defines it, once.
+/// Returns the backend. Each VISA library defines this function.
 Backend &backend();
 
 } // namespace visa
