@@ -14,12 +14,19 @@
 
 #include <algorithm>
 
+namespace {
+
+constexpr int lookInterval = 500; // milliseconds
+
+} // namespace
+
 bool ResultsWindow::open(const QStringList &filesAndFolders)
 {
     files.follow(filesAndFolders);
-    const QStringList said = rescan();
+    rescan();
     fitList();
     list->setFocus();
+    const QStringList said = problems.values();
     if (seriesTable->rowCount() == 0 && said.isEmpty()) {
         text->setPlainText("No series in " + QDir::toNativeSeparators(resultsFolder()) +
                            " yet: measure with Save checked, or open files (Ctrl+O).");
@@ -32,20 +39,16 @@ bool ResultsWindow::open(const QStringList &filesAndFolders)
     return said.isEmpty();
 }
 
-QStringList ResultsWindow::rescan()
+void ResultsWindow::rescan()
 {
-    if (isLoading) {
-        files.lookSoon();
-        return {};
-    }
     const LiveFiles::Changes changes = files.findChanges();
     const int row = list->selectionModel()->selectedRows().value(0).row();
     const int count = seriesTable->rowCount();
-    seriesTable->remove(changes.gone);
     for (const QString &file : changes.gone) {
+        seriesTable->remove(file);
         problems.remove(file);
     }
-    QStringList said = load(changes.changed);
+    load(changes.changed);
     showGaps();
     selectSomething(row);
     if (std::any_of(selection.cbegin(), selection.cend(), [&changes](const Series &shown) {
@@ -54,24 +57,18 @@ QStringList ResultsWindow::rescan()
         select();
     }
     if (count > 0 && seriesTable->rowCount() > count) {
-        statusBar()->showMessage("New: " + seriesName(seriesTable->at(count)));
+        statusBar()->showMessage("New: " + seriesTable->item(count)->text());
     }
-    return said;
 }
 
-QStringList ResultsWindow::load(const QStringList &changed)
+void ResultsWindow::load(const QStringList &changed)
 {
-    if (changed.isEmpty()) {
-        return {};
-    }
-    isLoading = true;
+    look.stop(); // the progress bar handles events
     idle.stop();
     QProgressDialog dialog("Reading series", "Cancel", 0, changed.size(), this);
     dialog.setWindowModality(Qt::WindowModal);
     constexpr int patience = 400; // milliseconds
     dialog.setMinimumDuration(patience);
-    QVector<Series> loaded;
-    QStringList said;
     int done = 0;
     for (; done < changed.size() && !dialog.wasCanceled(); ++done) {
         const QString &file = changed[done];
@@ -79,20 +76,17 @@ QStringList ResultsWindow::load(const QStringList &changed)
         QString reason;
         problems.remove(file);
         if (openResults(file, &series, &reason)) {
-            loaded += series;
+            seriesTable->put(series);
         } else if (file != resultsFolder()) { // before the first series nothing is wrong with it
             problems[file] = QFileInfo(file).isDir() ? file + " is a folder without results files."
                                                      : file + ' ' + reason + '.';
-            said += problems[file];
-            seriesTable->remove({file});
+            seriesTable->remove(file);
         }
         dialog.setValue(done + 1);
     }
     leftOut += changed.size() - done;
-    seriesTable->add(loaded);
-    isLoading = false;
+    look.start(lookInterval);
     idle.start();
-    return said;
 }
 
 void ResultsWindow::readTraces()
