@@ -41,11 +41,11 @@ void Navigation::showPart(const QRectF &part, double factor, const QPointF &fixe
 
 QwtText Navigation::trackerText(const QPoint &place) const
 {
-    QwtText text = QwtPlotZoomer::trackerText(place);
-    if (placeText && !isActive()) {
-        text = QwtText(placeText(place), QwtText::PlainText);
-        text.setRenderFlags(Qt::AlignLeft);
-    }
+    const QPointF at = invTransform(place);
+    QwtText text(placeText ? placeText(place)
+                           : QString("%1, %2").arg(at.x(), 0, 'f', 2).arg(at.y(), 0, 'f', 2),
+                 QwtText::PlainText);
+    text.setRenderFlags(Qt::AlignLeft);
     text.setBackgroundBrush(Qt::white);
     return text;
 }

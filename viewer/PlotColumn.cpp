@@ -43,8 +43,7 @@ void PlotColumn::showEvent(QShowEvent * /*event*/)
             text = [this, i](const QPoint &place) { return placeText(i, place); };
         }
         navigations += new Navigation(shown[i], text);
-        constexpr int least = 60; // pixels: what a plot asks for itself is too much for three
-        shown[i]->setMinimumSize(2 * least, least);
+        shown[i]->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored); // all the same room
         layout()->addWidget(shown[i]);
         connect(shown[i]->axisWidget(QwtPlot::yLeft), &QwtScaleWidget::scaleDivChanged, this,
                 &PlotColumn::alignCanvases);
@@ -65,6 +64,10 @@ void PlotColumn::shareAxis()
     }
     for (QwtPlot *plot : qAsConst(sharing)) {
         plot->setAxisScale(QwtPlot::xBottom, all.minValue(), all.maxValue());
+        // Room for half a label at either end, the same whatever labels there are.
+        const int half =
+            QFontMetrics(plot->axisFont(QwtPlot::xBottom)).horizontalAdvance("1000000") / 2;
+        plot->axisWidget(QwtPlot::xBottom)->setMinBorderDist(half, half);
         connect(plot->axisWidget(QwtPlot::xBottom), &QwtScaleWidget::scaleDivChanged, this,
                 [plot, sharing] {
                     const QwtScaleDiv &axis = plot->axisScaleDiv(QwtPlot::xBottom);

@@ -94,16 +94,13 @@ void ResultsWindow::save(const QString &title, const QString &filters, const Wri
     for (const Series &series : qAsConst(selection)) {
         names += QFileInfo(series.fileName).completeBaseName().remove("_Results");
     }
-    const auto propose = [&dialog](const QString &name) {
-        const QString suffix = dialog.selectedNameFilter().section("*.", 1).section(')', 0, 0);
-        dialog.setDefaultSuffix(suffix);
-        dialog.selectFile(name + '.' + suffix);
+    // Of a name without one; Qt itself changes an ending as the type is changed.
+    const auto setSuffix = [&dialog] {
+        dialog.setDefaultSuffix(dialog.selectedNameFilter().section("*.", 1).section(')', 0, 0));
     };
-    propose(names.join(" and "));
-    connect(&dialog, &QFileDialog::filterSelected, &dialog, [&] {
-        const QFileInfo chosen(dialog.selectedFiles().value(0));
-        propose(chosen.completeBaseName());
-    });
+    connect(&dialog, &QFileDialog::filterSelected, &dialog, setSuffix);
+    setSuffix();
+    dialog.selectFile(names.join(" and ") + '.' + dialog.defaultSuffix());
     if (dialog.exec() != QDialog::Accepted) {
         return;
     }

@@ -11,7 +11,7 @@
 namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
-const QStringList headings{"Series", "Count", "RF / ms", "HDMI / ms", "Sink / ms", "Flags"};
+const QStringList headings{"Series (medians in ms)", "Count", "RF", "HDMI", "Sink", "Flags"};
 
 /// What stands in a cell, and what it is sorted by.
 struct Cell
