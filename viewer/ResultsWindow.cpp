@@ -90,6 +90,7 @@ ResultsWindow::ResultsWindow()
     sorted->setFilterCaseSensitivity(Qt::CaseInsensitive);
     list->setSortingEnabled(true);
     list->sortByColumn(0, Qt::DescendingOrder);
+    list->horizontalHeader()->setResizeContentsPrecision(0); // by what is seen: there may be many
     list->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     list->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch); // the others are seen
     values->horizontalHeader()->setStretchLastSection(true);
@@ -212,13 +213,14 @@ void ResultsWindow::select()
                              : chosen.size() == 1 && seriesTable->rowCount() > 1
                                  ? "Select a second series with Ctrl to compare the two."
                                  : "");
-    QVector<int> rows; // before reading may move them in the list
+    QStringList fileNames; // before reading may move them in the list
     for (const QModelIndex &index : chosen.mid(0, 2)) {
-        rows += sorted->mapToSource(index).row();
+        fileNames += index.data(SeriesTable::FileRole).toString();
     }
     selection.clear();
-    for (const int row : qAsConst(rows)) {
-        selection += seriesTable->readTraces(row);
+    for (const QString &fileName : qAsConst(fileNames)) {
+        seriesTable->readTraces(fileName);
+        selection += seriesTable->at(fileName);
     }
     std::stable_sort(selection.begin(), selection.end(),
                      [](const Series &a, const Series &b) { return a.time < b.time; });

@@ -56,7 +56,7 @@ private:
     /// Read the results of these files, with a progress bar, which shows when that takes long, and
     /// a way to stop.
     void load(const QStringList &changed);
-    /// Read the traces of one series. Called while there is nothing else to do.
+    /// Read the traces of some series. Called while there is nothing else to do.
     void readTraces();
     /// Say for good what the list does not have.
     void showGaps();
@@ -88,7 +88,8 @@ private:
     QVector<Series> selection; ///< one or two
     LiveFiles files;
     QMap<QString, QString> problems; ///< why files cannot be read
-    int leftOut = 0;                 ///< files that were not read, as somebody stopped it
-    QTimer idle;                     ///< runs out when there is nothing else to do
-    QTimer look;                     ///< runs out when files may have changed
+    QStringList unread; ///< files of series whose traces are to be read: the newest first
+    int leftOut = 0;    ///< files that were not read, as somebody stopped it
+    QTimer idle;        ///< runs out when there is nothing else to do
+    QTimer look;        ///< runs out when files may have changed
 };

@@ -5,6 +5,7 @@
 #include "viewer/SeriesTable.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QProgressDialog>
@@ -69,6 +70,7 @@ void ResultsWindow::load(const QStringList &changed)
     dialog.setWindowModality(Qt::WindowModal);
     constexpr int patience = 400; // milliseconds
     dialog.setMinimumDuration(patience);
+    QVector<Series> loaded; // to be shown at once: each in turn would have the list painted
     int done = 0;
     for (; done < changed.size() && !dialog.wasCanceled(); ++done) {
         const QString &file = changed[done];
@@ -76,7 +78,7 @@ void ResultsWindow::load(const QStringList &changed)
         QString reason;
         problems.remove(file);
         if (openResults(file, &series, &reason)) {
-            seriesTable->put(series);
+            loaded += series;
         } else if (file != resultsFolder()) { // before the first series nothing is wrong with it
             problems[file] = QFileInfo(file).isDir() ? file + " is a folder without results files."
                                                      : file + ' ' + reason + '.';
@@ -84,6 +86,10 @@ void ResultsWindow::load(const QStringList &changed)
         }
         dialog.setValue(done + 1);
     }
+    for (const Series &series : qAsConst(loaded)) {
+        seriesTable->put(series);
+    }
+    unread = changed + unread;
     leftOut += changed.size() - done;
     look.start(lookInterval);
     idle.start();
@@ -91,11 +97,14 @@ void ResultsWindow::load(const QStringList &changed)
 
 void ResultsWindow::readTraces()
 {
-    const int row = seriesTable->findUnread();
-    if (row >= 0) {
-        seriesTable->readTraces(row);
-    } else {
-        idle.stop();
+    constexpr int slice = 30; // milliseconds, in which nobody waits
+    QElapsedTimer time;
+    for (time.start(); !time.hasExpired(slice);) {
+        if (unread.isEmpty()) {
+            idle.stop();
+            return;
+        }
+        seriesTable->readTraces(unread.takeFirst());
     }
 }
 

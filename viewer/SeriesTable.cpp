@@ -4,6 +4,7 @@
 #include "analysis/Statistics.h"
 
 #include <QFileInfo>
+#include <QSignalBlocker>
 #include <QTextDocument>
 
 #include <limits>
@@ -61,6 +62,7 @@ void SeriesTable::put(const Series &series)
     entry.series = series;
     const bool isNew = entry.cells.isEmpty();
     const QVector<Cell> cells = cellsOf(series);
+    QSignalBlocker blocker(this); // one signal for all cells
     for (int column = 0; column < cells.size(); ++column) {
         if (isNew) {
             entry.cells += new QStandardItem;
@@ -75,8 +77,11 @@ void SeriesTable::put(const Series &series)
     name->setData(name->text() + ' ' + QFileInfo(series.fileName).fileName(), FilterRole);
     name->setToolTip( // which would take a name for HTML
         Qt::convertFromPlainText(series.fileName + '\n' + series.oscilloscope.remark));
+    blocker.unblock();
     if (isNew) {
         appendRow(entry.cells);
+    } else {
+        emit dataChanged(name->index(), entry.cells.last()->index());
     }
 }
 
@@ -88,24 +93,11 @@ void SeriesTable::remove(const QString &fileName)
     }
 }
 
-const Series &SeriesTable::readTraces(int row)
+void SeriesTable::readTraces(const QString &fileName)
 {
-    Entry &entry = entries[item(row)->data(FileRole).toString()];
-    if (!entry.series.hasReadTraces) {
-        addTraces(&entry.series);
-        put(entry.series);
+    Series series = at(fileName);
+    if (entries.contains(fileName) && !series.hasReadTraces) {
+        addTraces(&series);
+        put(series);
     }
-    return entry.series;
-}
-
-int SeriesTable::findUnread() const
-{
-    const Entry *newest = nullptr;
-    for (const Entry &entry : entries) {
-        if (!entry.series.hasReadTraces &&
-            (newest == nullptr || newest->series.time < entry.series.time)) {
-            newest = &entry;
-        }
-    }
-    return newest == nullptr ? -1 : newest->cells[0]->row();
 }

@@ -23,11 +23,10 @@ public:
     void put(const Series &series);
     /// Remove the series of a file, if there is one.
     void remove(const QString &fileName);
-    /// Returns the series in a row, with its traces read.
-    const Series &readTraces(int row);
-    /// Returns the row of the newest series of which the traces were not read yet; -1 when there is
-    /// none.
-    [[nodiscard]] int findUnread() const;
+    /// Read the traces of the series of a file, if there is one and they were not read yet.
+    void readTraces(const QString &fileName);
+    /// Returns the series of a file; an empty one when there is none.
+    [[nodiscard]] Series at(const QString &fileName) const { return entries[fileName].series; }
 
 private:
     struct Entry
