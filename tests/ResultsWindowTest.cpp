@@ -164,6 +164,11 @@ private slots:
         QCOMPARE(QApplication::clipboard()->text(),
                  QString("2026-03-06 08:00:00\t2\t45\t94\t120\t"));
 
+        list->sortByColumn(5, Qt::AscendingOrder); // which moves rows as their traces are read
+        QTest::keyClick(window.get(), Qt::Key_F5);
+        QCOMPARE(cell(values, 0, 2), QString("100"));
+        QCOMPARE(cell(values, 1, 2), QString("46"));
+
         list->sortByColumn(2, Qt::DescendingOrder); // by numbers: as texts, 100 is less than 45
         QCOMPARE(cell(list, 0, 1), QString("1"));
         window->findChild<QLineEdit *>()->setText("03-06 08");
@@ -176,7 +181,7 @@ private slots:
     {
         QTest::addColumn<Qt::Key>("key"); // with Ctrl
         QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("fileName");
+        QTest::addColumn<QString>("written");
         QTest::addColumn<QByteArray>("beginning");
         QTest::newRow("view") << Qt::Key_E << "view.svg"
                               << "view.svg" << QByteArray("<?xml");
@@ -188,7 +193,7 @@ private slots:
     {
         QFETCH(const Qt::Key, key);
         QFETCH(const QString, typed);
-        QFETCH(const QString, fileName);
+        QFETCH(const QString, written);
         QFETCH(const QByteArray, beginning);
         save(folder, {44}, {0}, {119});
         QVERIFY(window->open({folder}));
@@ -198,7 +203,7 @@ private slots:
             QMetaObject::invokeMethod(dialog, "accept");
         });
         QTest::keyClick(window.get(), key, Qt::ControlModifier);
-        QVERIFY(contents(folder + '/' + fileName).startsWith(beginning));
+        QVERIFY(contents(folder + '/' + written).startsWith(beginning));
     }
 
     /// What cannot be read is said, and names are no HTML.

@@ -119,6 +119,8 @@ ResultsWindow::ResultsWindow()
 
     connect(list->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &ResultsWindow::select);
+    connect(besides, &QSplitter::splitterMoved, this,
+            [this] { settings().setValue("besides", besides->saveState()); });
     connect(&idle, &QTimer::timeout, this, &ResultsWindow::readTraces);
     connect(&look, &QTimer::timeout, this, [this] {
         if (files.isStirred()) {
@@ -179,7 +181,6 @@ void ResultsWindow::closeEvent(QCloseEvent *event)
     QSettings saved = settings();
     saved.setValue("window", saveGeometry());
     saved.setValue("above", above->saveState());
-    saved.setValue("besides", besides->saveState());
     QMainWindow::closeEvent(event);
 }
 

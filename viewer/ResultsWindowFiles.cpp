@@ -25,7 +25,6 @@ bool ResultsWindow::open(const QStringList &filesAndFolders)
 {
     files.follow(filesAndFolders);
     rescan();
-    fitList();
     list->setFocus();
     const QStringList said = problems.values();
     if (seriesTable->rowCount() == 0 && said.isEmpty()) {
@@ -50,6 +49,9 @@ void ResultsWindow::rescan()
         problems.remove(file);
     }
     load(changes.changed);
+    if (count == 0) {
+        fitList();
+    }
     showGaps();
     selectSomething(row);
     if (std::any_of(selection.cbegin(), selection.cend(), [&changes](const Series &shown) {
