@@ -1,10 +1,12 @@
 #include "viewer/ResultsWindow.h"
 #include "SavedSeries.h"
+#include "TestFiles.h"
 #include "viewer/PlotColumn.h"
 #include "viewer/Plots.h"
 
 #include <QApplication>
 #include <QClipboard>
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QTableView>
@@ -14,20 +16,15 @@
 #include <qwt_plot.h>
 #include <qwt_scale_map.h>
 
+#include <memory>
+
 namespace {
+
+const char *const nextDay = "2026-03-06_08-00-00";
 
 QPair<double, double> axisOf(const QwtPlot &plot, int axis)
 {
     return {plot.axisInterval(axis).minValue(), plot.axisInterval(axis).maxValue()};
-}
-
-void drag(QWidget *canvas, const QPoint &from, const QPoint &to)
-{
-    QTest::mousePress(canvas, Qt::LeftButton, {}, from);
-    QTest::mouseMove(canvas, (from + to) / 2);
-    QMouseEvent move(QEvent::MouseMove, to, Qt::NoButton, Qt::LeftButton, {});
-    QApplication::sendEvent(canvas, &move);
-    QTest::mouseRelease(canvas, Qt::LeftButton, {}, to);
 }
 
 void turnWheel(QWidget *canvas, int steps)
@@ -45,28 +42,14 @@ class ResultsWindowTest : public QObject
     Q_OBJECT
 
     const QTemporaryDir home;
-    QTableView *list = nullptr; // of the window under test
+    const QString folder = home.filePath("Varnholt");
+    std::unique_ptr<ResultsWindow> window;
+    QTableView *list = nullptr; // of the window
     QTableView *values = nullptr;
 
-    [[nodiscard]] QString cell(int row, const char *heading) const
+    [[nodiscard]] static QString cell(const QTableView *table, int row, int column)
     {
-        const QAbstractItemModel *model = list->model();
-        for (int column = 0; column < model->columnCount(); ++column) {
-            if (model->headerData(column, Qt::Horizontal) == heading) {
-                return model->index(row, column).data().toString();
-            }
-        }
-        return "no such column";
-    }
-    /// What stands in the first row of the values.
-    [[nodiscard]] QString shownValue(int column) const
-    {
-        return values->model()->index(0, column).data().toString();
-    }
-    void find(const ResultsWindow &window)
-    {
-        list = window.findChild<QTableView *>("series");
-        values = window.findChild<QTableView *>("values");
+        return table->model()->index(row, column).data().toString();
     }
 
 private slots:
@@ -74,7 +57,22 @@ private slots:
     {
         qputenv("XDG_DATA_HOME", home.path().toLocal8Bit());
         qputenv("XDG_CONFIG_HOME", home.path().toLocal8Bit());
-        QVERIFY(QDir(home.path()).mkdir("Varnholt"));
+    }
+
+    void init()
+    {
+        QVERIFY(QDir().mkpath(folder));
+        window = std::make_unique<ResultsWindow>();
+        window->show();
+        QVERIFY(QTest::qWaitForWindowActive(window.get()));
+        list = window->findChild<QTableView *>("series");
+        values = window->findChild<QTableView *>("values");
+    }
+
+    void cleanup()
+    {
+        window.reset();
+        QVERIFY(QDir(folder).removeRecursively());
     }
 
     /// Plots with the same axis move together, and never beyond their data.
@@ -86,37 +84,32 @@ private slots:
             plots.last()->setAxisScale(QwtPlot::xBottom, 0, greatest);
             plots.last()->setAxisScale(QwtPlot::yLeft, 0, 1);
         }
-        PlotColumn column;
-        column.setPlots(plots);
+        PlotColumn column([plots] { return plots; });
         column.resize(600, 400);
         column.show();
         QVERIFY(QTest::qWaitForWindowExposed(&column));
         const auto whole = qMakePair(0.0, 100.0);
         QCOMPARE(axisOf(*plots[0], QwtPlot::xBottom), whole);
 
-        drag(plots[0]->canvas(), {100, 30}, {300, 90});
-        const auto [left, right] = axisOf(*plots[0], QwtPlot::xBottom);
-        QVERIFY(left > 1 && right < 99);
-        QCOMPARE(axisOf(*plots[1], QwtPlot::xBottom), qMakePair(left, right));
-        QCOMPARE(axisOf(*plots[1], QwtPlot::yLeft), qMakePair(0.0, 1.0));
-        QTest::mouseDClick(plots[0]->canvas(), Qt::LeftButton);
-        QCOMPARE(axisOf(*plots[1], QwtPlot::xBottom), whole);
-        QCOMPARE(axisOf(*plots[0], QwtPlot::yLeft), qMakePair(0.0, 1.0));
-
         turnWheel(plots[1]->canvas(), 2); // up
-        QVERIFY(axisOf(*plots[0], QwtPlot::xBottom).second < 90);
+        const auto [left, right] = axisOf(*plots[0], QwtPlot::xBottom);
+        QVERIFY(left > 1 && right < 90);
+        QCOMPARE(axisOf(*plots[1], QwtPlot::xBottom), qMakePair(left, right));
+        QCOMPARE(axisOf(*plots[0], QwtPlot::yLeft), qMakePair(0.0, 1.0));
         turnWheel(plots[1]->canvas(), -3);
         QCOMPARE(axisOf(*plots[0], QwtPlot::xBottom), whole);
         column.zoom(0.5);
         QCOMPARE(axisOf(*plots[0], QwtPlot::xBottom), qMakePair(25.0, 75.0));
+        QTest::mouseDClick(plots[0]->canvas(), Qt::LeftButton);
+        QCOMPARE(axisOf(*plots[1], QwtPlot::xBottom), whole);
+        QCOMPARE(axisOf(*plots[0], QwtPlot::yLeft), qMakePair(0.0, 1.0));
     }
 
     /// The point below the pointer is told by what was measured, also at the border of the plot.
     void hover()
     {
-        const QTemporaryDir folder;
-        const QVector<Series> shown =
-            loadSeries({save(folder.path(), {44, 501, 45}, {0, 0, 0}, {119, 121, 120})}).series;
+        const QVector<Series> shown{
+            ::open(save(folder, {44, 501, 45}, {0, 0, 0}, {119, 121, 120}))};
         const std::unique_ptr<QwtPlot> plot(driftPlot(shown, SourceToRf));
         plot->resize(600, 400);
         plot->replot();
@@ -130,75 +123,98 @@ private slots:
     /// The window follows its folder, and what is looked at stays while it is there.
     void liveFolder()
     {
-        const QString folder = home.filePath("Varnholt");
         const QString older = save(folder, {44}, {0}, {119});
-        ResultsWindow window;
-        window.show();
-        QVERIFY(window.open({folder}));
-        find(window);
+        QVERIFY(window->open({folder}));
         QCOMPARE(list->model()->rowCount(), 1);
-        QCOMPARE(shownValue(2), QString("44"));
+        QCOMPARE(cell(values, 0, 2), QString("44"));
 
-        const QString newer =
-            save(folder, {46, 45}, {95, 94}, {119, 120}, usual, "2026-03-06_08-00-00");
+        const QString newer = save(folder, {46, 45}, {95, 94}, {119, 120}, usual, nextDay);
         QVERIFY(QFile::rename(traceFile(newer, "snk"), folder + "/late"));
         QTRY_COMPARE(list->model()->rowCount(), 2);
-        QTRY_COMPARE(cell(0, "Flags"), QString("no type"));
-        QCOMPARE(cell(0, "Series"), QString("2026-03-06 08:00:00"));
-        QCOMPARE(shownValue(2), QString("44"));
+        QTRY_COMPARE(cell(list, 0, 5), QString("no type"));
+        QCOMPARE(cell(list, 0, 0), QString("2026-03-06 08:00:00"));
+        QCOMPARE(cell(values, 0, 2), QString("44"));
         QVERIFY(QFile::rename(folder + "/late", traceFile(newer, "snk")));
-        QTRY_COMPARE(cell(0, "Flags"), QString("0"));
+        QTRY_COMPARE(cell(list, 0, 5), QString("0"));
 
         save(folder, {45}, {0}, {120});
-        QTRY_COMPARE(shownValue(2), QString("45"));
+        QTRY_COMPARE(cell(values, 0, 2), QString("45"));
         QVERIFY(QFile::remove(older));
-        QTRY_COMPARE(shownValue(0), QString("2026-03-06 08:00:00"));
+        QTRY_COMPARE(cell(values, 0, 0), QString("2026-03-06 08:00:00"));
 
         QVERIFY(QDir(folder).removeRecursively());
         QTRY_COMPARE(list->model()->rowCount(), 0);
-        QVERIFY(QDir(home.path()).mkdir("Varnholt"));
+        QVERIFY(QDir().mkpath(folder));
         save(folder, {45}, {0}, {120});
         QTRY_COMPARE(list->model()->rowCount(), 1);
     }
 
     void listAndValues()
     {
-        const QTemporaryDir folder;
-        save(folder.path(), {46, 45}, {95, 94}, {119, 120}, usual, "2026-03-06_08-00-00");
-        save(folder.path(), {100}, {0}, {120}, recordOf(500, 600, 620));
-        ResultsWindow window;
-        window.show();
-        QVERIFY(window.open({folder.path()}));
-        QVERIFY(QTest::qWaitForWindowActive(&window));
-        find(window);
+        save(folder, {46, 45}, {95, 94}, {119, 120}, usual, nextDay);
+        save(folder, {100}, {0}, {120}, recordOf(500, 600, 620));
+        QVERIFY(window->open({folder}));
 
         list->selectAll();
-        window.findChild<QTabWidget *>()->setCurrentWidget(values);
+        window->findChild<QTabWidget *>()->setCurrentWidget(values);
         values->setFocus();
         values->selectRow(2); // after those of the older series
         QTest::keyClick(values, Qt::Key_C, Qt::ControlModifier);
         QCOMPARE(QApplication::clipboard()->text(),
                  QString("2026-03-06 08:00:00\t2\t45\t94\t120\t"));
 
+        list->sortByColumn(5, Qt::AscendingOrder); // which moves rows as their traces are read
+        QTest::keyClick(window.get(), Qt::Key_F5);
+        QCOMPARE(cell(values, 0, 2), QString("100"));
+        QCOMPARE(cell(values, 1, 2), QString("46"));
+
         list->sortByColumn(2, Qt::DescendingOrder); // by numbers: as texts, 100 is less than 45
-        QCOMPARE(cell(0, "Count"), QString("1"));
-        window.findChild<QLineEdit *>()->setText("03-06 08");
+        QCOMPARE(cell(list, 0, 1), QString("1"));
+        window->findChild<QLineEdit *>()->setText("03-06 08");
         QCOMPARE(list->model()->rowCount(), 1);
-        QCOMPARE(cell(0, "Count"), QString("2"));
+        QCOMPARE(cell(list, 0, 1), QString("2"));
         QTest::qWait(200); // Qt's animation of the button that clears the text ends by itself only
+    }
+
+    void exports_data()
+    {
+        QTest::addColumn<Qt::Key>("key"); // with Ctrl
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("written");
+        QTest::addColumn<QByteArray>("beginning");
+        QTest::newRow("view") << Qt::Key_E << "view.svg"
+                              << "view.svg" << QByteArray("<?xml");
+        QTest::newRow("values") << Qt::Key_S << "values"
+                                << "values.csv" << QByteArray("file,");
+    }
+
+    void exports()
+    {
+        QFETCH(const Qt::Key, key);
+        QFETCH(const QString, typed);
+        QFETCH(const QString, written);
+        QFETCH(const QByteArray, beginning);
+        save(folder, {44}, {0}, {119});
+        QVERIFY(window->open({folder}));
+        QTimer::singleShot(0, this, [this, &typed] {
+            auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+            dialog->findChild<QLineEdit *>("fileNameEdit")->setText(folder + '/' + typed);
+            QMetaObject::invokeMethod(dialog, "accept");
+        });
+        QTest::keyClick(window.get(), key, Qt::ControlModifier);
+        QVERIFY(contents(folder + '/' + written).startsWith(beginning));
     }
 
     /// What cannot be read is said, and names are no HTML.
     void problems()
     {
-        ResultsWindow window;
         QString said;
-        QTimer::singleShot(0, &window, [&said] {
+        QTimer::singleShot(0, this, [&said] {
             auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
             said = box->textFormat() == Qt::PlainText ? box->text() : "rendered";
             box->close();
         });
-        QVERIFY(!window.open({home.filePath("<b>none")}));
+        QVERIFY(!window->open({home.filePath("<b>none")}));
         QVERIFY(said.endsWith("/<b>none does not exist."));
     }
 };

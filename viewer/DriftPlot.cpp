@@ -148,9 +148,7 @@ QString measurementText(const QwtPlot &plot, const QVector<Series> &selection, D
             if (away < distance) {
                 distance = away;
                 text = QString("%1\nMeasurement %2: %3 ms")
-                           .arg(seriesName(series))
-                           .arg(i + 1)
-                           .arg(numberText(values[i]));
+                           .arg(seriesName(series), QString::number(i + 1), numberText(values[i]));
                 if (const Flags flags = series.flags[kind][i]) {
                     text += '\n' + flagReasons(flags);
                 }

@@ -2,16 +2,11 @@
 
 #include "analysis/SeriesFiles.h"
 
-#include <QDateTime>
 #include <QDir>
-#include <QGuiApplication>
 
 #include <algorithm>
 
 namespace {
-
-// A program that saves a series writes one file after the other.
-constexpr int quietTime = 500; // milliseconds
 
 /// Times and sizes of a series' files: other ones tell that it was written again.
 QVector<qint64> stampOf(const QString &fileName)
@@ -27,16 +22,6 @@ QVector<qint64> stampOf(const QString &fileName)
 
 } // namespace
 
-LiveFiles::LiveFiles(QObject *parent) : QObject(parent)
-{
-    quiet.setSingleShot(true);
-    quiet.setInterval(quietTime);
-    connect(&quiet, &QTimer::timeout, this, &LiveFiles::stirred);
-    connect(&watcher, &QFileSystemWatcher::directoryChanged, this, &LiveFiles::lookSoon);
-    // A folder does not tell that something was written into a file that it has already.
-    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, &LiveFiles::lookSoon);
-}
-
 void LiveFiles::follow(const QStringList &filesAndFolders)
 {
     for (const QString &name : filesAndFolders) {
@@ -47,7 +32,7 @@ void LiveFiles::follow(const QStringList &filesAndFolders)
 
 LiveFiles::Changes LiveFiles::findChanges()
 {
-    watch(); // before looking, so that nothing is missed
+    lastTimes = times(); // before looking, so that nothing is missed
     Changes changes;
     QHash<QString, QVector<qint64>> found;
     for (const QString &name : qAsConst(followed)) {
@@ -70,25 +55,18 @@ LiveFiles::Changes LiveFiles::findChanges()
     }
     known = found;
     if (!changes.changed.isEmpty()) {
-        quiet.start(); // it may still be being written
+        stir(); // they may still be being written
     }
     return changes;
 }
 
-void LiveFiles::watch()
+QVector<QDateTime> LiveFiles::times() const
 {
-    QStringList folders;
-    for (QString name : qAsConst(followed)) {
-        while (!QFileInfo(name).isDir()) { // wait in the folder above until it comes
-            name = QFileInfo(name).absolutePath();
-        }
-        folders += name;
+    QVector<QDateTime> of;
+    for (const QString &name : followed) {
+        // The time of a folder tells what came and went in it.
+        const QFileInfo info(name);
+        of << info.lastModified() << QFileInfo(info.absolutePath()).lastModified();
     }
-    if (!watcher.directories().isEmpty()) {
-        watcher.removePaths(watcher.directories()); // one may have been made anew
-    }
-    folders.removeDuplicates();
-    if (!folders.isEmpty()) {
-        watcher.addPaths(folders);
-    }
+    return of;
 }

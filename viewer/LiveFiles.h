@@ -1,15 +1,12 @@
 #pragma once
 
-#include <QFileSystemWatcher>
+#include <QDateTime>
 #include <QHash>
 #include <QStringList>
-#include <QTimer>
 
 /// The results files in some folders, as they come, change and go.
-class LiveFiles : public QObject
+class LiveFiles
 {
-    Q_OBJECT
-
 public:
     struct Changes
     {
@@ -17,27 +14,23 @@ public:
         QStringList gone;
     };
 
-    explicit LiveFiles(QObject *parent = nullptr);
-
     /// Follow these files, and all series in these folders, also while one of them is not there.
     void follow(const QStringList &filesAndFolders);
+    /// Returns whether something came or went since the last time that changes were looked for, or
+    /// may still have been written then. This is quick, also on a network.
+    [[nodiscard]] bool isStirred() const { return times() != lastTimes; }
     /// Find what has changed since the last time. A file that was named and is not there counts as
     /// changed, and so does a folder without series: they are to be complained of.
     Changes findChanges();
+    /// Let isStirred() be true.
+    void stir() { lastTimes.clear(); }
     /// Take everything for changed the next time.
     void forget() { known.clear(); }
-    /// Tell soon that there may be changes.
-    void lookSoon() { quiet.start(); }
-
-signals:
-    /// There may be changes.
-    void stirred();
 
 private:
-    void watch();
+    [[nodiscard]] QVector<QDateTime> times() const;
 
     QStringList followed;
     QHash<QString, QVector<qint64>> known; ///< times and sizes of the series' files
-    QFileSystemWatcher watcher;
-    QTimer quiet; ///< runs out when nothing has happened in the folders for a while
+    QVector<QDateTime> lastTimes;          ///< of what is followed
 };

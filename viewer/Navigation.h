@@ -1,28 +1,34 @@
 #pragma once
 
-#include <QRectF>
-
 #include <functional>
 
-class QString;
-class QwtPlot;
+#include <qwt_plot_zoomer.h>
 
-/// Tells what lies at a place (pixels) of a plot's canvas; empty when nothing does.
-using PlaceText = std::function<QString(const QPoint &place)>;
-
-/// Let a person move about in a plot, never beyond what it shows now: drag to zoom into a
+/// Lets a person move about in a plot, never beyond what it shows at first: drag to zoom into a
 /// rectangle, drag with the middle button or with Shift to pan, turn the wheel to zoom, and
-/// double-click to go back. Beside the pointer stands what lies there.
-void makeNavigable(QwtPlot *plot, const PlaceText &placeText = {});
+/// double-click to see the whole again.
+class Navigation : public QwtPlotZoomer
+{
+public:
+    /// Returns what lies at a place (pixels) of the canvas, to stand beside the pointer.
+    using PlaceText = std::function<QString(const QPoint &place)>;
 
-/// Returns what a plot shows, in the units of its axes.
-QRectF shownPart(const QwtPlot *plot);
+    static constexpr double zoomStep = 0.8; ///< of a click of the wheel
 
-/// Show a part of a navigable plot, moved and cut so that it is one of the whole.
-void showPart(QwtPlot *plot, QRectF part);
+    /// Navigate in a plot, which owns the navigation. Without a text the pointer's place in the
+    /// plot stands beside it.
+    explicit Navigation(QwtPlot *plot, PlaceText placeText = {});
 
-/// Show the whole of a navigable plot again.
-void showWhole(QwtPlot *plot);
+    /// Returns what the plot shows, in the units of its axes.
+    [[nodiscard]] QRectF shownPart() const { return scaleRect(); }
+    /// Show this part of the plot, made larger by a factor about a point that stays at its place.
+    void showPart(const QRectF &part, double factor, const QPointF &fixed);
 
-/// Returns a part that is larger by a factor, in which a point has stayed at its place.
-QRectF enlarge(const QRectF &part, double factor, const QPointF &fixed);
+protected:
+    [[nodiscard]] QwtText trackerText(const QPoint &place) const override;
+    void widgetMouseDoubleClickEvent(QMouseEvent *event) override;
+    void widgetWheelEvent(QWheelEvent *event) override;
+
+private:
+    PlaceText placeText;
+};

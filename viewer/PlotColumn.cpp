@@ -10,49 +10,45 @@
 #include <qwt_scale_widget.h>
 
 #include <algorithm>
+#include <utility>
 
-namespace {
-
-/// Takes no room and paints nothing, but places the canvas as the one does that is seen.
-class UnseenScale : public QwtScaleDraw
+PlotColumn::PlotColumn(MakePlots make, PlaceText text)
+    : makePlots(std::move(make)), placeText(std::move(text))
 {
-public:
-    [[nodiscard]] double extent(const QFont & /*font*/) const override { return 0.0; }
-
-protected:
-    void drawTick(QPainter * /*painter*/, double /*value*/, double /*length*/) const override {}
-    void drawBackbone(QPainter * /*painter*/) const override {}
-    void drawLabel(QPainter * /*painter*/, double /*value*/) const override {}
-};
-
-} // namespace
-
-PlotColumn::PlotColumn(QWidget *parent) : QWidget(parent), column(new QVBoxLayout(this))
-{
+    auto *column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
 }
 
-void PlotColumn::setPlots(const QVector<QwtPlot *> &plots, const PlaceText &placeText)
+void PlotColumn::renew()
 {
+    isStale = true;
+    if (isVisible()) {
+        showEvent(nullptr);
+    }
+}
+
+void PlotColumn::showEvent(QShowEvent * /*event*/)
+{
+    if (!std::exchange(isStale, false)) {
+        return;
+    }
     qDeleteAll(shown);
-    shown = plots;
+    navigations.clear();
+    shown = makePlots();
     shareAxis();
-    for (int i = 0; i < plots.size(); ++i) {
-        ::PlaceText text;
+    for (int i = 0; i < shown.size(); ++i) {
+        Navigation::PlaceText text;
         if (placeText) {
-            text = [placeText, i](const QPoint &place) { return placeText(i, place); };
+            text = [this, i](const QPoint &place) { return placeText(i, place); };
         }
-        makeNavigable(plots[i], text);
-        constexpr int least = 60; // pixels: what a plot asks for itself is too much for three
-        plots[i]->setMinimumSize(2 * least, least);
-        column->addWidget(plots[i]);
-        plots[i]->replot();
-        connect(plots[i]->axisWidget(QwtPlot::yLeft), &QwtScaleWidget::scaleDivChanged, this,
+        navigations += new Navigation(shown[i], text);
+        shown[i]->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored); // all the same room
+        layout()->addWidget(shown[i]);
+        connect(shown[i]->axisWidget(QwtPlot::yLeft), &QwtScaleWidget::scaleDivChanged, this,
                 &PlotColumn::alignCanvases);
     }
     alignCanvases();
-    resizeEvent(nullptr);
 }
 
 void PlotColumn::shareAxis()
@@ -72,21 +68,19 @@ void PlotColumn::shareAxis()
         const int half =
             QFontMetrics(plot->axisFont(QwtPlot::xBottom)).horizontalAdvance("1000000") / 2;
         plot->axisWidget(QwtPlot::xBottom)->setMinBorderDist(half, half);
-        if (plot != sharing.last()) { // whose axis serves all
-            plot->setAxisScaleDraw(QwtPlot::xBottom, new UnseenScale);
-            plot->axisWidget(QwtPlot::xBottom)->setMargin(0);
-            plot->setAxisTitle(QwtPlot::xBottom, QString());
-        }
         connect(plot->axisWidget(QwtPlot::xBottom), &QwtScaleWidget::scaleDivChanged, this,
                 [plot, sharing] {
+                    const QwtScaleDiv &axis = plot->axisScaleDiv(QwtPlot::xBottom);
                     for (QwtPlot *other : sharing) {
-                        if (other != plot) {
-                            other->setAxisScaleDiv(QwtPlot::xBottom,
-                                                   plot->axisScaleDiv(QwtPlot::xBottom));
+                        if (other->axisScaleDiv(QwtPlot::xBottom) != axis) {
+                            other->setAxisScaleDiv(QwtPlot::xBottom, axis);
                             other->replot();
                         }
                     }
                 });
+        if (plot != sharing.last()) { // one title for all saves height
+            plot->setAxisTitle(QwtPlot::xBottom, QString());
+        }
     }
 }
 
@@ -103,32 +97,13 @@ void PlotColumn::alignCanvases()
     }
 }
 
-void PlotColumn::resizeEvent(QResizeEvent * /*event*/)
-{
-    // Canvases of the same height, below which only some plots have an axis.
-    int axes = 0;
-    for (const QwtPlot *plot : qAsConst(shown)) {
-        axes += plot->axisWidget(QwtPlot::xBottom)->sizeHint().height();
-    }
-    for (QwtPlot *plot : qAsConst(shown)) {
-        column->setStretchFactor(plot, std::max(1, (height() - axes) / shown.size()) +
-                                           plot->axisWidget(QwtPlot::xBottom)->sizeHint().height());
-    }
-}
-
 void PlotColumn::zoom(double factor)
 {
     QVector<QRectF> parts; // before one moves the axis of the others
-    for (const QwtPlot *plot : qAsConst(shown)) {
-        const QRectF part = shownPart(plot);
-        parts += enlarge(part, factor, part.center());
+    for (const Navigation *navigation : qAsConst(navigations)) {
+        parts += navigation->shownPart();
     }
-    for (int i = 0; i < shown.size(); ++i) {
-        showPart(shown[i], parts[i]);
+    for (int i = 0; i < parts.size(); ++i) {
+        navigations[i]->showPart(parts[i], factor, parts[i].center());
     }
-}
-
-void PlotColumn::showWhole()
-{
-    std::for_each(shown.begin(), shown.end(), ::showWhole);
 }

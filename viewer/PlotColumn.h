@@ -5,34 +5,36 @@
 
 #include <functional>
 
-class QVBoxLayout;
+class Navigation;
 class QwtPlot;
 
 /// Plots one below the other, in which a person can move about. Those with the same horizontal axis
-/// share it: what one of them shows, the others show, too.
+/// share its position and zoom.
 class PlotColumn : public QWidget
 {
 public:
-    explicit PlotColumn(QWidget *parent = nullptr);
-
-    /// Tells what lies at a place (pixels) of the canvas of a plot, of which the index is given.
+    using MakePlots = std::function<QVector<QwtPlot *>()>;
+    /// Returns what lies at a place (pixels) of the canvas of a plot, of which the index is given.
     using PlaceText = std::function<QString(int plot, const QPoint &place)>;
 
-    /// Show these plots instead of those before. They belong to the column.
-    void setPlots(const QVector<QwtPlot *> &plots, const PlaceText &placeText = {});
+    explicit PlotColumn(MakePlots make, PlaceText text = {});
+
+    /// Make the plots anew, once somebody looks at them.
+    void renew();
     [[nodiscard]] const QVector<QwtPlot *> &plots() const { return shown; }
-    /// Zoom all plots about their middles.
+    /// Show so many times as much in all plots, about their middles; by infinity, the whole.
     void zoom(double factor);
-    /// Show the whole of all plots.
-    void showWhole();
 
 protected:
-    void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
     void shareAxis();
     void alignCanvases();
 
-    QVBoxLayout *column;
+    MakePlots makePlots;
+    PlaceText placeText;
     QVector<QwtPlot *> shown;
+    QVector<Navigation *> navigations; ///< of the plots
+    bool isStale = true;
 };

@@ -25,10 +25,12 @@
 
 namespace {
 
-QTableView *makeTable(QAbstractItemModel *model)
+QTableView *makeTable(const QString &name, QAbstractItemModel *model)
 {
     auto *table = new QTableView;
+    table->setObjectName(name);
     table->setModel(model);
+    table->setEditTriggers(QTableView::NoEditTriggers);
     table->setSelectionBehavior(QTableView::SelectRows);
     table->setAlternatingRowColors(true);
     table->setWordWrap(false);
@@ -60,13 +62,9 @@ ResultsWindow::ResultsWindow()
       sorted(new QSortFilterProxyModel(this)),
       valuesTable(new ValuesTable(this)),
       filter(new QLineEdit),
-      list(makeTable(sorted)),
-      values(makeTable(valuesTable)),
+      list(makeTable("series", sorted)),
+      values(makeTable("values", valuesTable)),
       tabs(new QTabWidget),
-      drift(new PlotColumn),
-      histograms(new PlotColumn),
-      cumulative(new PlotColumn),
-      records(new PlotColumn),
       text(new QPlainTextEdit),
       besides(new QSplitter),
       above(new QSplitter(Qt::Vertical)),
@@ -79,22 +77,18 @@ ResultsWindow::ResultsWindow()
     constexpr double smaller = 0.88; // a line of statistics is long
     fixed.setPointSizeF(fixed.pointSizeF() * smaller);
     text->setFont(fixed);
-    tabs->addTab(drift, "&Delays");
-    tabs->addTab(histograms, "&Histogram");
-    tabs->addTab(cumulative, "&Cumulative");
-    tabs->addTab(records, "&Last Record");
-    tabs->addTab(values, "&Values");
-    list->setObjectName("series");
-    values->setObjectName("values");
     statusBar()->addPermanentWidget(gaps);
 
     sorted->setSourceModel(seriesTable);
     sorted->setSortRole(SeriesTable::SortRole);
     sorted->setFilterRole(SeriesTable::FilterRole);
     sorted->setFilterCaseSensitivity(Qt::CaseInsensitive);
-    values->horizontalHeader()->setStretchLastSection(true);
     list->setSortingEnabled(true);
     list->sortByColumn(0, Qt::DescendingOrder);
+    list->horizontalHeader()->setResizeContentsPrecision(0); // by what is seen: there may be many
+    list->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    list->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch); // the others are seen
+    values->horizontalHeader()->setStretchLastSection(true);
     filter->setPlaceholderText("Filter");
     filter->setClearButtonEnabled(true);
     connect(filter, &QLineEdit::textChanged, this, [this](const QString &part) {
@@ -114,16 +108,54 @@ ResultsWindow::ResultsWindow()
     above->addWidget(text);
     above->setStretchFactor(0, 1);
     setCentralWidget(besides);
-    layOut();
+    makeTabs();
     makeMenus();
+    layOut();
 
     connect(list->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &ResultsWindow::select);
-    connect(list->horizontalHeader(), &QHeaderView::sortIndicatorChanged, this,
-            &ResultsWindow::fitColumns);
-    connect(tabs, &QTabWidget::currentChanged, this, &ResultsWindow::drawTab);
-    connect(&files, &LiveFiles::stirred, this, &ResultsWindow::rescan);
+    connect(besides, &QSplitter::splitterMoved, this,
+            [this] { settings().setValue("besides", besides->saveState()); });
     connect(&idle, &QTimer::timeout, this, &ResultsWindow::readTraces);
+    connect(&look, &QTimer::timeout, this, [this] {
+        if (files.isStirred()) {
+            rescan();
+        }
+    });
+    // A folder does not tell that something was written into a file that it has already.
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this] { files.stir(); });
+}
+
+void ResultsWindow::makeTabs()
+{
+    const auto ofDelays = [this](auto makePlot) {
+        return [this, makePlot] {
+            QVector<QwtPlot *> plots;
+            for (const DelayKind kind : plottedDelays(selection)) {
+                plots += makePlot(selection, kind);
+            }
+            return plots;
+        };
+    };
+    const auto ofRecords = [this] {
+        QVector<QwtPlot *> plots;
+        for (const Series &series : qAsConst(selection)) {
+            plots += recordPlot(series);
+        }
+        return plots;
+    };
+    const auto measurement = [this](int plot, const QPoint &place) {
+        return measurementText(*plotTabs[0]->plots()[plot], selection,
+                               plottedDelays(selection)[plot], place);
+    };
+    plotTabs = {new PlotColumn(ofDelays(driftPlot), measurement),
+                new PlotColumn(ofDelays(histogramPlot)), new PlotColumn(ofDelays(cumulativePlot)),
+                new PlotColumn(ofRecords)};
+    const QStringList names{"&Delays", "&Histogram", "&Cumulative", "&Last Record"};
+    for (int i = 0; i < names.size(); ++i) {
+        tabs->addTab(plotTabs[i], names[i]);
+    }
+    tabs->addTab(values, "&Values");
 }
 
 void ResultsWindow::layOut()
@@ -144,35 +176,21 @@ void ResultsWindow::closeEvent(QCloseEvent *event)
     QSettings saved = settings();
     saved.setValue("window", saveGeometry());
     saved.setValue("above", above->saveState());
-    saved.setValue("besides", besides->saveState());
     QMainWindow::closeEvent(event);
 }
 
 void ResultsWindow::fitList()
 {
-    const int wanted = fitColumns();
     if (!settings().contains("besides")) {
+        QHeaderView *header = list->horizontalHeader();
+        header->resizeSections(QHeaderView::ResizeToContents);
+        const int wanted = header->length() + 2 * list->frameWidth() +
+                           list->verticalScrollBar()->sizeHint().width();
         // The statistics are seen whole where there is room for both.
         const int room = width() - text->fontMetrics().horizontalAdvance('0') * statisticsWidth;
-        const int most = room > width() / 3 ? room : width() / 2;
-        besides->setSizes({std::min(wanted, most), width() - std::min(wanted, most)});
+        const int listWidth = std::min(wanted, room > width() / 3 ? room : width() / 2);
+        besides->setSizes({listWidth, width() - listWidth});
     }
-}
-
-int ResultsWindow::fitColumns()
-{
-    QHeaderView *header = list->horizontalHeader();
-    header->setSectionResizeMode(QHeaderView::Interactive);
-    header->setSortIndicatorShown(false); // every column would get room for it
-    list->resizeColumnsToContents();
-    header->setSortIndicatorShown(true);
-    const int sortedBy = header->sortIndicatorSection();
-    header->resizeSection(sortedBy, header->sectionSize(sortedBy) +
-                                        style()->pixelMetric(QStyle::PM_HeaderMarkSize));
-    const int wanted =
-        header->length() + 2 * list->frameWidth() + list->verticalScrollBar()->sizeHint().width();
-    header->setSectionResizeMode(0, QHeaderView::Stretch); // no other is ever out of sight
-    return wanted;
 }
 
 void ResultsWindow::selectSomething(int row)
@@ -191,52 +209,26 @@ void ResultsWindow::select()
                              : chosen.size() == 1 && seriesTable->rowCount() > 1
                                  ? "Select a second series with Ctrl to compare the two."
                                  : "");
-    selection.clear();
+    QStringList fileNames; // before reading may move them in the list
     for (const QModelIndex &index : chosen.mid(0, 2)) {
-        const int row = sorted->mapToSource(index).row();
-        seriesTable->readTraces(row);
-        selection += seriesTable->at(row);
+        fileNames += index.data(SeriesTable::FileRole).toString();
+    }
+    selection.clear();
+    for (const QString &fileName : qAsConst(fileNames)) {
+        seriesTable->readTraces(fileName);
+        selection += seriesTable->at(fileName);
     }
     std::stable_sort(selection.begin(), selection.end(),
                      [](const Series &a, const Series &b) { return a.time < b.time; });
     text->setPlainText(wrapText(describeSelection(selection), statisticsWidth));
     valuesTable->show(selection);
     values->resizeColumnsToContents();
-    stale = {drift, histograms, cumulative, records};
-    drawTab();
+    for (PlotColumn *column : qAsConst(plotTabs)) {
+        column->renew();
+    }
 }
 
-void ResultsWindow::drawTab()
+PlotColumn *ResultsWindow::plotsInFront() const
 {
-    QWidget *tab = tabs->currentWidget();
-    if (stale.removeAll(tab) == 0) {
-        return;
-    }
-    QVector<QwtPlot *> plots;
-    if (tab == records) {
-        for (const Series &series : qAsConst(selection)) {
-            plots += recordPlot(series);
-        }
-        records->setPlots(plots);
-        return;
-    }
-    const QVector<DelayKind> kinds =
-        selection.isEmpty() ? QVector<DelayKind>() : plottedDelays(selection);
-    const auto draw = [&](auto makePlot) {
-        for (const DelayKind kind : kinds) {
-            plots += makePlot(selection, kind);
-        }
-    };
-    if (tab == drift) {
-        draw(driftPlot);
-        drift->setPlots(plots, [this, kinds](int plot, const QPoint &place) {
-            return measurementText(*drift->plots()[plot], selection, kinds[plot], place);
-        });
-    } else if (tab == histograms) {
-        draw(histogramPlot);
-        histograms->setPlots(plots);
-    } else {
-        draw(cumulativePlot);
-        cumulative->setPlots(plots);
-    }
+    return plotTabs.value(tabs->currentIndex(), nullptr);
 }

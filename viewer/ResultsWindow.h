@@ -1,13 +1,14 @@
 #pragma once
 
-#include "viewer/LiveFiles.h"
-
 #include "analysis/Series.h"
+#include "viewer/LiveFiles.h"
 
 #include <QMainWindow>
 #include <QMap>
 #include <QSortFilterProxyModel>
 #include <QTimer>
+
+#include <functional>
 
 class PlotColumn;
 class QLabel;
@@ -35,6 +36,7 @@ protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
+    void makeTabs();
     void makeMenus();
     void openFiles();
     void openFolder();
@@ -49,26 +51,25 @@ private:
     void layOut();
     /// Make the list as wide as its columns, unless somebody chose a width before.
     void fitList();
-    /// Make the list's columns as wide as what is in them. Returns the width that the list needs.
-    int fitColumns();
-    /// Bring the list up to date with the files. Returns sentences on those that cannot be read.
-    QStringList rescan();
+    /// Bring the list up to date with the files.
+    void rescan();
     /// Read the results of these files, with a progress bar, which shows when that takes long, and
-    /// a way to stop. Returns sentences on those that cannot be read.
-    QStringList load(const QStringList &files);
-    /// Read the traces of one series. Called while there is nothing else to do.
+    /// a way to stop.
+    void load(const QStringList &changed);
+    /// Read the traces of some series. Called while there is nothing else to do.
     void readTraces();
     /// Say for good what the list does not have.
     void showGaps();
     /// Select a row of the list, or the last one, if none is selected.
     void selectSomething(int row);
+    /// Show the series selected in the list.
     void select();
-    /// Draw the tab in front, if it does not show the selection yet.
-    void drawTab();
-    /// Ask for the name of a file; empty when there shall be none.
-    QString askFileName(const QString &title, const QString &filters, const QString &suffix);
-    /// Say that a file was written, or what kept it from that.
-    void tell(const QString &fileName, bool isWritten, const QString &problem);
+    /// Returns the plots of the tab in front; null when that has none.
+    [[nodiscard]] PlotColumn *plotsInFront() const;
+    /// Writes a file. Returns false and a sentence when that fails.
+    using Write = std::function<bool(const QString &fileName, QString *problem)>;
+    /// Ask for the name of a file, have it written, and tell how that went.
+    void save(const QString &title, const QString &filters, const Write &write);
     void warn(const QString &sentence, const QString &details = {});
 
     SeriesTable *seriesTable;
@@ -78,20 +79,17 @@ private:
     QTableView *list;
     QTableView *values;
     QTabWidget *tabs;
-    PlotColumn *drift;
-    PlotColumn *histograms;
-    PlotColumn *cumulative;
-    PlotColumn *records;
+    QVector<PlotColumn *> plotTabs;
     QPlainTextEdit *text;
     QSplitter *besides;
     QSplitter *above;
     QLabel *gaps;
 
     QVector<Series> selection; ///< one or two
-    QVector<QWidget *> stale;  ///< tabs that do not show it yet
     LiveFiles files;
     QMap<QString, QString> problems; ///< why files cannot be read
-    int leftOut = 0;                 ///< files that were not read, as somebody stopped it
-    QTimer idle;                     ///< runs out when there is nothing else to do
-    bool isLoading = false;
+    QStringList unread; ///< files of series whose traces are to be read: the newest first
+    int leftOut = 0;    ///< files that were not read, as somebody stopped it
+    QTimer idle;        ///< runs out when there is nothing else to do
+    QTimer look;        ///< runs out when files may have changed
 };

@@ -18,6 +18,8 @@
 #include <QTabWidget>
 #include <QTextDocumentFragment>
 
+#include <limits>
+
 namespace {
 
 const char *const pageFilters = "PDF (*.pdf);;SVG (*.svg);;PNG (*.png)";
@@ -41,18 +43,17 @@ void ResultsWindow::makeMenus()
     add(menuBar()->addMenu("&Edit"), "&Copy", QKeySequence::Copy, &ResultsWindow::copy);
     QMenu *view = menuBar()->addMenu("&View");
     constexpr double step = 0.8;
-    const auto addForPlots = [&](const QString &name, const QKeySequence &key, auto work) {
-        return add(view, name, key, [this, work] {
-            if (auto *plots = dynamic_cast<PlotColumn *>(tabs->currentWidget())) {
-                work(plots);
+    const auto zoom = [this](double factor) {
+        return [this, factor] {
+            if (plotsInFront() != nullptr) {
+                plotsInFront()->zoom(factor);
             }
-        });
+        };
     };
-    addForPlots("Zoom &In", {}, [](PlotColumn *plots) {
-        plots->zoom(step);
-    })->setShortcuts({QKeySequence("+"), QKeySequence("=")}); // one key on many keyboards
-    addForPlots("Zoom &Out", QKeySequence("-"), [](PlotColumn *plots) { plots->zoom(1 / step); });
-    addForPlots("&Whole", QKeySequence("0"), [](PlotColumn *plots) { plots->showWhole(); });
+    add(view, "Zoom &In", {}, zoom(step))
+        ->setShortcuts({QKeySequence("+"), QKeySequence("=")}); // one key on many keyboards
+    add(view, "Zoom &Out", QKeySequence("-"), zoom(1 / step));
+    add(view, "&Whole", QKeySequence("0"), zoom(std::numeric_limits<double>::infinity()));
     view->addSeparator();
     add(view, "&Read Again", QKeySequence("F5"), &ResultsWindow::reload);
 }
@@ -81,82 +82,70 @@ void ResultsWindow::openFolder()
     }
 }
 
-QString ResultsWindow::askFileName(const QString &title, const QString &filters,
-                                   const QString &suffix)
+void ResultsWindow::save(const QString &title, const QString &filters, const Write &write)
 {
     if (selection.isEmpty()) {
         statusBar()->showMessage("Select a series first.");
-        return {};
+        return;
     }
     QFileDialog dialog(this, title, {}, filters);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setDefaultSuffix(suffix);
     QStringList names;
     for (const Series &series : qAsConst(selection)) {
         names += QFileInfo(series.fileName).completeBaseName().remove("_Results");
     }
-    dialog.selectFile(names.join(" and ") + '.' + suffix);
-    connect(&dialog, &QFileDialog::filterSelected, &dialog, [&dialog](const QString &filter) {
-        QString name = dialog.selectedFiles().value(0);
-        if (name.endsWith('.' + dialog.defaultSuffix())) {
-            name.chop(dialog.defaultSuffix().size());
-            dialog.setDefaultSuffix(filter.section("*.", 1).section(')', 0, 0));
-            dialog.selectFile(name + dialog.defaultSuffix());
-        }
-    });
-    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
-}
-
-void ResultsWindow::exportView()
-{
-    const auto *column = dynamic_cast<PlotColumn *>(tabs->currentWidget());
-    if (column == nullptr) {
-        exportCsv();
+    // Of a name without one; Qt itself changes an ending as the type is changed.
+    const auto setSuffix = [&dialog] {
+        dialog.setDefaultSuffix(dialog.selectedNameFilter().section("*.", 1).section(')', 0, 0));
+    };
+    connect(&dialog, &QFileDialog::filterSelected, &dialog, setSuffix);
+    setSuffix();
+    dialog.selectFile(names.join(" and ") + '.' + dialog.defaultSuffix());
+    if (dialog.exec() != QDialog::Accepted) {
         return;
     }
-    const QString fileName = askFileName("Export View", pageFilters, "pdf");
-    const auto makePage = [column](int) {
-        Page page;
-        for (QwtPlot *plot : column->plots()) {
-            page.rows += QVector<QwtPlot *>{plot};
-        }
-        return page;
-    };
+    const QString fileName = dialog.selectedFiles().value(0);
     QString problem;
-    if (!fileName.isEmpty()) {
-        tell(fileName, exportPages(1, makePage, fileName, &problem), problem);
-    }
-}
-
-void ResultsWindow::exportReport()
-{
-    const QString fileName = askFileName("Export Report", pageFilters, "pdf");
-    QString problem;
-    if (!fileName.isEmpty()) {
-        tell(fileName, writeReport(selection, fileName, &problem), problem);
-    }
-}
-
-void ResultsWindow::exportCsv()
-{
-    const QString fileName = askFileName("Export Values", "CSV (*.csv)", "csv");
-    QString csv = csvHeading();
-    for (const Series &series : qAsConst(selection)) {
-        csv += csvRows(series);
-    }
-    QString problem;
-    if (!fileName.isEmpty()) {
-        tell(fileName, writeWhole(fileName, csv.toUtf8(), &problem), problem);
-    }
-}
-
-void ResultsWindow::tell(const QString &fileName, bool isWritten, const QString &problem)
-{
-    if (isWritten) {
+    if (write(fileName, &problem)) {
         statusBar()->showMessage("Written: " + fileName);
     } else {
         warn(problem);
     }
+}
+
+void ResultsWindow::exportView()
+{
+    const PlotColumn *column = plotsInFront();
+    if (column == nullptr) {
+        exportCsv();
+        return;
+    }
+    save("Export View", pageFilters, [column](const QString &fileName, QString *problem) {
+        Page page;
+        for (QwtPlot *plot : column->plots()) {
+            page.rows += QVector<QwtPlot *>{plot};
+        }
+        return exportPages(
+            1, [&page](int) { return page; }, fileName, problem);
+    });
+}
+
+void ResultsWindow::exportReport()
+{
+    save("Export Report", pageFilters, [this](const QString &fileName, QString *problem) {
+        return writeReport(selection, fileName, problem);
+    });
+}
+
+void ResultsWindow::exportCsv()
+{
+    save("Export Values", "CSV (*.csv)", [this](const QString &fileName, QString *problem) {
+        QString csv = csvHeading();
+        for (const Series &series : qAsConst(selection)) {
+            csv += csvRows(series);
+        }
+        return writeWhole(fileName, csv.toUtf8(), problem);
+    });
 }
 
 void ResultsWindow::warn(const QString &sentence, const QString &details)

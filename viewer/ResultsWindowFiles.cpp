@@ -5,6 +5,7 @@
 #include "viewer/SeriesTable.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QProgressDialog>
@@ -14,12 +15,18 @@
 
 #include <algorithm>
 
+namespace {
+
+constexpr int lookInterval = 500; // milliseconds
+
+} // namespace
+
 bool ResultsWindow::open(const QStringList &filesAndFolders)
 {
     files.follow(filesAndFolders);
-    const QStringList said = rescan();
-    fitList();
+    rescan();
     list->setFocus();
+    const QStringList said = problems.values();
     if (seriesTable->rowCount() == 0 && said.isEmpty()) {
         text->setPlainText("No series in " + QDir::toNativeSeparators(resultsFolder()) +
                            " yet: measure with Save checked, or open files (Ctrl+O).");
@@ -32,20 +39,19 @@ bool ResultsWindow::open(const QStringList &filesAndFolders)
     return said.isEmpty();
 }
 
-QStringList ResultsWindow::rescan()
+void ResultsWindow::rescan()
 {
-    if (isLoading) {
-        files.lookSoon();
-        return {};
-    }
     const LiveFiles::Changes changes = files.findChanges();
     const int row = list->selectionModel()->selectedRows().value(0).row();
     const int count = seriesTable->rowCount();
-    seriesTable->remove(changes.gone);
     for (const QString &file : changes.gone) {
+        seriesTable->remove(file);
         problems.remove(file);
     }
-    QStringList said = load(changes.changed);
+    load(changes.changed);
+    if (count == 0) {
+        fitList();
+    }
     showGaps();
     selectSomething(row);
     if (std::any_of(selection.cbegin(), selection.cend(), [&changes](const Series &shown) {
@@ -54,24 +60,19 @@ QStringList ResultsWindow::rescan()
         select();
     }
     if (count > 0 && seriesTable->rowCount() > count) {
-        statusBar()->showMessage("New: " + seriesName(seriesTable->at(count)));
+        statusBar()->showMessage("New: " + seriesTable->item(count)->text());
     }
-    return said;
 }
 
-QStringList ResultsWindow::load(const QStringList &changed)
+void ResultsWindow::load(const QStringList &changed)
 {
-    if (changed.isEmpty()) {
-        return {};
-    }
-    isLoading = true;
+    look.stop(); // the progress bar handles events
     idle.stop();
     QProgressDialog dialog("Reading series", "Cancel", 0, changed.size(), this);
     dialog.setWindowModality(Qt::WindowModal);
     constexpr int patience = 400; // milliseconds
     dialog.setMinimumDuration(patience);
-    QVector<Series> loaded;
-    QStringList said;
+    QVector<Series> loaded; // to be shown at once: each in turn would have the list painted
     int done = 0;
     for (; done < changed.size() && !dialog.wasCanceled(); ++done) {
         const QString &file = changed[done];
@@ -83,25 +84,29 @@ QStringList ResultsWindow::load(const QStringList &changed)
         } else if (file != resultsFolder()) { // before the first series nothing is wrong with it
             problems[file] = QFileInfo(file).isDir() ? file + " is a folder without results files."
                                                      : file + ' ' + reason + '.';
-            said += problems[file];
-            seriesTable->remove({file});
+            seriesTable->remove(file);
         }
         dialog.setValue(done + 1);
     }
+    for (const Series &series : qAsConst(loaded)) {
+        seriesTable->put(series);
+    }
+    unread = changed + unread;
     leftOut += changed.size() - done;
-    seriesTable->add(loaded);
-    isLoading = false;
+    look.start(lookInterval);
     idle.start();
-    return said;
 }
 
 void ResultsWindow::readTraces()
 {
-    const int row = seriesTable->findUnread();
-    if (row >= 0) {
-        seriesTable->readTraces(row);
-    } else {
-        idle.stop();
+    constexpr int slice = 30; // milliseconds, in which nobody waits
+    QElapsedTimer time;
+    for (time.start(); !time.hasExpired(slice);) {
+        if (unread.isEmpty()) {
+            idle.stop();
+            return;
+        }
+        seriesTable->readTraces(unread.takeFirst());
     }
 }
 

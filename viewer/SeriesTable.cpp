@@ -4,30 +4,31 @@
 #include "analysis/Statistics.h"
 
 #include <QFileInfo>
+#include <QSignalBlocker>
 #include <QTextDocument>
 
 #include <limits>
-#include <utility>
 
 namespace {
 
-enum Column
+constexpr double infinity = std::numeric_limits<double>::infinity();
+const QStringList headings{"Series (medians in ms)", "Count", "RF", "HDMI", "Sink", "Flags"};
+
+/// What stands in a cell, and what it is sorted by.
+struct Cell
 {
-    Name,
-    Count,
-    FirstMedian,
-    FlagCount = FirstMedian + static_cast<int>(delayKinds.size()),
-    Columns,
+    QString text;
+    QVariant sortKey;
 };
 
-/// What stands in the column of flags: a series with wrong delays needs attention first.
-QPair<QString, double> flagCell(const Series &series)
+/// A series with wrong delays needs attention first.
+Cell flagCell(const Series &series)
 {
     if (!series.hasReadTraces) {
         return {"...", -1.0};
     }
     if (series.oscilloscope.contradicts) {
-        return {"wrong", std::numeric_limits<double>::infinity()};
+        return {"wrong", infinity};
     }
     const int count = flaggedCount(series);
     if (count == 0 && !series.oscilloscope.type) {
@@ -36,120 +37,67 @@ QPair<QString, double> flagCell(const Series &series)
     return {QString::number(count), double(count)};
 }
 
+QVector<Cell> cellsOf(const Series &series)
+{
+    QVector<Cell> cells{{seriesName(series), series.time},
+                        {QString::number(series.count()), series.count()}};
+    for (const DelayKind kind : delayKinds) {
+        const Statistics of = computeStatistics(selectValues(series, kind, false));
+        cells +=
+            {delayText(of.median, samplingInterval(series)), of.n == 0 ? -infinity : of.median};
+    }
+    return cells << flagCell(series);
+}
+
 } // namespace
 
-SeriesTable::Row::Row(const Series &from)
-    : series(from),
-      cells{seriesName(from), QString::number(from.count())},
-      sortKeys{from.time, from.count()}
+SeriesTable::SeriesTable(QObject *parent) : QStandardItemModel(parent)
 {
-    for (const DelayKind kind : delayKinds) {
-        const Statistics of = computeStatistics(selectValues(from, kind, false));
-        cells += delayText(of.median, samplingInterval(from));
-        sortKeys += of.n == 0 ? -std::numeric_limits<double>::infinity() : of.median;
-    }
-    const auto [text, key] = flagCell(from);
-    cells += text;
-    sortKeys += key;
+    setHorizontalHeaderLabels(headings);
 }
 
-int SeriesTable::rowCount(const QModelIndex &parent) const
+void SeriesTable::put(const Series &series)
 {
-    return parent.isValid() ? 0 : rows.size();
-}
-
-int SeriesTable::columnCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : Columns;
-}
-
-QVariant SeriesTable::data(const QModelIndex &index, int role) const
-{
-    const Row &row = rows[index.row()];
-    switch (role) {
-    case Qt::DisplayRole:
-        return row.cells[index.column()];
-    case SortRole:
-        return row.sortKeys[index.column()];
-    case FilterRole:
-        return QString(row.cells[Name] + ' ' + QFileInfo(row.series.fileName).fileName());
-    case Qt::TextAlignmentRole:
-        return int((index.column() == Name ? Qt::AlignLeft : Qt::AlignRight) | Qt::AlignVCenter);
-    case Qt::ToolTipRole: // which would take a name for HTML
-        return Qt::convertFromPlainText(row.series.fileName + '\n' +
-                                        row.series.oscilloscope.remark);
-    default:
-        return {};
-    }
-}
-
-QVariant SeriesTable::headerData(int section, Qt::Orientation orientation, int role) const
-{
-    if (orientation == Qt::Vertical || role != Qt::DisplayRole) {
-        return {};
-    }
-    return QStringList{"Series", "Count", "RF / ms", "HDMI / ms", "Sink / ms", "Flags"}[section];
-}
-
-void SeriesTable::add(const QVector<Series> &series)
-{
-    QVector<Row> added;
-    for (const Series &one : series) {
-        const int place = places.value(one.fileName, -1);
-        if (place < 0) {
-            places[one.fileName] = rows.size() + added.size();
-            added += Row(one);
-        } else {
-            rows[place] = Row(one);
-            emit dataChanged(index(place, Name), index(place, FlagCount));
+    Entry &entry = entries[series.fileName];
+    entry.series = series;
+    const bool isNew = entry.cells.isEmpty();
+    const QVector<Cell> cells = cellsOf(series);
+    QSignalBlocker blocker(this); // one signal for all cells
+    for (int column = 0; column < cells.size(); ++column) {
+        if (isNew) {
+            entry.cells += new QStandardItem;
+            entry.cells[column]->setTextAlignment((column == 0 ? Qt::AlignLeft : Qt::AlignRight) |
+                                                  Qt::AlignVCenter);
         }
+        entry.cells[column]->setText(cells[column].text);
+        entry.cells[column]->setData(cells[column].sortKey, SortRole);
     }
-    if (!added.isEmpty()) {
-        beginInsertRows({}, rows.size(), rows.size() + added.size() - 1);
-        rows += added;
-        endInsertRows();
-    }
-}
-
-void SeriesTable::remove(const QStringList &files)
-{
-    for (const QString &file : files) {
-        const int place = places.value(file, -1);
-        if (place >= 0) {
-            beginRemoveRows({}, place, place);
-            rows.remove(place);
-            places.remove(file);
-            for (int &other : places) {
-                other -= other > place ? 1 : 0;
-            }
-            endRemoveRows();
-        }
+    QStandardItem *name = entry.cells[0];
+    name->setData(series.fileName, FileRole);
+    name->setData(name->text() + ' ' + QFileInfo(series.fileName).fileName(), FilterRole);
+    name->setToolTip( // which would take a name for HTML
+        Qt::convertFromPlainText(series.fileName + '\n' + series.oscilloscope.remark));
+    blocker.unblock();
+    if (isNew) {
+        appendRow(entry.cells);
+    } else {
+        emit dataChanged(name->index(), entry.cells.last()->index());
     }
 }
 
-void SeriesTable::readTraces(int row)
+void SeriesTable::remove(const QString &fileName)
 {
-    if (!rows[row].series.hasReadTraces) {
-        Series series = rows[row].series;
+    const Entry removed = entries.take(fileName);
+    if (!removed.cells.isEmpty()) {
+        removeRow(removed.cells[0]->row());
+    }
+}
+
+void SeriesTable::readTraces(const QString &fileName)
+{
+    Series series = at(fileName);
+    if (entries.contains(fileName) && !series.hasReadTraces) {
         addTraces(&series);
-        const Row read(series);
-        const QStringList before = std::exchange(rows[row], read).cells;
-        for (int column = FirstMedian; column < Columns; ++column) {
-            if (read.cells[column] != before[column]) {
-                emit dataChanged(index(row, column), index(row, column)); // a view paints no more
-            }
-        }
+        put(series);
     }
-}
-
-int SeriesTable::findUnread() const
-{
-    int newest = -1;
-    for (int i = 0; i < rows.size(); ++i) {
-        if (!rows[i].series.hasReadTraces &&
-            (newest < 0 || rows[newest].series.time < rows[i].series.time)) {
-            newest = i;
-        }
-    }
-    return newest;
 }

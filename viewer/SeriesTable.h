@@ -2,50 +2,38 @@
 
 #include "analysis/Series.h"
 
-#include <QAbstractTableModel>
 #include <QHash>
+#include <QStandardItemModel>
 
 /// The series that are open: name, count, medians without flagged values, flags. The newest come
 /// first when it is sorted by the first column, downwards.
-class SeriesTable : public QAbstractTableModel
+class SeriesTable : public QStandardItemModel
 {
-    Q_OBJECT
-
 public:
     enum Role
     {
         SortRole = Qt::UserRole,
-        FilterRole, ///< the text in which a filter is looked for
+        FilterRole, ///< of the first column: the text in which a filter is looked for
+        FileRole,   ///< of the first column
     };
 
-    using QAbstractTableModel::QAbstractTableModel;
+    explicit SeriesTable(QObject *parent);
 
-    [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
-    [[nodiscard]] int columnCount(const QModelIndex &parent = {}) const override;
-    [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
-    [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
-                                      int role) const override;
-
-    /// Add series, or put them in place of what the same file was before.
-    void add(const QVector<Series> &series);
-    /// Remove the series of these files.
-    void remove(const QStringList &files);
-    /// Read the traces of a series, unless that was done.
-    void readTraces(int row);
-    /// Find the newest series of which the traces were not read yet; -1 when there is none.
-    [[nodiscard]] int findUnread() const;
-    [[nodiscard]] const Series &at(int row) const { return rows[row].series; }
+    /// Add a series, or put it in place of what the same file was before.
+    void put(const Series &series);
+    /// Remove the series of a file, if there is one.
+    void remove(const QString &fileName);
+    /// Read the traces of the series of a file, if there is one and they were not read yet.
+    void readTraces(const QString &fileName);
+    /// Returns the series of a file; an empty one when there is none.
+    [[nodiscard]] Series at(const QString &fileName) const { return entries[fileName].series; }
 
 private:
-    struct Row
+    struct Entry
     {
-        explicit Row(const Series &from);
-
         Series series;
-        QStringList cells;
-        QVariantList sortKeys;
+        QList<QStandardItem *> cells; ///< its row
     };
 
-    QVector<Row> rows;
-    QHash<QString, int> places; ///< the row of each file
+    QHash<QString, Entry> entries; ///< by file
 };

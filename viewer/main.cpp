@@ -1,24 +1,45 @@
 #include "analysis/Csv.h"
+#include "analysis/SeriesFiles.h"
 #include "analysis/Summary.h"
-#include "viewer/CommandLine.h"
 #include "viewer/Export.h"
 #include "viewer/Report.h"
 #include "viewer/ResultsWindow.h"
 
 #include <QApplication>
+#include <QCommandLineParser>
 #include <QFile>
 #include <QIcon>
 #include <QLocale>
 
 #include <algorithm>
-#include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 
 namespace {
 
 constexpr int exitFailure = 1;
 constexpr int exitFlagged = 2;
+
+const char *const description = R"(Look at saved series of delay measurements.
+
+A FILE is a results file (..._Results.txt) or a folder, which stands for all in
+it; without any, the folder where Orvanta saves. Without an option, a window
+opens; options need no display.
+
+Exit status: 0; 1 when a file cannot be read or written, or the command line is
+wrong; with --summary 2 when a series has flags, or its traces do not tell the
+oscilloscope type: they are missing or broken, or its delays are wrong.)";
+
+/// What a person asks for on the command line.
+struct Request
+{
+    QStringList files; ///< and folders
+    bool isSummary;
+    bool isCsv;
+    QString report; ///< file to write it to; null for none
+    QString output; ///< file for the CSV; empty for the standard output
+};
 
 void complain(const QString &sentence)
 {
@@ -39,13 +60,49 @@ bool print(const QString &text)
     return false;
 }
 
-bool write(const CommandLine &commandLine, const QVector<Series> &series)
+/// Read the command line of the application. Ends the program where that asks for help, the version
+/// or what cannot be had.
+Request readCommandLine()
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(description);
+    parser.addPositionalArgument("FILE", "a results file, or a folder", "[FILE...]");
+    const QCommandLineOption summary("summary", "Print statistics and flags; two series are "
+                                                "compared, more have an overview before them.");
+    const QCommandLineOption csv("csv", "Print one row a measurement.");
+    const QCommandLineOption output("output", "With --csv: write to this file.", "OUTPUT");
+    const QCommandLineOption report(
+        "report", "Write a report: .pdf, or of one series or two .png or .svg.", "REPORT");
+    parser.addOptions({summary, csv, output, report});
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.process(QCoreApplication::arguments());
+
+    QString mistake;
+    if (int(parser.isSet(summary)) + int(parser.isSet(csv)) + int(parser.isSet(report)) > 1) {
+        mistake = "Only one of --summary, --csv and --report can be had at a time.";
+    } else if (parser.isSet(output) && !parser.isSet(csv)) {
+        mistake = "--output goes with --csv; --report names its file itself.";
+    }
+    if (!mistake.isEmpty()) {
+        complain(mistake + " --help tells what can be asked for.");
+        std::exit(exitFailure);
+    }
+    QStringList files = parser.positionalArguments();
+    if (files.isEmpty()) {
+        files += resultsFolder();
+    }
+    return {files, parser.isSet(summary), parser.isSet(csv), parser.value(report),
+            parser.value(output)};
+}
+
+bool write(const Request &request, const QVector<Series> &series)
 {
     QString problem;
     bool isWritten = false;
-    if (commandLine.mode == CommandLine::Mode::Report) {
-        isWritten = writeReport(series, commandLine.output, &problem);
-    } else if (commandLine.mode == CommandLine::Mode::Summary) {
+    if (!request.report.isNull()) {
+        isWritten = writeReport(series, request.report, &problem);
+    } else if (request.isSummary) {
         isWritten = print((series.size() > 2 ? summariseBriefly(series) + '\n' : QString()) +
                           describeSelection(series));
     } else {
@@ -53,9 +110,8 @@ bool write(const CommandLine &commandLine, const QVector<Series> &series)
         for (const Series &one : series) {
             csv += csvRows(one);
         }
-        isWritten = commandLine.output.isEmpty()
-                        ? print(csv)
-                        : writeWhole(commandLine.output, csv.toUtf8(), &problem);
+        isWritten = request.output.isEmpty() ? print(csv)
+                                             : writeWhole(request.output, csv.toUtf8(), &problem);
     }
     if (!problem.isEmpty()) {
         complain(problem);
@@ -64,14 +120,14 @@ bool write(const CommandLine &commandLine, const QVector<Series> &series)
 }
 
 /// What needs no display.
-int runInTerminal(const CommandLine &commandLine)
+int runInTerminal(const Request &request)
 {
-    const LoadedSeries loaded = loadSeries(commandLine.files);
+    const LoadedSeries loaded = loadSeries(request.files);
     std::for_each(loaded.problems.begin(), loaded.problems.end(), complain);
     const bool isWhole =
-        (loaded.series.isEmpty() || write(commandLine, loaded.series)) && loaded.problems.isEmpty();
-    const bool isFlagged = commandLine.mode == CommandLine::Mode::Summary &&
-                           std::any_of(loaded.series.begin(), loaded.series.end(), isDoubtful);
+        (loaded.series.isEmpty() || write(request, loaded.series)) && loaded.problems.isEmpty();
+    const bool isFlagged =
+        request.isSummary && std::any_of(loaded.series.begin(), loaded.series.end(), isDoubtful);
     return !isWhole ? exitFailure : isFlagged ? exitFlagged : 0;
 }
 
@@ -87,7 +143,7 @@ void endWithoutDisplay(QtMsgType type, const QMessageLogContext &context, const 
     std::_Exit(exitFailure);
 }
 
-int runWindow(const CommandLine &commandLine, int &argc, char **argv)
+int runWindow(const Request &request, int &argc, char **argv)
 {
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
@@ -105,7 +161,7 @@ int runWindow(const CommandLine &commandLine, int &argc, char **argv)
 
     ResultsWindow window;
     window.show();
-    const bool isWhole = window.open(commandLine.files);
+    const bool isWhole = window.open(request.files);
     const int status = QApplication::exec();
     return status == 0 && !isWhole ? exitFailure : status;
 }
@@ -114,34 +170,20 @@ int runWindow(const CommandLine &commandLine, int &argc, char **argv)
 
 int main(int argc, char *argv[])
 {
-    QStringList arguments;
-    std::setlocale(LC_ALL, ""); // an application object would, but which it is depends on these
-    std::transform(argv, argv + argc, std::back_inserter(arguments),
-                   [](const char *argument) { return QString::fromLocal8Bit(argument); });
-    const CommandLine commandLine = readCommandLine(arguments);
+    QCoreApplication::setApplicationName("OrvantaResults");
+    QCoreApplication::setApplicationVersion(ORVANTA_VERSION);
+    // Which application it is, depends on the command line.
+    auto terminal = std::make_unique<QCoreApplication>(argc, argv);
+    const Request request = readCommandLine();
     QLocale::setDefault(QLocale::c()); // axes show numbers as the files do
-
-    switch (commandLine.mode) {
-    case CommandLine::Mode::Help:
-        return print(commandLine.text) ? 0 : exitFailure;
-    case CommandLine::Mode::Version:
-        return print("OrvantaResults " ORVANTA_VERSION "\n") ? 0 : exitFailure;
-    case CommandLine::Mode::Mistake:
-        complain(commandLine.text);
-        complain("--help tells what can be asked for.");
-        return exitFailure;
-    case CommandLine::Mode::Summary:
-    case CommandLine::Mode::Csv: {
-        const QCoreApplication application(argc, argv);
-        return runInTerminal(commandLine);
+    if (request.isSummary || request.isCsv) {
+        return runInTerminal(request);
     }
-    case CommandLine::Mode::Report: {
-        qputenv("QT_QPA_PLATFORM", "offscreen"); // plots are widgets, but nobody sees them
-        const QApplication application(argc, argv);
-        return runInTerminal(commandLine);
+    terminal.reset();
+    if (request.report.isNull()) {
+        return runWindow(request, argc, argv);
     }
-    case CommandLine::Mode::Window:
-        break;
-    }
-    return runWindow(commandLine, argc, argv);
+    qputenv("QT_QPA_PLATFORM", "offscreen"); // plots are widgets, but nobody sees them
+    const QApplication application(argc, argv);
+    return runInTerminal(request);
 }

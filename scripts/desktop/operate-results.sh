@@ -18,8 +18,7 @@ program=$!
 await_window 'Orvanta Results'
 await "steady picture" is_steady "$folder/results.png"
 
-find "$@" -name '*_Results.txt' >"$folder/results.count"
-if (($(wc -l <"$folder/results.count") > 1)); then
+if (($(find "$@" -name '*_Results.txt' | wc -l) > 1)); then
     xdotool key shift+Down
 fi
 await "steady picture" is_steady "$folder/results.png"
