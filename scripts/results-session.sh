@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # One session of an engineer with saved series, on a virtual desktop: looks at them, compares the two
-# newest if there are two, exports a report, and closes the window. FOLDER gets screenshots, the
+# newest, if there are two, exports a report, and closes the window. FOLDER gets screenshots, the
 # report, the summary and the program's output.
 # Usage: results-session.sh EXECUTABLE FOLDER DPI FILE...
 set -euo pipefail
@@ -20,7 +20,7 @@ private=$(mktemp -d)
 trap 'rm -rf -- "$private"' EXIT
 mkdir -m 700 -- "$private"/{home,config,data,runtime}
 
-# As in a session with the demo: neither settings nor a message bus of the person who runs this.
+# As in desktop-session.sh: without the settings and the message bus of the person who runs this.
 unset "${!QT_@}" "${!XDG_@}" "${!KDE_@}" "${!GTK_@}" "${!GNOME_@}"
 unset WAYLAND_DISPLAY DESKTOP_SESSION SESSION_MANAGER
 export LC_ALL=C.UTF-8 HOME=$private/home XDG_CONFIG_HOME=$private/config
@@ -32,7 +32,7 @@ rm -f -- "$folder"/results*.{png,pdf} "$folder/summary.txt"
     "$desktop/operate-results.sh" "$executable" "$folder" "${files[@]}"
 status=0
 "$executable" --summary "${files[@]}" >"$folder/summary.txt" || status=$?
-((status == 0 || status == 2)) # 2: something in them is flagged
+((status == 0 || status == 2)) # 2: some values are flagged
 
 fail() {
     echo "Wrong: $*" >&2
