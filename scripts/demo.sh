@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Builds Orvanta and starts it on the simulated bench; at the end it prints the command that shows the
-# results. Without a display, a scripted operator measures on a virtual desktop. FOLDER then gets the
-# screenshots, the results and their report.
+# Builds Orvanta and starts it on the simulated bench. At the end it prints the command that shows
+# the results. Without a display, a scripted operator measures on a virtual desktop. FOLDER then gets
+# the screenshots, the results and their report.
 # Usage: demo.sh [FOLDER]
 set -euo pipefail
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Tests the simulated bench with PyVISA: every command in the tables of its handbook, and the example.
+# Tests the simulated bench with PyVISA: the commands in its handbook, and the example.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# One session of an engineer with saved series, on a virtual desktop: looks at them, compares the two
-# newest, if there are two, exports a report, and closes the window. FOLDER gets screenshots, the
+# One session of an engineer with saved series, on a virtual desktop: looks at them, compares the
+# two newest, if there are two, exports a report, and closes the window. FOLDER gets screenshots, the
 # report, the summary and the program's output.
 # Usage: results-session.sh EXECUTABLE FOLDER DPI FILE...
 set -euo pipefail
