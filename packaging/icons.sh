@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Checks that the icons' pictures in the tree are those of their drawings; with --render, makes them.
+# Checks that the icons in the tree match their drawings; with --render, makes them anew.
 # Usage: icons.sh [--render]
 set -euo pipefail
 cd "$(dirname "$0")/hicolor"
@@ -15,7 +15,7 @@ for drawing in scalable/apps/*.svg; do
         # Colours may be rounded differently by another version of the renderer.
         elif ! different=$("${render[@]}" |
             compare -metric AE -fuzz 3% "$picture" - null: 2>&1); then
-            echo "$picture is not made of its drawing; pixels that differ: $different" >&2
+            echo "$picture does not match its drawing; pixels that differ: $different" >&2
             status=1
         fi
     done

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Measures what a measurement costs beside its floors, and prints one table. Needs no display.
-# Usage: benchmark.sh [BENCHMARK-OPTION...], as --benchmark_repetitions=20 for steadier medians.
+# Usage: benchmark.sh [BENCHMARK-OPTION...]; --benchmark_repetitions=20 gives steadier medians.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

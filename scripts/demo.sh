@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Builds Orvanta and starts it on the simulated bench. Without a display, a scripted operator works
-# it on a virtual desktop, and FOLDER gets the screenshots and the results. It ends with what was
-# measured: a picture of OrvantaResults, its report and its summary, or the command to see it.
+# Builds Orvanta and starts it on the simulated bench. At the end it prints the command that shows
+# the results. Without a display, a scripted operator measures on a virtual desktop. FOLDER then gets
+# the screenshots, the results and their report.
 # Usage: demo.sh [FOLDER]
 set -euo pipefail
 

@@ -19,8 +19,7 @@ fi
 desktop=$(realpath -- "$(dirname "$0")/desktop")
 operator=$(realpath -- "${4:-$desktop/operate.sh}")
 
-# What the session needs but nobody wants to see; also the mark by which a later session knows that
-# it may empty the folder.
+# Files of the session itself. Where they are, a later session may empty the folder.
 private=$folder/.desktop-session
 if [[ -e $private ]]; then
     rm -rf -- "$folder"
@@ -31,12 +30,12 @@ fi
 mkdir -p -- "$folder/data" "$private"/{home,config,tmp}
 mkdir -m 700 -- "$private/runtime" # a looser mode would be warned about
 
-# Neither the person's settings nor their desktop's look may play a part, in either direction.
+# The session must not see the person's settings and desktop, nor change them.
 unset "${!QT_@}" "${!XDG_@}" "${!KDE_@}" "${!GTK_@}" "${!GNOME_@}"
 unset WAYLAND_DISPLAY DESKTOP_SESSION SESSION_MANAGER
 export LC_ALL=C.UTF-8 HOME=$private/home TMPDIR=$private/tmp
 export XDG_DATA_HOME=$folder/data XDG_CONFIG_HOME=$private/config XDG_RUNTIME_DIR=$private/runtime
-# Without an address Qt would have a message bus launched, which outlives the session.
+# Without an address Qt would start a message bus, which outlives the session.
 export DBUS_SESSION_BUS_ADDRESS=disabled:
 # Widgets are drawn without OpenGL, whose drivers leak memory once they are unloaded.
 export QT_XCB_GL_INTEGRATION=none

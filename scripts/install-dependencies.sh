@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Installs what the given kinds of work need and the machine lacks, by the names that Debian 12 has.
-# Where it cannot install, it goes on if the commands are there all the same.
+# Installs the packages that the given kinds of work need and the machine lacks, by their names in
+# Debian 12. A machine without apt-get must have their commands.
 # Usage: install-dependencies.sh GROUP...
 set -euo pipefail
 
@@ -13,7 +13,7 @@ declare -A packages_of=(
     [package]='dpkg-dev file desktop-file-utils appstream mandoc lintian librsvg2-bin piuparts'
     [checks]='clang libclang-rt-dev llvm clang-format clang-tidy locales fonts-dejavu-core'
 )
-# Only where it is not called like its package. Of libraries and data there is none to look for.
+# The command of a package, if it has another name; '' for packages without one.
 declare -A command_of=(
     [ninja-build]=ninja [xvfb]=Xvfb [imagemagick]=import [poppler-utils]=pdftoppm
     [dpkg-dev]=dpkg-shlibdeps [desktop-file-utils]=desktop-file-validate [appstream]=appstreamcli

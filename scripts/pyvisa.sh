@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# Drives the simulated bench with PyVISA: every command and the example of its handbook, and what
-# sessions do.
+# Tests the simulated bench with PyVISA: the commands in its handbook, and the example.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -1,6 +1,5 @@
 #!/usr/bin/env bash
-# Runs every test: first with sanitizers, the fuzzers among them, then with the checks of the
-# optimised build.
+# Runs every test: with sanitizers and fuzzers, then in the optimised build with the other checks.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -1,5 +1,5 @@
 # shellcheck shell=bash
-# To be sourced: waiting, with an end.
+# To be sourced: waiting with a time limit.
 
 patience=60 # seconds
 

@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# To be sourced with the EXECUTABLE, FOLDER and DPI of a session: the hands and eyes of an operator
-# of one program, which they start.
+# To be sourced with the EXECUTABLE, FOLDER and DPI of a session: functions that start the program,
+# operate its window, and look at it.
 here=$(dirname "${BASH_SOURCE[0]}")
 # shellcheck source-path=SCRIPTDIR source=await.sh
 source "$here/await.sh"
@@ -44,7 +44,7 @@ await_window() {
     await "contents in window '$1'" is_painted
 }
 
-# The form is fixed, so its file tells where everything is.
+# The form has a fixed layout, so its file says where each widget is.
 declare -A place_of
 while read -r name place; do
     place_of[$name]=$place
@@ -67,7 +67,7 @@ looks_different() {
     [[ $(look_of "$1") != "$2" ]]
 }
 
-# Whether the picture, taken again, is still the same: nothing is being painted any more.
+# Takes the picture again, and succeeds if it is the same: painting is over.
 is_steady() {
     local before
     before=$(identify -format %# "$1" 2>/dev/null)
@@ -86,8 +86,8 @@ start_program() {
     await_window Orvanta
 }
 
-# Sets the two instruments up that every series needs, one after the other: what is pressed while one
-# is being set up is lost.
+# Sets up the two instruments that every series needs. The pauses keep the second click from being
+# dropped.
 press_inits() {
     local init
     for init in OsInit SaInit; do
@@ -106,7 +106,7 @@ has_ended() {
     timeout 0.5 tail --pid="$program" --sleep-interval=0.1 -f /dev/null
 }
 
-# Presses Cancel, again where a busy program lost it, and sees that the program ends well.
+# Presses Cancel until the program ends (a busy program drops clicks), and checks its exit status.
 leave_program() {
     await "end of the program after Cancel" has_ended
     local status=0

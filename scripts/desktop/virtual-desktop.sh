@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs a command on a desktop of its own: an X server without a screen, and a window manager, for
-# windows get their frames and the keyboard from one.
+# Runs a command on a desktop of its own: an X server without a screen, and a window manager, which
+# gives windows their frames and the keyboard.
 # Usage: virtual-desktop.sh LOG DPI COMMAND [ARGUMENT...]
 set -euo pipefail
 # shellcheck source-path=SCRIPTDIR source=await.sh
@@ -23,7 +23,7 @@ trap clean_up EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM
 
-# X servers tell their size in whole millimetres: these sides lose nothing, so the density is exact.
+# X servers round their size to millimetres. These sides are whole ones, so the density is exact.
 screen=$((1440 * dpi / 96))x$((960 * dpi / 96))x24
 coproc server {
     exec Xvfb -displayfd 3 -screen 0 "$screen" -dpi "$dpi" -noreset 3>&1 >"$log" 2>&1
