@@ -10,6 +10,7 @@
 #include <mutex>
 #include <new>
 #include <string>
+#include <utility>
 #include <variant>
 
 namespace visa {
@@ -36,7 +37,11 @@ struct Object
 {
     using Content = std::variant<Manager, Session, FindList>;
 
-    Object(ViSession manager, Content content) : manager(manager), content(std::move(content)) {}
+    template <typename Kind>
+    Object(ViSession manager, Kind kind)
+        : manager(manager), content(std::in_place_type<Kind>, std::move(kind))
+    {
+    }
 
     const ViSession manager; ///< that opened it; 0 for a manager
     Content content;
