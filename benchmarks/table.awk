@@ -17,5 +17,5 @@ END {
     row("measurement, KVx", median["measurement/0"], median["measurementFloor/0"])
     row("measurement, LPA4004", median["measurement/1"], median["measurementFloor/1"])
     row("results of 100000 measurements, summed up", median["summary"], median["bareNumbers"])
-    row("trace of 1000000 samples, read and drawn", median["traceDrawn"], median["traceRead"])
+    row("trace of 1000000 samples, read and drawn", median["trace/drawn"], median["trace/read"])
 }
