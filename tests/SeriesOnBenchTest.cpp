@@ -81,8 +81,8 @@ private slots:
     void initTestCase()
     {
         p_viOpenDefaultRM = viOpenDefaultRM;
-        entryPoints() = std::tuple(viOpen, viClose, viSetAttribute, viGpibControlREN, viWrite,
-                                   viRead, viReadToFile);
+        entryPoints() = std::make_tuple(viOpen, viClose, viSetAttribute, viGpibControlREN, viWrite,
+                                        viRead, viReadToFile);
     }
 
     void truth_data()
