@@ -49,7 +49,8 @@ public:
     const std::string name;
     const std::unique_ptr<Instrument> instrument;
     Faults faults;
-    int clients = 0; ///< the number of message exchanges
+    int clients = 0;                       ///< the number of message exchanges
+    static constexpr int clientLimit = 16; ///< for servers; real instruments have a similar one
     const MessageExchange *lockHolder = nullptr;
     Clock::time_point readyAt; ///< from when answers can be read
 

@@ -9,19 +9,19 @@ namespace server {
 
 namespace {
 
-/// Have the system end the connection when the client's host has not answered for half a minute, as
-/// after a power failure. Other clients need its links and locks.
+/// Have the system end an idle connection whose client's host has not answered for half a minute,
+/// as after a power failure. Other clients need its links and locks. A client may let answers wait.
 void watch(QTcpSocket &socket)
 {
     socket.setSocketOption(QAbstractSocket::KeepAliveOption, 1);
-#ifdef TCP_USER_TIMEOUT
+#ifdef TCP_KEEPIDLE
     const auto set = [&](int option, int value) {
         ::setsockopt(static_cast<int>(socket.socketDescriptor()), IPPROTO_TCP, option, &value,
                      sizeof value);
     };
     set(TCP_KEEPIDLE, 10); // s
     set(TCP_KEEPINTVL, 5);
-    set(TCP_USER_TIMEOUT, 30000); // ms; also for unacknowledged answers
+    set(TCP_KEEPCNT, 4);
 #endif
 }
 

@@ -19,7 +19,6 @@ namespace {
 
 constexpr std::size_t callLimit = 1 << 20; // bytes
 constexpr std::uint32_t receiveSize = 65536;
-constexpr int clientsPerDevice = 16; // real instruments have a similar limit
 
 /// Returns the results of a procedure that failed: the error, and 0 for all others (VXI-11 1.0,
 /// C.1).
@@ -206,7 +205,7 @@ Answer CoreChannel::createLink(const CoreCall &call, Clock::time_point began)
     if (device == nullptr) {
         return error(NotAccessible, CreateLink);
     }
-    if (device->clients >= clientsPerDevice) {
+    if (device->clients >= Device::clientLimit) {
         return error(OutOfResources, CreateLink);
     }
     const auto locked = answerIfLocked(call, *device, nullptr, began);

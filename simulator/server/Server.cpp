@@ -18,6 +18,7 @@ namespace server {
 namespace {
 
 constexpr quint16 lastPrivilegedPort = 1023;
+constexpr quint32 loopbackBroadcast = 0x7fffffff; // 127.255.255.255
 
 /// Call `serve` with every connection to a server.
 template <typename Serve>
@@ -60,8 +61,8 @@ QString advice(quint16 port, QAbstractSocket::SocketError error)
         return {};
     }
     if (port == wire::portmapperPort) {
-        return "It is usually rpcbind that listens there: type 'sudo systemctl stop rpcbind.socket "
-               "rpcbind.service' before you start this, or " +
+        return "It is usually rpcbind or another OrvantaBench that listens there: end that bench, "
+               "type 'sudo systemctl stop rpcbind.socket rpcbind.service', or " +
                ownNetwork;
     }
     return "Perhaps OrvantaBench is already running; with --port this one takes other ports.";
@@ -85,9 +86,10 @@ QString listen(QTcpServer *server, const QHostAddress &address, quint16 port)
     return {};
 }
 
-QString listen(QUdpSocket *socket, const QHostAddress &address, quint16 port)
+QString listen(QUdpSocket *socket, const QHostAddress &address, quint16 port,
+               QAbstractSocket::BindMode mode)
 {
-    if (!socket->bind(address, port, QAbstractSocket::DontShareAddress)) {
+    if (!socket->bind(address, port, mode)) {
         return failure(address, port, socket->errorString(), socket->error());
     }
     return {};
@@ -107,15 +109,18 @@ QList<QNetworkAddressEntry> ownAddresses()
     return addresses;
 }
 
-/// Returns the addresses by which clients reach a server that listens at an address.
+/// Returns the addresses by which clients reach a server that listens at an address: none for a
+/// broadcast or multicast address, at which one can listen, too.
 QList<QHostAddress> reachableAddresses(const QHostAddress &address)
 {
-    if (address != QHostAddress(QHostAddress::AnyIPv4)) {
+    if (address.isLoopback() && address.toIPv4Address() != loopbackBroadcast) {
         return {address};
     }
     QList<QHostAddress> addresses;
     for (const QNetworkAddressEntry &own : ownAddresses()) {
-        addresses << own.ip();
+        if (own.ip() == address || address == QHostAddress(QHostAddress::AnyIPv4)) {
+            addresses << own.ip();
+        }
     }
     return addresses;
 }
@@ -161,6 +166,10 @@ QString Server::start()
 /// Serve some devices at an address.
 QString Server::startHost(const QHostAddress &address, const CoreChannel::Devices &devices)
 {
+    const QList<QHostAddress> reachable = reachableAddresses(address);
+    if (reachable.isEmpty()) {
+        return "No client can reach " + address.toString() + ": it is no address of this machine.";
+    }
     if (options.hasPortmapper) {
         QString error = startVxi11(address, devices);
         if (!error.isEmpty()) {
@@ -171,6 +180,10 @@ QString Server::startHost(const QHostAddress &address, const CoreChannel::Device
     for (simulator::Device *device : devices) {
         auto *const server = new QTcpServer(&sockets);
         onConnection(server, [this, device](QTcpSocket *socket) {
+            if (device->clients >= simulator::Device::clientLimit) {
+                delete socket;
+                return;
+            }
             new ScpiSocket(socket, shared, *device); // the socket's
         });
         QString error = listen(server, address, port++);
@@ -178,8 +191,8 @@ QString Server::startHost(const QHostAddress &address, const CoreChannel::Device
             return error;
         }
     }
-    for (const QHostAddress &reachable : reachableAddresses(address)) {
-        addResources(reachable, devices);
+    for (const QHostAddress &at : reachable) {
+        addResources(at, devices);
     }
     return {};
 }
@@ -209,7 +222,11 @@ QString Server::startVxi11(const QHostAddress &address, const CoreChannel::Devic
         auto *const receiver = new QUdpSocket(&sockets);
         sender = sender != nullptr ? sender : receiver;
         servePortmap(receiver, sender, corePort);
-        error = listen(receiver, at, wire::portmapperPort);
+        QAbstractSocket::BindMode mode = QAbstractSocket::DontShareAddress;
+        if (at != address) { // every bench of this machine answers broadcasts
+            mode = QAbstractSocket::ShareAddress | QAbstractSocket::ReuseAddressHint;
+        }
+        error = listen(receiver, at, wire::portmapperPort, mode);
         if (!error.isEmpty()) {
             return error;
         }

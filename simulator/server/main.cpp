@@ -4,6 +4,8 @@
 #include <QCoreApplication>
 #include <QTextStream>
 
+#include <cmath>
+
 namespace {
 
 /// Returns the options of the command line; nothing when one cannot be used.
@@ -40,8 +42,8 @@ std::optional<server::ServerOptions> optionsOf(const QCoreApplication &applicati
     options.timeScale = parser.value(timeScale).toDouble(&isScale);
     const bool isIPv4 = options.address.protocol() == QAbstractSocket::IPv4Protocol;
     const bool isPort = scpiPort > 0 && scpiPort <= lastScpiPort;
-    const bool isValid = isIPv4 && isPort && isScale && options.timeScale >= 0 &&
-                         parser.positionalArguments().isEmpty();
+    const bool isValid = isIPv4 && isPort && isScale && std::isfinite(options.timeScale) &&
+                         options.timeScale >= 0 && parser.positionalArguments().isEmpty();
     return isValid ? std::optional(options) : std::nullopt;
 }
 

@@ -11,7 +11,6 @@ import sys
 import threading
 import unittest
 
-import numpy
 import pyvisa
 from pyvisa.constants import StatusCode
 
@@ -66,12 +65,6 @@ class NetworkTest(unittest.TestCase):
             call(*arguments)
         self.assertEqual(caught.exception.error_code, status)
 
-    def test_lxi(self):
-        for name, address in places.items():
-            for options in [], ["--raw", "--port", "5025"]:
-                command = ["lxi", "scpi", *options, "--address", address, "*IDN?"]
-                self.assertRegex(subprocess.check_output(command, text=True), "^Varnholt,", name)
-
     def test_another_host(self):
         names = ("scope", "scope-kvx", "analyzer", "analyzer-qan", "analyzer-qel", "video")
         for address in "10.9.8.2", "0.0.0.0":
@@ -110,10 +103,10 @@ exec "{BENCH}" --address {address}"""
             (["--version"], 0, "OrvantaBench"),
             (["--address", "::1"], 2, "no IPv4 address"),
             (["--port", "65531"], 2, "no port"),  # there are six
-            (["--time-scale", "-1"], 2, "no time scale"),
+            (["--time-scale", "inf"], 2, "no time scale"),
             (["here"], 2, "--help"),
-            (["--address", "10.0.0.1"], 1, "Cannot listen at 10.0.0.1"),
-            ([], 1, "port 111.*\n.*rpcbind"),
+            (["--address", "224.0.0.1"], 1, "No client can reach 224.0.0.1"),
+            ([], 1, "port 111.*\n.*rpcbind or another OrvantaBench"),
             (["--no-portmapper"], 1, "port 5025.*\n.*already running"),
         ):
             run = subprocess.run([BENCH, *options], capture_output=True, text=True, check=False)
@@ -134,10 +127,6 @@ exec "{BENCH}" --address {address}"""
                 manager = self.visa(library)
                 one = self.open(manager, places["scope"])
                 two = self.open(manager, places["video"], "Scope")
-                binary = one.query_binary_values("*RST;FORM REAL,32;:CHAN1:DATA?")
-                text = one.query_ascii_values("FORM ASC;:CHAN1:DATA?")
-                numpy.testing.assert_array_equal(numpy.float32(text), binary)
-
                 one.write("CHAN2:SCAL 0.123;SCAL?")
                 self.assertEqual(two.query("CHAN2:SCAL?;SCAL 0.2"), "0.123\n")
                 self.assertEqual(one.read_stb() & MESSAGE_AVAILABLE, MESSAGE_AVAILABLE)
@@ -180,25 +169,6 @@ exec "{BENCH}" --address {address}"""
             other, answers = self.connect(places["scope-kvx"])
             other.sendall(b"BENCH:FAULT NONE\n*CLS;SYST:ERR?\n")
             self.assertEqual(answers.readline(), b'0,"No error"\n', order)
-
-    def test_orders_for_the_link(self):
-        scope, answers = self.connect(places["scope-kvx"])
-
-        def event(order):
-            """Return what the bench says of the next event."""
-            scope.sendall(f"{order};:TIM:RANG 1ms;:SING;*TRG;BENCH:EVENT?\n".encode())
-            fields = ("number", "source", "rf", "hdmi", "sink", "overload")
-            return dict(zip(fields, map(float, answers.readline().split(b","))))
-
-        self.assertAlmostEqual(event("BENCH:LATENCY RF,60ms,0")["rf"], 60)
-        self.assertAlmostEqual(event("BENCH:LATENCY HDMI,10ms,0")["hdmi"], 10)
-        sink = event("BENCH:LATENCY SINK,200ms,0")["sink"]
-        self.assertTrue(200 <= sink <= 220, sink)  # it waits for a frame, and rises
-        self.assertEqual(event("BENCH:OVERLOAD 1")["overload"], 1)
-        self.assertEqual(event("BENCH:OVERLOAD 0")["overload"], 0)
-        sinks = [event(f"BENCH:SEED {seed}")["sink"] for seed in (7, 7, 8)]
-        self.assertEqual(sinks[0], sinks[1])
-        self.assertNotEqual(sinks[0], sinks[2])
 
     def test_a_client_that_never_reads(self):
         greedy, records = self.connect(places["scope-kvx"])

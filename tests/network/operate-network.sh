@@ -1,18 +1,10 @@
 #!/usr/bin/env bash
-# An operator of Orvanta, who types what OrvantaBench prints: measures, loses the bench in mid-series,
-# measures again, and is then impatient. In a network of its own, without a maker's VISA library.
+# An operator of Orvanta, who types what OrvantaBench prints: measures, and is then impatient. In a
+# network of its own, without a maker's VISA library.
 # Usage: BENCH=ORVANTABENCH operate-network.sh EXECUTABLE FOLDER DPI
 set -euo pipefail
 # shellcheck source-path=SCRIPTDIR source=../../scripts/desktop/operator.sh
 source "$(dirname "$0")/../../scripts/desktop/operator.sh"
-
-start_bench() {
-    # shellcheck disable=SC2153 # the test's
-    "$BENCH" >"$folder/bench.log" &
-    bench=$!
-    disown
-    await "instruments" grep --quiet EVENT "$folder/bench.log"
-}
 
 # Prints the resource string of an instrument.
 resource_of() {
@@ -35,27 +27,20 @@ close_graph() {
     await_window Orvanta
 }
 
-measure() {
-    click Start
-    close_graph
-    ask_scope 'BENCH:EVENT?' >"$folder/$1.truth"
-}
-
 ip link set lo up
-start_bench
+# shellcheck disable=SC2153 # the test's
+"$BENCH" >"$folder/bench.log" &
+bench=$!
+disown
+await "instruments" grep --quiet EVENT "$folder/bench.log"
 start_program
 enter OsIp "$(resource_of scope)"
 enter SaIp "$(resource_of analyzer)"
 click SaveData
 initialise
-measure before
-
 click Start
-kill "$bench"
 close_graph
-start_bench
-initialise
-measure after
+ask_scope 'BENCH:EVENT?' >"$folder/truth"
 
 # Whatever is pressed while a series runs or an instrument is set up must be lost.
 enter MeasCnt 3 # the records alone take 3.6 seconds
