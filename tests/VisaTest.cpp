@@ -237,6 +237,7 @@ private slots:
         QCOMPARE(viUnlock(first), VI_ERROR_SESN_NLOCKED);
         QCOMPARE(viOpen(manager, scope, VI_EXCLUSIVE_LOCK, 0, &second), VI_SUCCESS);
         QCOMPARE(viClear(first), VI_ERROR_RSRC_LOCKED);
+        QCOMPARE(viOpen(manager, scope, VI_EXCLUSIVE_LOCK, 1, &first), VI_ERROR_RSRC_LOCKED);
     }
 
     void closesWhileWaitingForALock()
