@@ -36,7 +36,10 @@ struct Object
 {
     using Content = std::variant<Manager, Session, FindList>;
 
-    Object(ViSession manager, Content content) : manager(manager), content(std::move(content)) {}
+    template <typename Kind>
+    Object(ViSession manager, Kind kind) : manager(manager), content(std::move(kind))
+    {
+    }
 
     const ViSession manager; ///< that opened it; 0 for a manager
     Content content;
