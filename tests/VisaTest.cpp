@@ -87,7 +87,6 @@ private slots:
         };
         QCOMPARE(open("tcpip7::Scope::INST0"), VI_SUCCESS);
         QCOMPARE(open("TCPIP0::printer"), VI_ERROR_RSRC_NFOUND);
-        QCOMPARE(session, 0U);
         QCOMPARE(open("TCPIP0::scope::inst1"), VI_ERROR_RSRC_NFOUND);
         QCOMPARE(open("GPIB0::7::INSTR"), VI_ERROR_INV_RSRC_NAME);
     }
