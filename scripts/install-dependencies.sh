@@ -9,7 +9,7 @@ declare -A packages_of=(
     [desktop]='xvfb openbox xdotool imagemagick fonts-dejavu-core poppler-utils'
     [benchmarks]='libbenchmark-dev'
     [pyvisa]='python3 python3-pyvisa python3-numpy python3-matplotlib'
-    [network]='iproute2 util-linux lxi-tools python3-pyvisa-py python3-numpy rpcsvc-proto libtirpc-dev'
+    [network]='iproute2 util-linux lxi-tools python3-pyvisa-py python3-numpy'
     [package]='dpkg-dev file desktop-file-utils appstream mandoc lintian librsvg2-bin piuparts'
     [checks]='clang libclang-rt-dev llvm clang-format clang-tidy locales fonts-dejavu-core'
 )
@@ -20,8 +20,8 @@ declare -A command_of=(
     [librsvg2-bin]=rsvg-convert [llvm]=llvm-symbolizer
     [qtbase5-dev]='' [libqt5svg5-dev]='' [libqwt-qt5-dev]='' [libre2-dev]='' [libbenchmark-dev]='' [libclang-rt-dev]=''
     [python3-pyvisa]='' [python3-numpy]='' [python3-matplotlib]=''
-    [iproute2]=ip [util-linux]=unshare [lxi-tools]=lxi [rpcsvc-proto]=rpcgen
-    [python3-pyvisa-py]='' [libtirpc-dev]=''
+    [iproute2]=ip [util-linux]=unshare [lxi-tools]=lxi
+    [python3-pyvisa-py]=''
     [locales]='' [fonts-dejavu-core]=''
 )
 

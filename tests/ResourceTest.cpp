@@ -8,56 +8,39 @@ class ResourceTest : public QObject
     Q_OBJECT
 
 private slots:
-    void names_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("canonical"); // empty when the name is malformed
-        const auto row = [](const char *title, const QString &name, const char *canonical = "") {
-            QTest::newRow(title) << name << canonical;
-        };
-        row("short", "TCPIP::scope", "TCPIP0::scope::inst0::INSTR");
-        row("full", "tcpip7::a-b_c.D::gpib0,5::instr", "TCPIP7::a-b_c.D::gpib0,5::INSTR");
-        row("pasted", " \tTCPIP0::a::INSTR\r\n", "TCPIP0::a::inst0::INSTR");
-        row("another interface", "GPIB0::7::INSTR");
-        row("another class", "TCPIP0::a::5025::SOCKET");
-        row("empty host", "TCPIP0::::INSTR");
-        row("board beyond 16 bits", "TCPIP65536::a::INSTR");
-        row("blank behind the host", "TCPIP0::a ::INSTR");
-        row("too long in canonical form", "TCPIP::" + QString(235, 'a'));
-    }
-
     void names()
     {
-        QFETCH(const QString, name);
-        const auto parsed = visa::parseResourceName(name.toStdString());
-        QTEST(parsed ? QString::fromStdString(parsed->full) : "", "canonical");
-    }
-
-    void expressions_data()
-    {
-        QTest::addColumn<QString>("expression");
-        QTest::addColumn<QString>("outcome"); // with "TCPIP0::a-b.c::INSTR"
-        const auto row = [](const char *title, const char *expression, const char *outcome) {
-            QTest::newRow(title) << expression << outcome;
-        };
-        row("letter case", "tcpip?*instr", "matches");
-        row("any character", "?*::[^k]\\-b?c::?*", "matches");
-        row("alternatives", "?*(x|a-[a-c])[.]+c::?*|y", "matches");
-        row("part of the text", "?*::INST", "differs");
-        row("dot for itself", "TCPIP0.?*", "differs");
-        row("caret for itself", "^?*", "differs");
-        row("question mark for itself", "TCPIP0\\?*", "differs");
-        row("malformed", "*", "malformed");
-        row("condition", "?*{VI_ATTR_INTF_NUM == 0}", "malformed");
+        const std::string malformed;
+        const std::vector<std::pair<std::string, std::string>> canonicalNames = {
+            {"TCPIP::scope", "TCPIP0::scope::inst0::INSTR"},
+            {"tcpip7::a-b_c.D::gpib0,5::instr", "TCPIP7::a-b_c.D::gpib0,5::INSTR"},
+            {" \tTCPIP0::a::INSTR\r\n", "TCPIP0::a::inst0::INSTR"}, // pasted
+            {"GPIB0::7::INSTR", malformed},
+            {"TCPIP0::a::5025::SOCKET", malformed},
+            {"TCPIP0::::INSTR", malformed},
+            {"TCPIP65536::a::INSTR", malformed}, // a board has 16 bits
+            {"TCPIP0::a ::INSTR", malformed},
+            {"TCPIP::" + std::string(235, 'a'), malformed}}; // too long in canonical form
+        for (const auto &[name, canonical] : canonicalNames) {
+            const auto parsed = visa::parseResourceName(name);
+            QVERIFY2((parsed ? parsed->full : malformed) == canonical, name.c_str());
+        }
     }
 
     void expressions()
     {
-        QFETCH(const QString, expression);
-        const auto matches =
-            visa::matchesExpression(expression.toStdString(), "TCPIP0::a-b.c::INSTR");
-        const QString outcome = matches.value_or(false) ? "matches" : "differs";
-        QTEST(matches ? outcome : "malformed", "outcome");
+        const std::string name = "TCPIP0::a-b.c::INSTR";
+        for (const char *match :
+             {"tcpip?*instr", "?*::[^k]\\-b?c::?*", "?*(x|a-[a-c])[.]+c::?*|y"}) {
+            QVERIFY2(visa::matchesExpression(match, name) == true, match);
+        }
+        // Part of the name does not match, and some characters stand for themselves.
+        for (const char *other : {"?*::INST", "TCPIP0.?*", "^?*", "TCPIP0\\?*"}) {
+            QVERIFY2(visa::matchesExpression(other, name) == false, other);
+        }
+        for (const char *malformed : {"*", "?*{VI_ATTR_INTF_NUM == 0}"}) {
+            QVERIFY2(!visa::matchesExpression(malformed, name), malformed);
+        }
     }
 };
 

@@ -52,14 +52,8 @@ public:
     }
     TcpHost(const TcpHost &) = delete;
     TcpHost &operator=(const TcpHost &) = delete;
-    ~TcpHost()
-    {
-        finish();
-        ::close(listener);
-    }
-
     /// Wait until the clients have closed their connections.
-    void finish()
+    ~TcpHost()
     {
         ::shutdown(listener, SHUT_RDWR);
         if (accepting.joinable()) {
@@ -68,7 +62,7 @@ public:
         for (std::thread &connection : connections) {
             connection.join();
         }
-        connections.clear();
+        ::close(listener);
     }
 
     std::uint16_t port = 0; ///< 0 when the host could not listen

@@ -87,7 +87,6 @@ private slots:
         };
         QCOMPARE(open("tcpip7::Scope::INST0"), VI_SUCCESS);
         QCOMPARE(open("TCPIP0::printer"), VI_ERROR_RSRC_NFOUND);
-        QCOMPARE(session, 0U);
         QCOMPARE(open("TCPIP0::scope::inst1"), VI_ERROR_RSRC_NFOUND);
         QCOMPARE(open("GPIB0::7::INSTR"), VI_ERROR_INV_RSRC_NAME);
     }
@@ -158,7 +157,6 @@ private slots:
         QCOMPARE(viSetAttribute(first, unknown, 0), VI_ERROR_NSUP_ATTR);
         QCOMPARE(viGetAttribute(first, unknown, text.data()), VI_ERROR_NSUP_ATTR);
         QCOMPARE(viGetAttribute(first, VI_ATTR_TMO_VALUE, nullptr), VI_ERROR_USER_BUF);
-        QCOMPARE(viSetAttribute(first, VI_ATTR_RSRC_NAME, 0), VI_ERROR_ATTR_READONLY);
         QCOMPARE(viGetAttribute(first, VI_ATTR_TCPIP_ADDR, text.data()), VI_SUCCESS);
         QCOMPARE(text.data(), "127.0.0.1");
         QCOMPARE(viStatusDesc(first, VI_ERROR_TMO, text.data()), VI_SUCCESS);
@@ -169,7 +167,6 @@ private slots:
         QCOMPARE(viGpibControlREN(first, VI_GPIB_REN_ADDRESS_GTL + 1), VI_ERROR_INV_MODE);
         QCOMPARE(viSetBuf(first, VI_READ_BUF | VI_IO_OUT_BUF, 100), VI_SUCCESS);
         QCOMPARE(viSetBuf(first, 4, 100), VI_ERROR_INV_MASK);
-        QCOMPARE(viFlush(first, 0xFF), VI_SUCCESS);
         QCOMPARE(viFlush(first, 0), VI_ERROR_INV_MASK);
     }
 
@@ -237,6 +234,7 @@ private slots:
         QCOMPARE(viUnlock(first), VI_ERROR_SESN_NLOCKED);
         QCOMPARE(viOpen(manager, scope, VI_EXCLUSIVE_LOCK, 0, &second), VI_SUCCESS);
         QCOMPARE(viClear(first), VI_ERROR_RSRC_LOCKED);
+        QCOMPARE(viOpen(manager, scope, VI_EXCLUSIVE_LOCK, 1, &first), VI_ERROR_RSRC_LOCKED);
     }
 
     void closesWhileWaitingForALock()

@@ -57,6 +57,7 @@ ViStatus openSession(ViSession manager, const visa::ResourceName &name, ViAccess
     if ((accessMode & VI_EXCLUSIVE_LOCK) != 0) {
         status = opened.connection->lock(deadline);
         opened.locks = 1;
+        status = status == VI_ERROR_TMO ? VI_ERROR_RSRC_LOCKED : status; // unlike viLock
     }
     if (status != VI_SUCCESS) {
         return status;

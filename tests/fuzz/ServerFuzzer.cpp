@@ -29,8 +29,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     }
     {
         QTcpSocket socket;
-        auto *const channel =
-            new server::CoreChannel(&socket, shared, {shared.bench.find("scope")});
+        const auto &devices = shared.bench.devices();
+        const auto which = input.ConsumeIntegralInRange<std::size_t>(0, devices.size() - 1);
+        auto *const channel = new server::CoreChannel(&socket, shared, {devices[which].get()});
         while (input.remaining_bytes() > 0) {
             const std::string bytes = input.ConsumeRandomLengthString(300);
             wire::decodedCall(bytes);

@@ -42,11 +42,9 @@ std::optional<std::vector<std::string>> addressesOf(const std::string &host,
         return numeric;
     }
     // The resolver takes no deadline. So it runs in a thread that may outlast this call.
-    std::promise<std::vector<std::string>> promise;
-    std::future<std::vector<std::string>> addresses = promise.get_future();
-    std::thread([host, promise = std::move(promise)]() mutable {
-        promise.set_value(lookUp(host, 0));
-    }).detach();
+    std::packaged_task<std::vector<std::string>()> task([host] { return lookUp(host, 0); });
+    std::future<std::vector<std::string>> addresses = task.get_future();
+    std::thread(std::move(task)).detach();
     const bool hasEnded = addresses.wait_until(deadline) == std::future_status::ready;
     return hasEnded ? std::optional(addresses.get()) : std::nullopt;
 }

@@ -3,7 +3,6 @@
 #include "visa/wire/Portmapper.h"
 #include "visa/wire/Xdr.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <limits>
@@ -14,7 +13,6 @@
 #include <poll.h>
 #include <random>
 #include <sys/socket.h>
-#include <thread>
 #include <unistd.h>
 
 namespace lan {
@@ -24,8 +22,6 @@ using wire::RpcOutcome;
 
 namespace {
 
-using std::chrono::milliseconds;
-
 /// No device sends a longer answer. A record that announces more is an error.
 constexpr std::size_t recordLimit = 64 << 20;
 
@@ -33,13 +29,7 @@ constexpr std::size_t recordLimit = 64 << 20;
 constexpr int lostAfter = 10 * 1000;   // ms
 constexpr int lostCheckInterval = 200; // ms
 
-/// How long calls on a lost connection take: each 0.1 ms more than the last one, up to 100 ms. So
-/// the rest of a series, some hundred calls, ends soon, and a client that repeats its calls without
-/// end does not keep the processor busy.
-constexpr milliseconds longestLostCall(100);
-constexpr int callsUntilLongest = 1000;
-
-#ifdef SO_NOSIGPIPE
+#ifdef __APPLE__
 constexpr int sendFlags = 0; // macOS: the socket has an option instead
 #else
 constexpr int sendFlags = MSG_NOSIGNAL;
@@ -115,6 +105,9 @@ ViStatus RpcClient::connectTo(const std::string &address, std::uint16_t port,
     }
     const std::unique_ptr<addrinfo, decltype(&::freeaddrinfo)> place(list, &::freeaddrinfo);
     socket = openSocket(place->ai_family);
+    if (!isConnected()) {
+        return VI_ERROR_ALLOC;
+    }
     int error = ::connect(socket, place->ai_addr, place->ai_addrlen) == 0 ? 0 : errno;
     if (error == EINPROGRESS) {
         if (wait(POLLOUT, deadline) != VI_SUCCESS) {
@@ -130,8 +123,6 @@ ViStatus RpcClient::call(const wire::RpcProcedure &procedure, std::string_view a
                          visa::Deadline deadline, std::string_view *results)
 {
     if (!isConnected()) {
-        callsWhenLost = std::min(callsWhenLost + 1, callsUntilLongest);
-        std::this_thread::sleep_for(longestLostCall * callsWhenLost / callsUntilLongest);
         return VI_ERROR_CONN_LOST;
     }
     ++xid;
@@ -176,7 +167,7 @@ ViStatus RpcClient::send(std::string_view record, visa::Deadline deadline)
 ViStatus RpcClient::receive(visa::Deadline deadline)
 {
     for (;;) {
-        // The deadline holds for all records together: some hosts never stop sending old ones.
+        // Some hosts never stop sending. So the deadline holds for all records and all their bytes.
         const ViStatus status = wait(POLLIN, deadline);
         if (status != VI_SUCCESS) {
             return status == VI_ERROR_TMO ? status : close(status);
@@ -184,7 +175,7 @@ ViStatus RpcClient::receive(visa::Deadline deadline)
         bool hasEnded = false;
         const auto source = [&](char *to, std::size_t size) -> std::ptrdiff_t {
             if (millisecondsUntil(deadline, 1) == 0) {
-                return 0; // some hosts send a record that never ends
+                return 0;
             }
             const ssize_t got = ::recv(socket, to, size, 0);
             hasEnded = got == 0 || (got < 0 && errno != EAGAIN && errno != EINTR);
@@ -237,13 +228,13 @@ ViStatus findPort(const std::string &address, std::uint16_t mapperPort,
 {
     RpcClient mapper;
     ViStatus status = mapper.connectTo(address, mapperPort, deadline);
-    std::string_view results;
-    if (status == VI_SUCCESS) {
-        status =
-            mapper.call({wire::portmapperProgram, wire::portmapperVersion, wire::getPortProcedure},
-                        wire::xdrWords({program.program, program.version, wire::tcpProtocol, 0}),
-                        deadline, &results);
+    if (status != VI_SUCCESS) {
+        return status;
     }
+    std::string_view results;
+    status = mapper.call({wire::portmapperProgram, wire::portmapperVersion, wire::getPortProcedure},
+                         wire::xdrWords({program.program, program.version, wire::tcpProtocol, 0}),
+                         deadline, &results);
     if (status != VI_SUCCESS) {
         return status == VI_ERROR_TMO ? VI_ERROR_TMO : VI_ERROR_RSRC_NFOUND;
     }

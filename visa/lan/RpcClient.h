@@ -19,8 +19,8 @@ public:
     RpcClient &operator=(const RpcClient &) = delete;
     ~RpcClient();
 
-    /// Connect to a numeric address. Returns VI_ERROR_TMO, or VI_ERROR_RSRC_NFOUND when nothing
-    /// listens there.
+    /// Connect to a numeric address. Returns VI_ERROR_TMO; VI_ERROR_RSRC_NFOUND when nothing
+    /// listens there; VI_ERROR_ALLOC when the process has too many open files.
     ViStatus connectTo(const std::string &address, std::uint16_t port, visa::Deadline deadline);
 
     /// Call a procedure and wait for its results, which are valid until the next call. Returns
@@ -39,14 +39,14 @@ private:
     ViStatus close(ViStatus status);
 
     int socket = -1;
-    int callsWhenLost = 0;
     wire::RecordReader reader;
     std::string answer;
     std::uint32_t xid;
 };
 
 /// Ask the portmapper of a host at `mapperPort` for the TCP port of a program. Returns
-/// VI_ERROR_TMO, or VI_ERROR_RSRC_NFOUND when there is no portmapper or no such program.
+/// VI_ERROR_TMO; VI_ERROR_RSRC_NFOUND when there is no portmapper or no such program;
+/// VI_ERROR_ALLOC when the process has too many open files.
 ViStatus findPort(const std::string &address, std::uint16_t mapperPort,
                   const wire::RpcProcedure &program, visa::Deadline deadline, std::uint16_t *port);
 

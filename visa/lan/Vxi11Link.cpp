@@ -29,6 +29,12 @@ constexpr std::size_t largestTransfer = 16 << 20;
 /// What every device must take in one call (VXI-11, B.6.3). Some say 0 instead of their size.
 constexpr std::uint32_t leastReceiveSize = 1024;
 
+/// How much longer each refused call takes than the one before, and how often that is added. A
+/// client that repeats a refused call without end so neither keeps the processor busy nor fills the
+/// memory, and the rest of a series, some hundred calls, still ends within seconds.
+constexpr std::chrono::microseconds pauseStep(100);
+constexpr int mostPauseSteps = 1000;
+
 Deadline answerBy(Deadline deadline)
 {
     return deadline > Deadline::max() - answerMargin ? deadline : deadline + answerMargin;
@@ -117,18 +123,21 @@ ViStatus Vxi11Link::call(vxi11::Procedure procedure, std::string_view arguments,
                          std::string_view *results)
 {
     std::string_view received;
-    const ViStatus status =
+    ViStatus status =
         rpc.call({vxi11::coreProgram, vxi11::coreVersion, procedure}, arguments, answer, &received);
-    if (status != VI_SUCCESS) {
-        return status;
+    if (status == VI_SUCCESS) {
+        std::uint32_t error = 0;
+        XdrReader from(received);
+        from >> error;
+        if (results != nullptr) {
+            *results = from.rest();
+        }
+        status = from.isOk() ? statusOf(error) : VI_ERROR_IO;
     }
-    std::uint32_t error = 0;
-    XdrReader from(received);
-    from >> error;
-    if (results != nullptr) {
-        *results = from.rest();
-    }
-    return from.isOk() ? statusOf(error) : VI_ERROR_IO;
+    const bool isRefused = status == VI_ERROR_CONN_LOST || status == VI_ERROR_RSRC_LOCKED;
+    refusals = isRefused ? std::min(refusals + 1, mostPauseSteps) : 0;
+    std::this_thread::sleep_for(pauseStep * refusals);
+    return status;
 }
 
 ViStatus Vxi11Link::callGeneric(vxi11::Procedure procedure, Deadline deadline,
@@ -171,17 +180,13 @@ visa::ReadOutcome Vxi11Link::read(ViByte *buffer, std::size_t count,
     while (!isDone && outcome.status == VI_SUCCESS) {
         const std::size_t before = outcome.count;
         outcome.status = fetch(count - before, termination, deadline);
-        // The caller's time-out may be longer than the longest that can be sent.
-        if (outcome.status == VI_ERROR_TMO && ioTimeout(deadline) == longestTimeout) {
-            outcome.status = VI_SUCCESS;
-        }
         isDone = handOut(buffer, count, termination, &outcome);
         const bool goesOn = !isDone && outcome.status == VI_SUCCESS;
         if (goesOn && millisecondsUntil(deadline, 1) == 0) {
             outcome.status = VI_ERROR_TMO;
         } else if (goesOn && outcome.count == before) {
-            std::this_thread::sleep_for(
-                milliseconds(1)); // some devices answer at once that they have nothing
+            // Some devices answer at once that they have nothing.
+            std::this_thread::sleep_for(milliseconds(1));
         }
     }
     keepRest();

@@ -53,6 +53,7 @@ private:
     bool isOpen = false;
     std::uint32_t id = 0; // any number may be a link's, 0 too
     std::uint32_t receiveSize = 0;
+    int refusals = 0;         // calls refused since the last that was not
     std::string_view fetched; // received from the device, and not yet handed out
     bool fetchedEnd = false;  // its last byte came with END
     std::string kept;         // the bytes of `fetched`, from one read to the next
