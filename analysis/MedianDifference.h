@@ -13,6 +13,12 @@ struct MedianDifference
     double high = low;
 
     [[nodiscard]] bool hasInterval() const { return low <= high; }
+    /// Whether the interval shows that the second set is larger, or smaller.
+    [[nodiscard]] bool isSlower() const { return low > rounding; }
+    [[nodiscard]] bool isFaster() const { return high < -rounding; }
+
+private:
+    static constexpr double rounding = 1e-6; // far above that of doubles, far below a step
 };
 
 /// How often the values are drawn anew for the interval.

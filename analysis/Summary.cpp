@@ -143,10 +143,10 @@ QString verdict(const MedianDifference &found, double step)
     const QString interval = QString("%1 to%2   ")
                                  .arg(delayText(found.low, step), numberWidth)
                                  .arg(delayText(found.high, step), numberWidth);
-    if (found.low > 0.0) {
+    if (found.isSlower()) {
         return interval + "difference shown: slower";
     }
-    if (found.high < 0.0) {
+    if (found.isFaster()) {
         return interval + "difference shown: faster";
     }
     return interval + QString("no difference shown; one of %1 ms would have been")
