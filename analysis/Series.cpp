@@ -1,5 +1,6 @@
 #include "analysis/Series.h"
 
+#include "analysis/DelayText.h"
 #include "analysis/SeriesFiles.h"
 #include "measurement/Record.h"
 #include "measurement/TraceFile.h"
@@ -125,11 +126,11 @@ QString seriesName(const Series &series)
     return label.isEmpty() ? time : QString("%1 (%2)").arg(label, time);
 }
 
-double samplingInterval(const Series &series)
+double delayStep(const Series &series, DelayKind kind)
 {
     constexpr double milliseconds = 1000.0;
-    if (!series.oscilloscope.type || series.samples < 2) {
-        return 0.0;
+    if (kind == SourceToHdmi || !series.oscilloscope.type || series.samples < 2) {
+        return usualStep;
     }
     return recordSpan(*series.oscilloscope.type) / (series.samples - 1) * milliseconds;
 }

@@ -55,9 +55,10 @@ bool isDoubtful(const Series &series);
 /// there is neither, its file.
 QString seriesName(const Series &series);
 
-/// Find the time between two samples, in milliseconds, of which all RF and sink delays are
-/// multiples; 0 when the oscilloscope type is not known.
-double samplingInterval(const Series &series);
+/// Returns the least difference between two delays of a series, in milliseconds: the time between
+/// two samples; the usual 0.1 while the oscilloscope type is not known, and for HDMI, which the
+/// video analyzer measures.
+double delayStep(const Series &series, DelayKind kind);
 
 /// Select the finite values of a delay, in milliseconds, all or only those without flags. Of HDMI
 /// there is none where no video analyzer took part.

@@ -81,13 +81,12 @@ private slots:
         row("slower", varied(30, 140), "", ": slower");
         row("few", varied(4, 120), "", "takes 5 values");
         row("flagged", Values{501} + varied(30, 120), "left out: 2",
-            "no difference shown; one of 3.00 ms would");
+            "no difference shown (one of 3.00 ms would");
         row("drift", drift,
-            "ments depend on each other (lag-1 correlation 0.90), so the interval is too narrow\n",
+            "too narrow because the measurements depend on each other (lag-1 correlation 0.90)\n",
             ": faster");
         row("few in a drift", drift.mid(25),
-            "may depend on each other (lag-1 correlation 0.40), "
-            "so the interval is too narrow; of 5 values chance alone often brings as much\n",
+            "(lag-1 correlation 0.40), unless this is chance, as is common with 5 values\n",
             ": faster");
     }
     void comparison()
@@ -123,6 +122,7 @@ private slots:
                                    "ms, step / sqrt(12) 0.289 ms"));
         QCOMPARE(lines[5].simplified(),
                  QString("unflagged 2 44.0 44.0 44.5 45.0 0.7 1.0 - - - - -"));
+        QVERIFY(lines[7].simplified().startsWith("unflagged 1 95.00 95.00"));
     }
 };
 
