@@ -5,6 +5,7 @@
 #include "measurement/Record.h"
 #include "measurement/TraceFile.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QLocale>
 
@@ -86,8 +87,7 @@ bool loadRecord(const QString &fileName, Record *record, QString *reason)
             *reason = QString("The trace %1 cannot be read.").arg(file.fileName());
         } else if (file.size() % static_cast<qint64>(sizeof(double)) != 0) {
             *reason = QString("The trace %1 is broken: %2 bytes are no whole number of samples.")
-                          .arg(file.fileName())
-                          .arg(file.size());
+                          .arg(file.fileName(), QString::number(file.size()));
         }
     }
     record->samples = record->source.size();
@@ -124,6 +124,22 @@ QString seriesName(const Series &series)
     const QString time = QLocale::c().toString(series.time, "yyyy-MM-dd hh:mm:ss");
     const QString label = seriesLabel(series.fileName);
     return label.isEmpty() ? time : QString("%1 (%2)").arg(label, time);
+}
+
+QStringList seriesNames(const QVector<Series> &selection)
+{
+    QStringList names;
+    for (const Series &series : selection) {
+        names += seriesName(series);
+    }
+    const QStringList given = names;
+    for (int i = 0; i < names.size(); ++i) {
+        if (given.count(given[i]) > 1) {
+            const QFileInfo file(selection[i].fileName);
+            names[i] = file.absoluteDir().dirName() + '/' + file.fileName();
+        }
+    }
+    return names;
 }
 
 double delayStep(const Series &series, DelayKind kind)

@@ -55,6 +55,9 @@ bool isDoubtful(const Series &series);
 /// there is neither, its file.
 QString seriesName(const Series &series);
 
+/// Name the series of a selection; where names would be equal, by their folders and files.
+QStringList seriesNames(const QVector<Series> &selection);
+
 /// Returns the least difference between two delays of a series, in milliseconds: the time between
 /// two samples; the usual 0.1 while the oscilloscope type is not known, and for HDMI, which the
 /// video analyzer measures.

@@ -102,32 +102,31 @@ QString oscilloscopeLine(const Series &series)
 }
 
 /// What must be heard of a series before it is compared.
-QString warningLines(const Series &series)
+QString warningLines(const Series &series, const QString &name)
 {
     QString lines;
     if (series.hasReadTraces && !series.oscilloscope.type) {
-        lines += QString("Warning: %1: ").arg(seriesName(series)) + oscilloscopeLine(series);
+        lines += QString("Warning: %1: ").arg(name) + oscilloscopeLine(series);
     }
     if (const int flagged = flaggedCount(series)) {
         lines += QString("Warning: %1 has flags; values left out: %2\n")
-                     .arg(seriesName(series), QString::number(flagged));
+                     .arg(name, QString::number(flagged));
     }
     return lines;
 }
 
 /// Returns a warning where the order of the values shows that the interval cannot be trusted: it
 /// takes the measurements for independent. Empty where the order shows nothing.
-QString dependenceLine(const Series &series, DelayKind kind)
+QString dependenceLine(const Series &series, const QString &name, DelayKind kind)
 {
     constexpr double negligible = 0.2;
     const Statistics of = computeStatistics(selectValues(series, kind, false));
     if (!(std::abs(of.correlation) > negligible)) {
         return {};
     }
-    QString line =
-        QString("Warning: %1 of %2: the interval is too narrow because the measurements "
-                "depend on each other (lag-1 correlation %3)")
-            .arg(delayName(kind), seriesName(series), delayText(of.correlation, correlationStep));
+    QString line = QString("Warning: %1 of %2: the interval is too narrow because the measurements "
+                           "depend on each other (lag-1 correlation %3)")
+                       .arg(delayName(kind), name, delayText(of.correlation, correlationStep));
     // Of independent values, chance brings more than this once in twenty series.
     if (std::abs(of.correlation) <= 2.0 / std::sqrt(of.n)) {
         line += QString(", unless this is chance, as is common with %1 values").arg(of.n);
@@ -189,24 +188,26 @@ QString summarise(const Series &series)
 
 QString summariseBriefly(const QVector<Series> &series)
 {
-    const QString heading = "Medians / ms, without flagged values";
+    const QString heading = "Series (medians in ms, without flagged values)";
+    const QStringList names = seriesNames(series);
     int width = heading.size();
-    for (const Series &one : series) {
-        width = std::max(width, seriesName(one).size());
+    for (const QString &name : names) {
+        width = std::max(width, name.size());
     }
-    QStringList names;
+    QStringList columns;
     for (const DelayKind kind : delayKinds) {
-        names << delayEnd(kind) << "P95-P50";
+        columns << delayEnd(kind) << "P95-P50";
     }
-    QString text = tableLine(heading, width, "n", names) + "  flags\n";
-    for (const Series &one : series) {
+    QString text = tableLine(heading, width, "count", columns) + "  flags\n";
+    for (int i = 0; i < series.size(); ++i) {
+        const Series &one = series[i];
         QStringList numbers;
         for (const DelayKind kind : delayKinds) {
             const Statistics of = computeStatistics(selectValues(one, kind, false));
             const double step = delayStep(one, kind);
             numbers << delayText(of.median, step) << delayText(of.p95 - of.median, step);
         }
-        text += tableLine(seriesName(one), width, QString::number(one.count()), numbers) +
+        text += tableLine(names[i], width, QString::number(one.count()), numbers) +
                 QString("  %1%2\n")
                     .arg(flaggedCount(one))
                     .arg(one.oscilloscope.contradicts ? ", wrong delays"
@@ -219,7 +220,8 @@ QString summariseBriefly(const QVector<Series> &series)
 QString compareSeries(const Series &first, const Series &second)
 {
     constexpr int differenceWidth = 13;
-    QString warnings = warningLines(first) + warningLines(second);
+    const QStringList names = seriesNames({first, second});
+    QString warnings = warningLines(first, names[0]) + warningLines(second, names[1]);
     QString lines;
     for (const DelayKind kind : delayKinds) {
         const QVector<double> of1 = selectValues(first, kind, false);
@@ -234,12 +236,13 @@ QString compareSeries(const Series &first, const Series &second)
         lines += delayText(found.difference, step).rightJustified(differenceWidth) +
                  verdict(found, step) + '\n';
         if (found.hasInterval()) {
-            warnings += dependenceLine(first, kind) + dependenceLine(second, kind);
+            warnings +=
+                dependenceLine(first, names[0], kind) + dependenceLine(second, names[1], kind);
         }
     }
     return warnings +
            QString("%1 compared with %2: difference of the medians, without flagged values\n")
-               .arg(seriesName(second), seriesName(first)) +
+               .arg(names[1], names[0]) +
            QString("Delay / ms").leftJustified(nameWidth) +
            QString("difference").rightJustified(differenceWidth) +
            QString("   95 % interval (bootstrap, %1 resamplings)\n").arg(resamplings) + lines;

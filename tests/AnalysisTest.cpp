@@ -117,6 +117,8 @@ private slots:
                 "Source to HDMI: no value from the video analyzer" +
                 end + start +
                 "3,45,-230,120,Source to HDMI: no event at the video analyzer (-230)" + end);
+        const QStringList names = seriesNames({series, open(save(folder.path(), {4}, {0}, {12}))});
+        QVERIFY(names[0].startsWith("a, \"b\" %1/Orvanta2026") && names[0] != names[1]);
         const QStringList lines = summarise(series).split('\n');
         QCOMPARE(lines[2], QString("Oscilloscope KVx, records of 1001 samples; resolution: step 1 "
                                    "ms, step / sqrt(12) 0.289 ms"));

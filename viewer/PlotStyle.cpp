@@ -85,7 +85,9 @@ QwtPlot *makePlot(const QString &horizontal, const QString &vertical)
     }
     auto *legend = new QwtLegend;
     legend->setFont(font);
-    plot->insertLegend(legend, QwtPlot::TopLegend);
+    constexpr double most = 0.5; // of the height
+    plot->insertLegend(legend, QwtPlot::TopLegend, most);
+    plot->setAxisMaxMajor(QwtPlot::yLeft, 5); // legible on a low plot, too
 
     auto *grid = new QwtPlotGrid;
     constexpr double gridWidth = 0.5;
@@ -98,10 +100,10 @@ QStringList plotNames(const QVector<Series> &selection)
 {
     constexpr int longest = 40; // characters
     QStringList labels;
-    QStringList names;
-    for (const Series &series : selection) {
-        labels += shortenText(seriesLabel(series.fileName), longest);
-        names += shortenText(seriesName(series), longest);
+    QStringList names = seriesNames(selection);
+    for (int i = 0; i < names.size(); ++i) {
+        labels += shortenText(seriesLabel(selection[i].fileName), longest);
+        names[i] = shortenText(names[i], longest);
     }
     return labels.contains(QString()) || labels.value(0) == labels.value(1) ? names : labels;
 }
