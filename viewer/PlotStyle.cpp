@@ -98,7 +98,7 @@ QwtPlot *makePlot(const QString &horizontal, const QString &vertical)
 
 QStringList plotNames(const QVector<Series> &selection)
 {
-    constexpr int longest = 40; // characters
+    constexpr int longest = 20; // characters: two fit side by side in a report
     QStringList labels;
     QStringList names = seriesNames(selection);
     for (int i = 0; i < names.size(); ++i) {
