@@ -29,6 +29,6 @@ constexpr int fewestForInterval = 5;
 
 /// Compute the difference of the medians, second less first, and its bootstrap interval (the
 /// percentiles 2.5 and 97.5 of the differences between resampled medians). It reaches at least a
-/// step to both sides: the medians are multiples of it. The same values always give the same
-/// interval. Both must hold a value.
+/// step to both sides, because the medians are multiples of a step. The same values always give the
+/// same interval. Both must hold a value.
 MedianDifference compareMedians(QVector<double> first, QVector<double> second, double step);

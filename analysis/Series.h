@@ -5,7 +5,7 @@
 #include <QDateTime>
 #include <QStringList>
 
-/// A saved series, and what its files tell. Traces are not kept: loadRecord() has them.
+/// A saved series, and what its files tell. The traces are not kept: loadRecord() reads them.
 struct Series
 {
     QString fileName;
@@ -41,7 +41,7 @@ struct LoadedSeries
 LoadedSeries loadSeries(const QStringList &filesAndFolders);
 
 /// Load the traces of a series' last record. Returns false and a sentence when they cannot be read
-/// or are not of one record; those that can be read are there all the same.
+/// or differ in length; the record then holds those traces that can be read.
 bool loadRecord(const QString &fileName, Record *record, QString *reason);
 
 /// Count the values of a series that have flags.

@@ -3,6 +3,7 @@
 #include <QBuffer>
 #include <QFileInfo>
 #include <QFontMetricsF>
+#include <QPageLayout>
 #include <QPainter>
 #include <QPdfWriter>
 #include <QSaveFile>
@@ -24,7 +25,9 @@ constexpr double pointsPerInch = 72.0;
 
 QPageLayout layoutOf(const Page &page)
 {
-    return {QPageSize(QPageSize::A4), page.orientation, {}};
+    return {QPageSize(QPageSize::A4),
+            page.text.isEmpty() ? QPageLayout::Landscape : QPageLayout::Portrait,
+            {}};
 }
 
 /// The size of a picture of the page.

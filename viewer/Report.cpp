@@ -41,7 +41,6 @@ bool writeReport(const QVector<Series> &series, const QString &fileName, QString
     const auto makePage = [&](int number) {
         const QVector<Series> &selection = selections[number];
         Page page;
-        page.orientation = QPageLayout::Portrait;
         page.title = titleOf(selection);
         page.text = describeSelection(selection);
         for (const Series &one : selection) {
