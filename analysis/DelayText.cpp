@@ -8,9 +8,8 @@ QString delayText(double milliseconds, double step)
     if (std::isnan(milliseconds)) {
         return "-";
     }
-    const double decimals = step > 0.0 ? std::round(1.0 - std::log10(step)) : 2.0;
-    const QString text =
-        QString::number(milliseconds, 'f', std::max(0, static_cast<int>(decimals)));
+    const int decimals = std::max(0, static_cast<int>(std::lround(1.0 - std::log10(step))));
+    const QString text = QString::number(milliseconds, 'f', decimals);
     return text.toDouble() == 0.0 ? text.mid(text.startsWith('-') ? 1 : 0) : text;
 }
 

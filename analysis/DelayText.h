@@ -2,8 +2,11 @@
 
 #include "measurement/ResultsFile.h"
 
-/// Write a delay with the decimals that the sampling step justifies, both in milliseconds: one more
-/// than the step's own, two at 0.1 ms, and two where the step is not known (0). "-" for NaN.
+/// The usual least difference between two delays, in milliseconds.
+constexpr double usualStep = 0.1;
+
+/// Write a delay with one decimal more than the least difference between delays has, both in
+/// milliseconds: two at 0.1 ms. "-" for NaN.
 QString delayText(double milliseconds, double step);
 
 /// Returns the name of a delay, as "Source to RF".

@@ -56,8 +56,8 @@ void flagRepeated(const QVector<double> &toRf, const QVector<double> &toSink, Se
             ++(rf ? rfAlone : sink ? sinkAlone : neither);
         }
     }
-    // Chance brings rfAlone * sinkAlone / neither of them. Each is counted from 1: what did not
-    // happen among a few pairs may still be likely.
+    // By chance, rfAlone * sinkAlone / neither pairs have both equal. One is added to each count:
+    // what did not happen among a few pairs may still be likely.
     if ((rfAlone + 1.0) * (sinkAlone + 1.0) > neither + 1.0) {
         return;
     }
@@ -68,7 +68,7 @@ void flagRepeated(const QVector<double> &toRf, const QVector<double> &toSink, Se
 }
 
 /// Flag runs of equal delays if chance would bring one so long less than once in a hundred such
-/// series. Values with another flag are in no run: their reason is known.
+/// series. Values with another flag belong to no run, because their reason is known.
 void flagStuck(const QVector<double> &values, QVector<Flags> *flags)
 {
     constexpr double rare = 0.01;
@@ -105,7 +105,7 @@ SeriesFlags flagDelays(const SeriesResults &results, const Recognition &recognit
         return std::any_of(axes.begin(), axes.end(),
                            [delay](const Axis &axis) { return axis.endsAt(delay); });
     };
-    // Only an RF edge counted from the start of the axis is further than its end.
+    // An RF delay that is longer can only count from the start of the axis.
     const double furthest = axes.last().end - axes.last().source + axes.last().tolerance();
     const bool hdmiUsed = isMeasured(results, SourceToHdmi);
 

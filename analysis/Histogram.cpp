@@ -21,11 +21,9 @@ double suitableWidth(const QVector<double> &sorted)
 
 } // namespace
 
-Bins chooseBins(const QVector<QVector<double>> &series, double interval, double from, double to)
+Bins chooseBins(const QVector<QVector<double>> &series, double step, double from, double to)
 {
     constexpr double mostBins = 500.0;
-    constexpr double usualInterval = 0.01; // ms: as fine as delays are shown
-    const double unit = interval > 0.0 ? interval : usualInterval;
     double wanted = to - from;
     bool isEmpty = true;
     for (QVector<double> values : series) {
@@ -39,13 +37,13 @@ Bins chooseBins(const QVector<QVector<double>> &series, double interval, double 
         return {};
     }
     const double least = (to - from) / (mostBins - 1.0);
-    double width = unit;
-    double next = 2.0 * unit;
+    double width = step;
+    double next = 2.0 * step;
     for (int i = 1; width < least || next <= wanted; ++i) {
         width = next;
         next *= i % 3 == 1 ? 2.5 : 2.0;
     }
-    const double start = (std::round(from / unit) - 0.5) * unit;
+    const double start = (std::round(from / step) - 0.5) * step;
     const double count = std::floor((to - start) / width) + 1.0;
     return {start, width, static_cast<int>(qBound(1.0, count, mostBins + 1.0))};
 }

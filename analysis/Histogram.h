@@ -15,10 +15,9 @@ struct Bins
 
 /// Choose bins from one value to another for one or more series in any order. Their width suits the
 /// narrowest of the series: bins that suit all values together would hide how series differ. It is
-/// 1, 2 or 5 times a power of ten of the values' interval (that of sampling, in the values' unit,
-/// ms), and no value lies on an edge: else bins hold more possible values and less by turns, and a
-/// comb appears. An interval of 0 is not known.
-Bins chooseBins(const QVector<QVector<double>> &series, double interval, double from, double to);
+/// 1, 2 or 5 times a power of ten of the values' step (their least difference, ms), and no value
+/// lies on an edge. Else some bins would hold more possible values than others, and a comb appear.
+Bins chooseBins(const QVector<QVector<double>> &series, double step, double from, double to);
 
 /// Count the values below all bins, in each bin, and above all bins.
 QVector<int> countValues(const QVector<double> &values, const Bins &bins);

@@ -13,6 +13,12 @@ struct MedianDifference
     double high = low;
 
     [[nodiscard]] bool hasInterval() const { return low <= high; }
+    /// Whether the interval shows that the second set is larger, or smaller.
+    [[nodiscard]] bool isSlower() const { return low > rounding; }
+    [[nodiscard]] bool isFaster() const { return high < -rounding; }
+
+private:
+    static constexpr double rounding = 1e-6; // far above that of doubles, far below a step
 };
 
 /// How often the values are drawn anew for the interval.
@@ -23,6 +29,6 @@ constexpr int fewestForInterval = 5;
 
 /// Compute the difference of the medians, second less first, and its bootstrap interval (the
 /// percentiles 2.5 and 97.5 of the differences between resampled medians). It reaches at least a
-/// step to both sides: the medians are multiples of it. The same values always give the same
-/// interval. Both must hold a value.
+/// step to both sides, because the medians are multiples of a step. The same values always give the
+/// same interval. Both must hold a value.
 MedianDifference compareMedians(QVector<double> first, QVector<double> second, double step);

@@ -1,9 +1,11 @@
 #include "analysis/Series.h"
 
+#include "analysis/DelayText.h"
 #include "analysis/SeriesFiles.h"
 #include "measurement/Record.h"
 #include "measurement/TraceFile.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QLocale>
 
@@ -85,8 +87,7 @@ bool loadRecord(const QString &fileName, Record *record, QString *reason)
             *reason = QString("The trace %1 cannot be read.").arg(file.fileName());
         } else if (file.size() % static_cast<qint64>(sizeof(double)) != 0) {
             *reason = QString("The trace %1 is broken: %2 bytes are no whole number of samples.")
-                          .arg(file.fileName())
-                          .arg(file.size());
+                          .arg(file.fileName(), QString::number(file.size()));
         }
     }
     record->samples = record->source.size();
@@ -125,11 +126,27 @@ QString seriesName(const Series &series)
     return label.isEmpty() ? time : QString("%1 (%2)").arg(label, time);
 }
 
-double samplingInterval(const Series &series)
+QStringList seriesNames(const QVector<Series> &selection)
+{
+    QStringList names;
+    for (const Series &series : selection) {
+        names += seriesName(series);
+    }
+    const QStringList given = names;
+    for (int i = 0; i < names.size(); ++i) {
+        if (given.count(given[i]) > 1) {
+            const QFileInfo file(selection[i].fileName);
+            names[i] = file.absoluteDir().dirName() + '/' + file.fileName();
+        }
+    }
+    return names;
+}
+
+double delayStep(const Series &series, DelayKind kind)
 {
     constexpr double milliseconds = 1000.0;
-    if (!series.oscilloscope.type || series.samples < 2) {
-        return 0.0;
+    if (kind == SourceToHdmi || !series.oscilloscope.type || series.samples < 2) {
+        return usualStep;
     }
     return recordSpan(*series.oscilloscope.type) / (series.samples - 1) * milliseconds;
 }

@@ -5,7 +5,7 @@
 #include <QDateTime>
 #include <QStringList>
 
-/// A saved series, and what its files tell. Traces are not kept: loadRecord() has them.
+/// A saved series, and what its files tell. The traces are not kept: loadRecord() reads them.
 struct Series
 {
     QString fileName;
@@ -41,7 +41,7 @@ struct LoadedSeries
 LoadedSeries loadSeries(const QStringList &filesAndFolders);
 
 /// Load the traces of a series' last record. Returns false and a sentence when they cannot be read
-/// or are not of one record; those that can be read are there all the same.
+/// or differ in length; the record then holds those traces that can be read.
 bool loadRecord(const QString &fileName, Record *record, QString *reason);
 
 /// Count the values of a series that have flags.
@@ -55,9 +55,13 @@ bool isDoubtful(const Series &series);
 /// there is neither, its file.
 QString seriesName(const Series &series);
 
-/// Find the time between two samples, in milliseconds, of which all RF and sink delays are
-/// multiples; 0 when the oscilloscope type is not known.
-double samplingInterval(const Series &series);
+/// Name the series of a selection; where names would be equal, by their folders and files.
+QStringList seriesNames(const QVector<Series> &selection);
+
+/// Returns the least difference between two delays of a series, in milliseconds: the time between
+/// two samples; the usual 0.1 while the oscilloscope type is not known, and for HDMI, which the
+/// video analyzer measures.
+double delayStep(const Series &series, DelayKind kind);
 
 /// Select the finite values of a delay, in milliseconds, all or only those without flags. Of HDMI
 /// there is none where no video analyzer took part.

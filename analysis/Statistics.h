@@ -27,6 +27,6 @@ struct Statistics
 /// Compute the statistics of finite values in the order of measurement.
 Statistics computeStatistics(const QVector<double> &values);
 
-/// Find the percentile, in tenths of a percent, of values in ascending order: the smallest value
-/// that so many of them do not exceed. There must be a value.
+/// Find a percentile, in thousandths (500 for the median), of values in ascending order: the
+/// smallest value that at least this share of them does not exceed. There must be a value.
 double nearestRank(const QVector<double> &sorted, int perMille);

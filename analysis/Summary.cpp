@@ -11,6 +11,7 @@
 
 namespace {
 
+constexpr double correlationStep = 0.1; // gives two decimals
 constexpr int nameWidth = 15;
 constexpr int countWidth = 6;
 constexpr int numberWidth = 9; // with a blank before it
@@ -31,7 +32,7 @@ QString statisticsLine(const QString &name, const Statistics &of, double step)
                                of.peakToPeak(), of.p5, of.p95, of.p99, of.p95 - of.median}) {
         numbers += delayText(value, step);
     }
-    numbers += delayText(of.correlation, 0.0);
+    numbers += delayText(of.correlation, correlationStep);
     return tableLine(name, nameWidth, QString::number(of.n), numbers) + '\n';
 }
 
@@ -91,7 +92,7 @@ QString oscilloscopeLine(const Series &series)
                     : "Oscilloscope type unknown, so the ends of both types' time axes are flagged",
                 series.oscilloscope.remark);
     }
-    const double step = samplingInterval(series);
+    const double step = delayStep(series, SourceToRf);
     return QString("Oscilloscope %1, records of %2 samples; resolution: step %3 ms, "
                    "step / sqrt(12) %4 ms\n")
         .arg(typeName(*series.oscilloscope.type))
@@ -101,37 +102,36 @@ QString oscilloscopeLine(const Series &series)
 }
 
 /// What must be heard of a series before it is compared.
-QString warningLines(const Series &series)
+QString warningLines(const Series &series, const QString &name)
 {
     QString lines;
     if (series.hasReadTraces && !series.oscilloscope.type) {
-        lines += QString("Warning: %1: ").arg(seriesName(series)) + oscilloscopeLine(series);
+        lines += QString("Warning: %1: ").arg(name) + oscilloscopeLine(series);
     }
     if (const int flagged = flaggedCount(series)) {
         lines += QString("Warning: %1 has flags; values left out: %2\n")
-                     .arg(seriesName(series), QString::number(flagged));
+                     .arg(name, QString::number(flagged));
     }
     return lines;
 }
 
 /// Returns a warning where the order of the values shows that the interval cannot be trusted: it
 /// takes the measurements for independent. Empty where the order shows nothing.
-QString dependenceLine(const Series &series, DelayKind kind)
+QString dependenceLine(const Series &series, const QString &name, DelayKind kind)
 {
     constexpr double negligible = 0.2;
     const Statistics of = computeStatistics(selectValues(series, kind, false));
     if (!(std::abs(of.correlation) > negligible)) {
         return {};
     }
+    QString line = QString("Warning: %1 of %2: the interval is too narrow because the measurements "
+                           "depend on each other (lag-1 correlation %3)")
+                       .arg(delayName(kind), name, delayText(of.correlation, correlationStep));
     // Of independent values, chance brings more than this once in twenty series.
-    const bool isChance = std::abs(of.correlation) <= 2.0 / std::sqrt(of.n);
-    return QString(
-               "Warning: %1 of %2: the measurements %3 on each other (lag-1 correlation %4), so "
-               "the interval is too %5%6\n")
-        .arg(delayName(kind), seriesName(series), isChance ? "may depend" : "depend",
-             delayText(of.correlation, 0.0), of.correlation > 0.0 ? "narrow" : "wide",
-             isChance ? QString("; of %1 values chance alone often brings as much").arg(of.n)
-                      : QString());
+    if (std::abs(of.correlation) <= 2.0 / std::sqrt(of.n)) {
+        line += QString(", unless this is chance, as is common with %1 values").arg(of.n);
+    }
+    return line + '\n';
 }
 
 QString verdict(const MedianDifference &found, double step)
@@ -143,13 +143,13 @@ QString verdict(const MedianDifference &found, double step)
     const QString interval = QString("%1 to%2   ")
                                  .arg(delayText(found.low, step), numberWidth)
                                  .arg(delayText(found.high, step), numberWidth);
-    if (found.low > 0.0) {
+    if (found.isSlower()) {
         return interval + "difference shown: slower";
     }
-    if (found.high < 0.0) {
+    if (found.isFaster()) {
         return interval + "difference shown: faster";
     }
-    return interval + QString("no difference shown; one of %1 ms would have been")
+    return interval + QString("no difference shown (one of %1 ms would have been)")
                           .arg(delayText((found.high - found.low) / 2, step));
 }
 
@@ -157,7 +157,6 @@ QString verdict(const MedianDifference &found, double step)
 
 QString summarise(const Series &series)
 {
-    const double step = samplingInterval(series);
     QString text = QString("%1\nSeries of %2, %3 measurements\n")
                        .arg(series.fileName, seriesName(series), QString::number(series.count())) +
                    oscilloscopeLine(series) +
@@ -171,6 +170,7 @@ QString summarise(const Series &series)
             text += delayName(kind).leftJustified(nameWidth) + "  not used: every value is 0\n";
             continue;
         }
+        const double step = delayStep(series, kind);
         text += statisticsLine(delayName(kind), computeStatistics(selectValues(series, kind, true)),
                                step);
         const QString reasons = flagLines(series.flags[kind], kind);
@@ -188,24 +188,26 @@ QString summarise(const Series &series)
 
 QString summariseBriefly(const QVector<Series> &series)
 {
-    const QString heading = "Medians / ms, without flagged values";
+    const QString heading = "Series (medians in ms, without flagged values)";
+    const QStringList names = seriesNames(series);
     int width = heading.size();
-    for (const Series &one : series) {
-        width = std::max(width, seriesName(one).size());
+    for (const QString &name : names) {
+        width = std::max(width, name.size());
     }
-    QStringList names;
+    QStringList columns;
     for (const DelayKind kind : delayKinds) {
-        names << delayEnd(kind) << "P95-P50";
+        columns << delayEnd(kind) << "P95-P50";
     }
-    QString text = tableLine(heading, width, "n", names) + "  flags\n";
-    for (const Series &one : series) {
+    QString text = tableLine(heading, width, "count", columns) + "  flags\n";
+    for (int i = 0; i < series.size(); ++i) {
+        const Series &one = series[i];
         QStringList numbers;
         for (const DelayKind kind : delayKinds) {
             const Statistics of = computeStatistics(selectValues(one, kind, false));
-            numbers << delayText(of.median, samplingInterval(one))
-                    << delayText(of.p95 - of.median, samplingInterval(one));
+            const double step = delayStep(one, kind);
+            numbers << delayText(of.median, step) << delayText(of.p95 - of.median, step);
         }
-        text += tableLine(seriesName(one), width, QString::number(one.count()), numbers) +
+        text += tableLine(names[i], width, QString::number(one.count()), numbers) +
                 QString("  %1%2\n")
                     .arg(flaggedCount(one))
                     .arg(one.oscilloscope.contradicts ? ", wrong delays"
@@ -218,27 +220,29 @@ QString summariseBriefly(const QVector<Series> &series)
 QString compareSeries(const Series &first, const Series &second)
 {
     constexpr int differenceWidth = 13;
-    const double step = std::max(samplingInterval(first), samplingInterval(second));
-    QString warnings = warningLines(first) + warningLines(second);
+    const QStringList names = seriesNames({first, second});
+    QString warnings = warningLines(first, names[0]) + warningLines(second, names[1]);
     QString lines;
     for (const DelayKind kind : delayKinds) {
         const QVector<double> of1 = selectValues(first, kind, false);
         const QVector<double> of2 = selectValues(second, kind, false);
         lines += delayName(kind).leftJustified(nameWidth);
         if (of1.isEmpty() || of2.isEmpty()) {
-            lines += QString("-").rightJustified(differenceWidth) + "   no values in both\n";
+            lines += QString("-").rightJustified(differenceWidth) + "   one series has no values\n";
             continue;
         }
+        const double step = std::max(delayStep(first, kind), delayStep(second, kind));
         const MedianDifference found = compareMedians(of1, of2, step);
         lines += delayText(found.difference, step).rightJustified(differenceWidth) +
                  verdict(found, step) + '\n';
         if (found.hasInterval()) {
-            warnings += dependenceLine(first, kind) + dependenceLine(second, kind);
+            warnings +=
+                dependenceLine(first, names[0], kind) + dependenceLine(second, names[1], kind);
         }
     }
     return warnings +
            QString("%1 compared with %2: difference of the medians, without flagged values\n")
-               .arg(seriesName(second), seriesName(first)) +
+               .arg(names[1], names[0]) +
            QString("Delay / ms").leftJustified(nameWidth) +
            QString("difference").rightJustified(differenceWidth) +
            QString("   95 % interval (bootstrap, %1 resamplings)\n").arg(resamplings) + lines;

@@ -67,7 +67,7 @@ private slots:
         QVERIFY2(std::abs(found.low + 1.0) < 0.15, qPrintable(QString::number(found.low)));
         QVERIFY2(std::abs(found.high - 3.4) < 0.15, qPrintable(QString::number(found.high)));
         QCOMPARE(compareMedians(first, second, 0.1).low, found.low);
-        QCOMPARE(compareMedians({5, 5, 5, 5, 5}, {6, 6, 6, 6, 6}, 1.0).low, 0.0);
+        QVERIFY(!compareMedians(Values(5, 40.0), Values(5, 40.1), 0.1).isSlower()); // one step
         QVERIFY(!compareMedians(first.mid(36), second, 0.1).hasInterval());
     }
 
@@ -84,7 +84,7 @@ private slots:
                 std::generate(first.begin(), first.end(), [&] { return delay(random); });
                 std::generate(second.begin(), second.end(), [&] { return delay(random) + shift; });
                 const MedianDifference found = compareMedians(first, second, 0.1);
-                shown += int(found.low > 0.0 || found.high < 0.0);
+                shown += int(found.isSlower() || found.isFaster());
             }
             return shown;
         };
@@ -109,7 +109,7 @@ private slots:
             counts.removeLast(); // it need not be full
             QCOMPARE(counts.count(counts.value(0)), counts.size());
         }
-        QCOMPARE(countValues({5, 5}, chooseBins({{5, 5}}, 0.0, 5, 5)), (QVector<int>{0, 2, 0}));
+        QCOMPARE(countValues({5, 5}, chooseBins({{5, 5}}, 0.1, 5, 5)), (QVector<int>{0, 2, 0}));
     }
 };
 

@@ -139,7 +139,7 @@ private slots:
         QString problem;
         QVERIFY(writeReport(loadSeries({file}).series, folder.filePath("report.svg"), &problem));
         const QString svg = contents(folder.filePath("report.svg"));
-        QVERIFY(svg.contains(QRegularExpression(">Delays of x+\\.\\.\\.x+<")));
+        QVERIFY(svg.contains(QRegularExpression(">Delays of x+\\.\\.\\.x* .* 14:07:09")));
         QVERIFY(svg.contains(
             QRegularExpression(">/.*\\.\\.\\.x+_Orvanta2026-03-05_14-07-09_Results.txt")));
         QVERIFY(svg.contains("Page 1 of 1<"));

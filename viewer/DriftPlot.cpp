@@ -32,7 +32,7 @@ QVector<QPointF> thin(const QVector<QPointF> &points, int columnWidth)
 
 /// Draw median and band of each column of so many measurements. Returns the columns' extremes.
 QVector<QPointF> addColumns(QwtPlot *plot, const QVector<QPointF> &points, int columnWidth,
-                            const SeriesStyle &style)
+                            const SeriesStyle &style, bool isInLegend)
 {
     QVector<QwtIntervalSample> bands;
     QVector<QPointF> medians;
@@ -61,10 +61,8 @@ QVector<QPointF> addColumns(QwtPlot *plot, const QVector<QPointF> &points, int c
     median->setPen(style.pen(dataWidth));
     median->setLegendAttribute(QwtPlotCurve::LegendShowLine);
     median->setSamples(medians);
-    // Once in the legend for both series.
-    const bool isFirst = plot->itemList(QwtPlotItem::Rtti_PlotIntervalCurve).isEmpty();
     for (QwtPlotItem *item : std::initializer_list<QwtPlotItem *>{band, median}) {
-        item->setItemAttribute(QwtPlotItem::Legend, isFirst);
+        item->setItemAttribute(QwtPlotItem::Legend, isInLegend);
         item->attach(plot);
     }
     return extremes;
@@ -110,7 +108,8 @@ QwtPlot *driftPlot(const QVector<Series> &selection, DelayKind kind)
         const SeriesStyle style = seriesStyle(number);
         const bool isLong = series.count() > mostPoints;
         const QVector<QPointF> extremes =
-            addColumns(plot, unflagged, isLong ? columnWidth : longest, style);
+            addColumns(plot, unflagged, isLong ? columnWidth : longest, style,
+                       selection.size() == 1); // two series need its room for their names
         addPoints(plot, plotNames(selection)[number], isLong ? extremes : unflagged,
                   style.makeSymbol(isLong ? 3 : 7));
         addMarks(plot, "beyond", beyond.size(), thin(beyond, columnWidth), QwtSymbol::Triangle,

@@ -3,6 +3,7 @@
 #include <QBuffer>
 #include <QFileInfo>
 #include <QFontMetricsF>
+#include <QPageLayout>
 #include <QPainter>
 #include <QPdfWriter>
 #include <QSaveFile>
@@ -24,7 +25,9 @@ constexpr double pointsPerInch = 72.0;
 
 QPageLayout layoutOf(const Page &page)
 {
-    return {QPageSize(QPageSize::A4), page.orientation, {}};
+    return {QPageSize(QPageSize::A4),
+            page.text.isEmpty() ? QPageLayout::Landscape : QPageLayout::Portrait,
+            {}};
 }
 
 /// The size of a picture of the page.
@@ -41,40 +44,23 @@ QFont fontOf(const QString &family, double points, const QPainter &painter)
     return font;
 }
 
-/// Write the text across a rectangle, as large as fits but no larger than is usual. Returns how
-/// high it is.
-double paintText(const QString &text, QPainter *painter, const QRectF &rect)
+/// Write text in a font, or smaller where that does not fit the rectangle. Returns how much room it
+/// takes.
+double paintText(const QString &text, QPainter *painter, const QRectF &rect, Qt::Alignment place,
+                 QFont font)
 {
     if (text.isEmpty()) {
         return 0.0;
     }
-    constexpr double usualSize = 8.0;  // points
     constexpr double mostHeight = 0.4; // of the page
-    // Fontconfig's alias: without a display Qt knows of no fixed font.
-    QFont font = fontOf("monospace", usualSize, *painter);
-    font.setStyleHint(QFont::Monospace);
     const auto sizeOf = [&] { return QFontMetricsF(font, painter->device()).size(0, text); };
     while (font.pixelSize() > 1 &&
            (sizeOf().width() > rect.width() || sizeOf().height() > mostHeight * rect.height())) {
         font.setPixelSize(font.pixelSize() - 1);
     }
     painter->setFont(font);
-    painter->drawText(rect, Qt::AlignLeft | Qt::AlignTop, text);
-    return sizeOf().height() + QFontMetricsF(font, painter->device()).lineSpacing();
-}
-
-/// Write one line, shortened to the rectangle's width. Returns how much room it takes.
-double paintLine(const QString &line, QPainter *painter, const QRectF &rect, Qt::Alignment place,
-                 const QFont &font)
-{
-    if (line.isEmpty()) {
-        return 0.0;
-    }
-    const QFontMetricsF metrics(font, painter->device());
-    painter->setFont(font);
-    painter->drawText(rect, static_cast<int>(place),
-                      metrics.elidedText(line, Qt::ElideMiddle, rect.width()));
-    return 1.5 * metrics.lineSpacing();
+    painter->drawText(rect, static_cast<int>(place), text);
+    return sizeOf().height() + QFontMetricsF(font, painter->device()).lineSpacing() / 2;
 }
 
 /// Draw a plot, its axes where its data are: outside a window no layout has seen to that.
@@ -92,7 +78,7 @@ void paintPlot(QwtPlot *plot, QPainter *painter, const QRectF &rect)
     renderer.render(plot, painter, rect);
 }
 
-/// Paint a page onto the whole of a device whose resolution that knows.
+/// Paint a page onto a whole device. The size is in its dots.
 void paintPage(const Page &page, QPainter *painter, const QSizeF &size)
 {
     painter->fillRect(QRectF({}, size), Qt::white);
@@ -101,11 +87,14 @@ void paintPage(const Page &page, QPainter *painter, const QSizeF &size)
     QRectF room(border, border, size.width() - 2 * border, size.height() - 2 * border);
     QFont bold = fontOf("sans-serif", 12.0, *painter);
     bold.setBold(true);
-    room.setTop(room.top() + paintLine(page.title, painter, room, Qt::AlignTop, bold));
-    room.setBottom(room.bottom() - paintLine(page.foot, painter, room,
+    // Fontconfig's alias: without a display Qt knows of no fixed font.
+    QFont fixed = fontOf("monospace", 8.0, *painter);
+    fixed.setStyleHint(QFont::Monospace);
+    room.setTop(room.top() + paintText(page.title, painter, room, Qt::AlignTop, bold));
+    room.setBottom(room.bottom() - paintText(page.foot, painter, room,
                                              Qt::AlignBottom | Qt::AlignHCenter,
                                              fontOf("sans-serif", 7.0, *painter)));
-    room.setTop(room.top() + paintText(page.text, painter, room));
+    room.setTop(room.top() + paintText(page.text, painter, room, Qt::AlignTop, fixed));
 
     // On a full page plots are drawn smaller, so that they hold as much as on the screen.
     const double scale = page.text.isEmpty() ? 1.0 : 0.7;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QPageLayout>
 #include <QSharedPointer>
 #include <QString>
 #include <QVector>
@@ -9,15 +8,14 @@
 
 class QwtPlot;
 
-/// An A4 page: a title, lines of text in columns as on a terminal, rows of plots, and a line at the
-/// foot. What is empty takes no room.
+/// An A4 page, upright if it has text: a title, lines of text in columns as on a terminal, rows of
+/// plots, and a line at the foot. What is empty takes no room.
 struct Page
 {
     QString title;
     QString text;
     QString foot;
     QVector<QVector<QwtPlot *>> rows;
-    QPageLayout::Orientation orientation = QPageLayout::Landscape;
     QVector<QSharedPointer<QwtPlot>> kept; ///< those of them that are the page's own
 };
 

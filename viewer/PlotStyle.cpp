@@ -24,15 +24,18 @@ QwtInterval usualRange(QVector<double> values, double step)
     if (values.isEmpty()) {
         return {};
     }
-    const Statistics of = computeStatistics(values);
     std::sort(values.begin(), values.end());
     const double first = nearestRank(values, 250);
     const double third = nearestRank(values, 750);
-    constexpr double leastStep = 0.1; // ms: where half of the values are equal and no step is known
-    constexpr double farAway = 5.0;   // interquartile ranges
-    const double far = farAway * std::max(third - first, step > 0.0 ? step : leastStep);
-    const double from = std::fmin(first - far, of.p5);
-    const double to = std::fmax(third + far, of.p95);
+    constexpr double farAway = 5.0; // interquartile ranges
+    const double far = farAway * std::max(third - first, step);
+    double from = first - far;
+    double to = third + far;
+    constexpr int few = 20; // of them P5 is the least, which may be an outlier
+    if (values.size() > few) {
+        from = std::min(from, nearestRank(values, 50));
+        to = std::max(to, nearestRank(values, 950));
+    }
     return {*std::lower_bound(values.begin(), values.end(), from),
             *(std::upper_bound(values.begin(), values.end(), to) - 1)};
 }
@@ -82,7 +85,9 @@ QwtPlot *makePlot(const QString &horizontal, const QString &vertical)
     }
     auto *legend = new QwtLegend;
     legend->setFont(font);
-    plot->insertLegend(legend, QwtPlot::TopLegend);
+    constexpr double most = 0.5; // of the height
+    plot->insertLegend(legend, QwtPlot::TopLegend, most);
+    plot->setAxisMaxMajor(QwtPlot::yLeft, 5); // legible on a low plot, too
 
     auto *grid = new QwtPlotGrid;
     constexpr double gridWidth = 0.5;
@@ -93,12 +98,12 @@ QwtPlot *makePlot(const QString &horizontal, const QString &vertical)
 
 QStringList plotNames(const QVector<Series> &selection)
 {
-    constexpr int longest = 40; // characters
+    constexpr int longest = 20; // characters: two fit side by side in a report
     QStringList labels;
-    QStringList names;
-    for (const Series &series : selection) {
-        labels += shortenText(seriesLabel(series.fileName), longest);
-        names += shortenText(seriesName(series), longest);
+    QStringList names = seriesNames(selection);
+    for (int i = 0; i < names.size(); ++i) {
+        labels += shortenText(seriesLabel(selection[i].fileName), longest);
+        names[i] = shortenText(names[i], longest);
     }
     return labels.contains(QString()) || labels.value(0) == labels.value(1) ? names : labels;
 }
@@ -149,11 +154,6 @@ QwtInterval delayAxis(const QVector<Series> &selection, DelayKind kind)
         }
     }
     return {0.0, 1.0};
-}
-
-double delayStep(const Series &series, DelayKind kind)
-{
-    return kind == SourceToHdmi ? 0.0 : samplingInterval(series);
 }
 
 QVector<DelayKind> plottedDelays(const QVector<Series> &selection)

@@ -56,9 +56,5 @@ void addLine(QwtPlot *plot, double position, const QPen &pen);
 
 /// Returns an axis for the delays without flags, or for all where there are none, in milliseconds.
 /// Delays more than five interquartile ranges from the quartiles do not widen it, so that an
-/// outlier flattens no plot; but it holds those from P5 to P95, where there are enough for these.
+/// outlier flattens no plot; but from 21 values on it holds those from P5 to P95.
 QwtInterval delayAxis(const QVector<Series> &selection, DelayKind kind);
-
-/// Returns the difference of two delays that a series can tell apart, in milliseconds: the sampling
-/// interval. It is 0 when that is not known, and for HDMI, which is the video analyzer's.
-double delayStep(const Series &series, DelayKind kind);

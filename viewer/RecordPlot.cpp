@@ -25,8 +25,7 @@ QwtPlot *recordPlot(const Series &series, int columns)
 
     constexpr double milliseconds = 1000.0;
     const double first = type ? sampleInstant(0, record.samples, *type) * milliseconds : 0.0;
-    const double interval =
-        type && record.samples > 1 ? recordSpan(*type) / (record.samples - 1) * milliseconds : 1.0;
+    const double interval = type ? delayStep(series, SourceToRf) : 1.0;
     struct Row
     {
         const char *title;

@@ -15,7 +15,11 @@ namespace {
 
 QString titleOf(const QVector<Series> &selection)
 {
-    const QStringList names = plotNames(selection);
+    constexpr int longest = 50; // characters
+    QStringList names = seriesNames(selection);
+    for (QString &name : names) {
+        name = shortenText(name, longest);
+    }
     return selection.size() == 1
                ? "Delays of " + names[0]
                : QString("Delays of %2 compared with those of %1").arg(names[0], names[1]);
@@ -37,7 +41,6 @@ bool writeReport(const QVector<Series> &series, const QString &fileName, QString
     const auto makePage = [&](int number) {
         const QVector<Series> &selection = selections[number];
         Page page;
-        page.orientation = QPageLayout::Portrait;
         page.title = titleOf(selection);
         page.text = describeSelection(selection);
         for (const Series &one : selection) {

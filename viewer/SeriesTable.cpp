@@ -43,8 +43,7 @@ QVector<Cell> cellsOf(const Series &series)
                         {QString::number(series.count()), series.count()}};
     for (const DelayKind kind : delayKinds) {
         const Statistics of = computeStatistics(selectValues(series, kind, false));
-        cells +=
-            {delayText(of.median, samplingInterval(series)), of.n == 0 ? -infinity : of.median};
+        cells += {delayText(of.median, delayStep(series, kind)), of.n == 0 ? -infinity : of.median};
     }
     return cells << flagCell(series);
 }
