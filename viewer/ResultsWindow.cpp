@@ -107,6 +107,8 @@ ResultsWindow::ResultsWindow()
     above->addWidget(tabs);
     above->addWidget(text);
     above->setStretchFactor(0, 1);
+    besides->setChildrenCollapsible(false);
+    above->setChildrenCollapsible(false);
     setCentralWidget(besides);
     makeTabs();
     makeMenus();
@@ -149,7 +151,8 @@ void ResultsWindow::makeTabs()
                                plottedDelays(selection)[plot], place);
     };
     plotTabs = {new PlotColumn(ofDelays(driftPlot), measurement),
-                new PlotColumn(ofDelays(histogramPlot)), new PlotColumn(ofDelays(cumulativePlot)),
+                new PlotColumn(ofDelays(histogramPlot), {}, QBoxLayout::LeftToRight),
+                new PlotColumn(ofDelays(cumulativePlot), {}, QBoxLayout::LeftToRight),
                 new PlotColumn(ofRecords)};
     const QStringList names{"&Delays", "&Histogram", "&Cumulative", "&Last Record"};
     for (int i = 0; i < names.size(); ++i) {
@@ -186,9 +189,7 @@ void ResultsWindow::fitList()
         header->resizeSections(QHeaderView::ResizeToContents);
         const int wanted = header->length() + 2 * list->frameWidth() +
                            list->verticalScrollBar()->sizeHint().width();
-        // The statistics are seen whole where there is room for both.
-        const int room = width() - text->fontMetrics().horizontalAdvance('0') * statisticsWidth;
-        const int listWidth = std::min(wanted, room > width() / 3 ? room : width() / 2);
+        const int listWidth = std::min(wanted, width() / 2);
         besides->setSizes({listWidth, width() - listWidth});
     }
 }
