@@ -120,7 +120,11 @@ ResultsWindow::ResultsWindow()
             [this] { settings().setValue("besides", besides->saveState()); });
     connect(&idle, &QTimer::timeout, this, &ResultsWindow::readTraces);
     connect(&look, &QTimer::timeout, this, [this] {
-        if (files.isStirred()) {
+        QStringList shown;
+        for (const Series &series : qAsConst(selection)) {
+            shown += series.fileName;
+        }
+        if (files.isStirred(shown)) {
             rescan();
         }
     });
