@@ -194,6 +194,10 @@ void ResultsWindow::fitList()
         const int wanted = header->length() + 2 * list->frameWidth() +
                            list->verticalScrollBar()->sizeHint().width();
         const int listWidth = std::min(wanted, width() / 2);
+        const int nameWidth = header->sectionSize(0) - (wanted - listWidth);
+        if (nameWidth < list->fontMetrics().horizontalAdvance("0000-00-00 00:00:00")) {
+            header->setSectionResizeMode(0, QHeaderView::ResizeToContents); // the list scrolls
+        }
         besides->setSizes({listWidth, width() - listWidth});
     }
 }
