@@ -32,8 +32,6 @@ void PlotColumn::showEvent(QShowEvent * /*event*/)
     if (!std::exchange(isStale, false)) {
         return;
     }
-    const bool isNarrow =
-        static_cast<QBoxLayout *>(layout())->direction() == QBoxLayout::LeftToRight;
     qDeleteAll(shown);
     navigations.clear();
     shown = makePlots();
@@ -46,12 +44,11 @@ void PlotColumn::showEvent(QShowEvent * /*event*/)
         navigations += new Navigation(shown[i], text);
         shown[i]->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored); // all the same room
         layout()->addWidget(shown[i]);
-        if (isNarrow) {
-            QwtText title = shown[i]->axisTitle(QwtPlot::xBottom);
-            title.setRenderFlags(Qt::AlignHCenter | Qt::TextWordWrap);
-            shown[i]->setAxisTitle(QwtPlot::xBottom, title);
-            shown[i]->setAxisMaxMajor(QwtPlot::xBottom, 4);
-        }
+        // Beside each other plots may be narrow.
+        QwtText title = shown[i]->axisTitle(QwtPlot::xBottom);
+        title.setRenderFlags(Qt::AlignHCenter | Qt::TextWordWrap);
+        shown[i]->setAxisTitle(QwtPlot::xBottom, title);
+        shown[i]->setAxisMaxMajor(QwtPlot::xBottom, 6);
         connect(shown[i]->axisWidget(QwtPlot::yLeft), &QwtScaleWidget::scaleDivChanged, this,
                 &PlotColumn::alignCanvases);
     }

@@ -94,9 +94,7 @@ void ResultsWindow::load(const QStringList &changed)
         seriesTable->put(series);
     }
     unread = changed + unread;
-    for (const QString &file : changed.mid(done)) {
-        leftOut += file;
-    }
+    leftOut.unite({changed.begin() + done, changed.end()});
     look.start(lookInterval);
     idle.start();
 }
