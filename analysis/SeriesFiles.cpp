@@ -33,7 +33,8 @@ struct NameParts
 
 QString resultsFolder()
 {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + "/Varnholt";
+    return QDir::cleanPath(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+                           "/Varnholt");
 }
 
 QStringList seriesIn(const QString &folder)

@@ -28,12 +28,11 @@ expect 0 '^Source to sink +5 +1[01][0-9](\.[0-9]+)? +1' --summary "${series[0]}"
 expect 0 '^Source to RF .* to .*difference shown' --summary "${series[@]}"
 expect 1 '^Source to sink +5 ' --summary "$scratch/none" "${series[0]}"
 expect 1 'empty folder is a folder without results files' --summary "$scratch/empty folder"
-expect 1 'Only one of' --summary --csv "${series[0]}"
+expect 1 'file is empty' --csv ''
 expect 1 'cannot be written' --report "$scratch/none/report.pdf" "${series[0]}"
 expect 1 'ends in none of' --report "$scratch/report.jpeg" "${series[0]}"
 expect 1 'one page, not 3' --report "$scratch/report.png" "${series[@]}" "$scratch/flagged_Results.txt"
 expect 1 'no display.* --summary' "${series[0]}"
-expect 0 'Usage' --help
 expect 2 '^Flag: Source to RF, 1 of 5: not a finite number.*\(measurement 1\)' \
     --summary "$scratch/flagged_Results.txt"
 
@@ -49,8 +48,5 @@ if (trap '' XFSZ; ulimit -f 0; "$executable" --csv --output "$scratch/full.csv" 
 fi
 expect 0 '' --csv --output "$scratch/values.csv" "${series[@]}"
 (($(wc -l <"$scratch/values.csv") == 11)) || { echo "The CSV is not 11 lines" >&2; exit 1; }
-for kind in pdf png svg; do
-    expect 0 '' --report "$scratch/report.$kind" "${series[@]}"
-done
+expect 0 '' --report "$scratch/report.png" "${series[@]}"
 (($(convert "$scratch/report.png" -format %k info:) > 200)) || { echo "report.png is bare" >&2; exit 1; }
-grep --quiet 'fill="#0072b2"' "$scratch/report.svg" && grep --quiet '</svg>' "$scratch/report.svg"

@@ -30,6 +30,13 @@ void LiveFiles::follow(const QStringList &filesAndFolders)
     followed.removeDuplicates();
 }
 
+bool LiveFiles::isStirred(const QStringList &shown) const
+{
+    return times() != lastTimes ||
+           std::any_of(shown.cbegin(), shown.cend(),
+                       [this](const QString &file) { return known.value(file) != stampOf(file); });
+}
+
 LiveFiles::Changes LiveFiles::findChanges()
 {
     lastTimes = times(); // before looking, so that nothing is missed

@@ -16,9 +16,10 @@ public:
 
     /// Follow these files, and all series in these folders, also while one of them is not there.
     void follow(const QStringList &filesAndFolders);
-    /// Returns whether something came or went since the last time that changes were looked for, or
-    /// may still have been written then. This is quick, also on a network.
-    [[nodiscard]] bool isStirred() const { return times() != lastTimes; }
+    /// Returns whether something came or went since the last time that changes were looked for, may
+    /// still have been written then, or one of the files shown was written again. This is quick,
+    /// also on a network.
+    [[nodiscard]] bool isStirred(const QStringList &shown) const;
     /// Find what has changed since the last time. A file that was named and is not there counts as
     /// changed, and so does a folder without series: they are to be complained of.
     Changes findChanges();

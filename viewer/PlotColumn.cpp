@@ -2,20 +2,19 @@
 
 #include "viewer/Navigation.h"
 
-#include <QVBoxLayout>
-
 #include <qwt_plot.h>
 #include <qwt_scale_div.h>
 #include <qwt_scale_draw.h>
 #include <qwt_scale_widget.h>
+#include <qwt_text.h>
 
 #include <algorithm>
 #include <utility>
 
-PlotColumn::PlotColumn(MakePlots make, PlaceText text)
+PlotColumn::PlotColumn(MakePlots make, PlaceText text, QBoxLayout::Direction direction)
     : makePlots(std::move(make)), placeText(std::move(text))
 {
-    auto *column = new QVBoxLayout(this);
+    auto *column = new QBoxLayout(direction, this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
 }
@@ -45,6 +44,11 @@ void PlotColumn::showEvent(QShowEvent * /*event*/)
         navigations += new Navigation(shown[i], text);
         shown[i]->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored); // all the same room
         layout()->addWidget(shown[i]);
+        // Beside each other plots may be narrow.
+        QwtText title = shown[i]->axisTitle(QwtPlot::xBottom);
+        title.setRenderFlags(Qt::AlignHCenter | Qt::TextWordWrap);
+        shown[i]->setAxisTitle(QwtPlot::xBottom, title);
+        shown[i]->setAxisMaxMajor(QwtPlot::xBottom, 6);
         connect(shown[i]->axisWidget(QwtPlot::yLeft), &QwtScaleWidget::scaleDivChanged, this,
                 &PlotColumn::alignCanvases);
     }

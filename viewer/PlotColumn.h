@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QBoxLayout>
 #include <QVector>
 #include <QWidget>
 
@@ -8,8 +9,8 @@
 class Navigation;
 class QwtPlot;
 
-/// Plots one below the other, in which a person can move about. Those with the same horizontal axis
-/// share its position and zoom.
+/// Plots one below the other, or beside each other, in which a person can move about. Those with
+/// the same horizontal axis share its position and zoom.
 class PlotColumn : public QWidget
 {
 public:
@@ -17,7 +18,8 @@ public:
     /// Returns what lies at a place (pixels) of the canvas of a plot, of which the index is given.
     using PlaceText = std::function<QString(int plot, const QPoint &place)>;
 
-    explicit PlotColumn(MakePlots make, PlaceText text = {});
+    explicit PlotColumn(MakePlots make, PlaceText text = {},
+                        QBoxLayout::Direction direction = QBoxLayout::TopToBottom);
 
     /// Make the plots anew, once somebody looks at them.
     void renew();

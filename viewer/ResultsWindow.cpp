@@ -107,6 +107,8 @@ ResultsWindow::ResultsWindow()
     above->addWidget(tabs);
     above->addWidget(text);
     above->setStretchFactor(0, 1);
+    besides->setChildrenCollapsible(false);
+    above->setChildrenCollapsible(false);
     setCentralWidget(besides);
     makeTabs();
     makeMenus();
@@ -118,7 +120,11 @@ ResultsWindow::ResultsWindow()
             [this] { settings().setValue("besides", besides->saveState()); });
     connect(&idle, &QTimer::timeout, this, &ResultsWindow::readTraces);
     connect(&look, &QTimer::timeout, this, [this] {
-        if (files.isStirred()) {
+        QStringList shown;
+        for (const Series &series : qAsConst(selection)) {
+            shown += series.fileName;
+        }
+        if (files.isStirred(shown)) {
             rescan();
         }
     });
@@ -149,7 +155,8 @@ void ResultsWindow::makeTabs()
                                plottedDelays(selection)[plot], place);
     };
     plotTabs = {new PlotColumn(ofDelays(driftPlot), measurement),
-                new PlotColumn(ofDelays(histogramPlot)), new PlotColumn(ofDelays(cumulativePlot)),
+                new PlotColumn(ofDelays(histogramPlot), {}, QBoxLayout::LeftToRight),
+                new PlotColumn(ofDelays(cumulativePlot), {}, QBoxLayout::LeftToRight),
                 new PlotColumn(ofRecords)};
     const QStringList names{"&Delays", "&Histogram", "&Cumulative", "&Last Record"};
     for (int i = 0; i < names.size(); ++i) {
@@ -186,9 +193,11 @@ void ResultsWindow::fitList()
         header->resizeSections(QHeaderView::ResizeToContents);
         const int wanted = header->length() + 2 * list->frameWidth() +
                            list->verticalScrollBar()->sizeHint().width();
-        // The statistics are seen whole where there is room for both.
-        const int room = width() - text->fontMetrics().horizontalAdvance('0') * statisticsWidth;
-        const int listWidth = std::min(wanted, room > width() / 3 ? room : width() / 2);
+        const int listWidth = std::min(wanted, width() / 2);
+        const int nameWidth = header->sectionSize(0) - (wanted - listWidth);
+        if (nameWidth < list->fontMetrics().horizontalAdvance("0000-00-00 00:00:00")) {
+            header->setSectionResizeMode(0, QHeaderView::ResizeToContents); // the list scrolls
+        }
         besides->setSizes({listWidth, width() - listWidth});
     }
 }

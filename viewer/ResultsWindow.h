@@ -5,6 +5,7 @@
 
 #include <QMainWindow>
 #include <QMap>
+#include <QSet>
 #include <QSortFilterProxyModel>
 #include <QTimer>
 
@@ -88,8 +89,8 @@ private:
     QVector<Series> selection; ///< one or two
     LiveFiles files;
     QMap<QString, QString> problems; ///< why files cannot be read
-    QStringList unread; ///< files of series whose traces are to be read: the newest first
-    int leftOut = 0;    ///< files that were not read, as somebody stopped it
-    QTimer idle;        ///< runs out when there is nothing else to do
-    QTimer look;        ///< runs out when files may have changed
+    QStringList unread;    ///< files of series whose traces are to be read: the newest first
+    QSet<QString> leftOut; ///< files that were not read, as somebody stopped it
+    QTimer idle;           ///< runs out when there is nothing else to do
+    QTimer look;           ///< runs out when files may have changed
 };

@@ -61,7 +61,6 @@ void ResultsWindow::makeMenus()
 void ResultsWindow::reload()
 {
     files.forget();
-    leftOut = 0;
     rescan();
 }
 

@@ -47,6 +47,7 @@ void ResultsWindow::rescan()
     for (const QString &file : changes.gone) {
         seriesTable->remove(file);
         problems.remove(file);
+        leftOut.remove(file);
     }
     load(changes.changed);
     if (count == 0) {
@@ -79,6 +80,7 @@ void ResultsWindow::load(const QStringList &changed)
         Series series;
         QString reason;
         problems.remove(file);
+        leftOut.remove(file);
         if (openResults(file, &series, &reason)) {
             loaded += series;
         } else if (file != resultsFolder()) { // before the first series nothing is wrong with it
@@ -92,7 +94,7 @@ void ResultsWindow::load(const QStringList &changed)
         seriesTable->put(series);
     }
     unread = changed + unread;
-    leftOut += changed.size() - done;
+    leftOut.unite({changed.begin() + done, changed.end()});
     look.start(lookInterval);
     idle.start();
 }
@@ -113,11 +115,12 @@ void ResultsWindow::readTraces()
 void ResultsWindow::showGaps()
 {
     QStringList said;
-    if (leftOut > 0) {
-        said += QString("The list is partial: %1 files were not read (F5 reads them)").arg(leftOut);
+    if (!leftOut.isEmpty()) {
+        said += QString("The list is partial: %1 files were not read (F5 reads them)")
+                    .arg(leftOut.size());
     }
     if (!problems.isEmpty()) {
-        said += QString("Unreadable files: %1").arg(problems.size());
+        said += QString("Problems: %1").arg(problems.size());
     }
     gaps->setVisible(!said.isEmpty());
     gaps->setText(said.join(". "));

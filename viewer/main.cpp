@@ -83,6 +83,8 @@ Request readCommandLine()
         mistake = "Only one of --summary, --csv and --report can be had at a time.";
     } else if (parser.isSet(output) && !parser.isSet(csv)) {
         mistake = "--output goes with --csv; --report names its file itself.";
+    } else if (parser.positionalArguments().contains(QString())) {
+        mistake = "The name of a file is empty.";
     }
     if (!mistake.isEmpty()) {
         complain(mistake + " --help tells what can be asked for.");
