@@ -89,8 +89,6 @@ private slots:
         row("source ends before its edge") << int(Source) << step(20, 0, 20, 0) << n;
         row("RF runs of seven, then eight") << int(Rf) << runs(30, 7, 38, 8) << 38;
         row("RF run of which seven follow the source") << int(Rf) << runs(15, 12) << n;
-        row("RF in the last eight") << int(Rf) << runs(n - 8, 8) << n - 8;
-        row("RF in the last seven") << int(Rf) << runs(n - 7, 7) << n;
         row("RF from the last sample on") << int(Rf) << step(n + 7, 0, n - 1, 0.2) << n - 1;
         row("RF behind the record") << int(Rf) << step(n + 20, 0, n, 0.2) << n;
         row("sink of 60 mV") << int(Sink) << step(n, 0, 60, 0.06) << 60;
