@@ -32,7 +32,8 @@ Trace step(int n, double from, int index, double to)
 
 QByteArray blockOf(const Trace &samples)
 {
-    const QByteArray data = bytesOf(QVector<float>(samples.begin(), samples.end()));
+    const QVector<float> floats(samples.begin(), samples.end());
+    const QByteArray data(reinterpret_cast<const char *>(floats.data()), floats.size() * 4);
     const QByteArray length = QByteArray::number(data.size());
     return '#' + QByteArray::number(length.size()) + length + data + '\n';
 }
