@@ -37,44 +37,35 @@ public:
         p_viOpen = [](ViSession manager, const ViChar *resource, ViAccessMode mode,
                       ViUInt32 timeout, ViSession *session) {
             const QString host = QString(resource).section("::", 1, 1);
-            const auto entry = QString("%1 open, lock %2, %3 ms").arg(host).arg(mode).arg(timeout);
+            const auto entry = QString(" open, lock %1, %2 ms").arg(mode).arg(timeout);
+            current->open[manager] = host; // the call is the host's
             const ViStatus status =
                 pass<visa::Open>(entry, manager, resource, mode, timeout, session);
-            if (status >= 0) {
-                current->open[*session] = host;
-            }
+            current->open[*session] = host;
+            current->open.remove(0); // the session of an open that failed
             return status;
         };
-        p_viClose = [](ViObject session) {
-            const QString host = current->open.take(session);
-            return pass<visa::Close>(host + " close", session);
-        };
+        p_viClose = [](auto... arguments) { return pass<visa::Close>(" close", arguments...); };
         p_viSetAttribute = [](ViObject session, ViAttr attribute, ViAttrState value) {
-            const QString entry = attribute == VI_ATTR_TMO_VALUE ? "%1 timeout %2" : "%1 attribute";
-            return pass<visa::SetAttribute>(entry.arg(name(session)).arg(value), session, attribute,
-                                            value);
+            const QString entry = attribute == VI_ATTR_TMO_VALUE ? " timeout %1" : " attribute %1";
+            return pass<visa::SetAttribute>(entry.arg(value), session, attribute, value);
         };
         p_viGpibControlREN = [](ViSession session, ViUInt16 mode) {
             const QString entry = mode == VI_GPIB_REN_ADDRESS_GTL ? " local" : " unexpected mode";
-            return pass<visa::GpibControlREN>(name(session) + entry, session, mode);
+            return pass<visa::GpibControlREN>(entry, session, mode);
         };
         p_viWrite = [](ViSession session, const ViByte *bytes, ViUInt32 count, ViUInt32 *written) {
             const QByteArray command(reinterpret_cast<const char *>(bytes), int(count));
-            return pass<visa::Write>(name(session) + " < " + QString(command).replace("\n", "\\n"),
-                                     session, bytes, count, written);
+            return pass<visa::Write>(" < " + QString(command).replace("\n", "\\n"), session, bytes,
+                                     count, written);
         };
-        p_viRead = [](ViSession session, ViByte *buffer, ViUInt32 count, ViUInt32 *returned) {
-            return pass<visa::Read>(name(session) + " reads", session, buffer, count, returned);
-        };
-        p_viReadToFile = [](ViSession session, const ViChar *file, ViUInt32 count,
-                            ViUInt32 *returned) {
-            return pass<visa::ReadToFile>(name(session) + " reads file", session, file, count,
-                                          returned);
+        p_viRead = [](auto... arguments) { return pass<visa::Read>(" reads", arguments...); };
+        p_viReadToFile = [](auto... arguments) {
+            return pass<visa::ReadToFile>(" reads file", arguments...);
         };
     }
     ~Line() { entryPoints() = bound; }
-    Line(const Line &) = delete;
-    Line &operator=(const Line &) = delete;
+    Q_DISABLE_COPY(Line)
 
     /// Returns the transcript without reads, and begins it anew.
     QStringList takeCalls()
@@ -83,21 +74,18 @@ public:
     }
 
 private:
-    static QString name(ViSession session)
-    {
-        return current->open.value(session, "session " + QString::number(session));
-    }
-
     /// Note a call, and make it as the function was bound before the line, unless it fails.
     template <typename Function, typename... Arguments>
-    static ViStatus pass(const QString &entry, Arguments... arguments)
+    static ViStatus pass(const QString &what, ViObject session, Arguments... arguments)
     {
+        const QString entry =
+            current->open.value(session, QString("session %1").arg(session)) + what;
         current->transcript << entry;
         const ViStatus fault = current->fails(entry);
         if (fault < 0 && fault != VI_ERROR_TMO) {
             return fault;
         }
-        const ViStatus status = std::get<Function *>(current->bound)(arguments...);
+        const ViStatus status = std::get<Function *>(current->bound)(session, arguments...);
         return status < 0 || fault == VI_SUCCESS ? status : fault;
     }
 

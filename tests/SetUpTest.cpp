@@ -6,13 +6,6 @@
 
 #include <QtTest>
 
-namespace {
-
-constexpr OscilloscopeType kvx = OscilloscopeType::Kvx;
-constexpr OscilloscopeType lpa4004 = OscilloscopeType::Lpa4004;
-
-} // namespace
-
 Q_DECLARE_METATYPE(OscilloscopeType)
 
 class SetUpTest : public QObject
@@ -52,6 +45,8 @@ private slots:
         QTest::addColumn<QString>("host");
         QTest::addColumn<OscilloscopeType>("type");
         QTest::addColumn<bool>("isBoxChecked");
+        constexpr OscilloscopeType kvx = OscilloscopeType::Kvx;
+        constexpr OscilloscopeType lpa4004 = OscilloscopeType::Lpa4004;
         QTest::newRow("KVx") << "scope-kvx" << kvx << false;
         for (const char *name :
              {"KVx with reset and IF", "KVx that refuses the first command of its IF channel",

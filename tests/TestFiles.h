@@ -7,15 +7,7 @@
 
 #include <cstring>
 
-/// The samples as they lie in memory, so that NaN compares, too.
-template <typename Sample>
-QByteArray bytesOf(const QVector<Sample> &samples)
-{
-    return {reinterpret_cast<const char *>(samples.constData()),
-            samples.size() * static_cast<int>(sizeof(Sample))};
-}
-
-/// The same backwards, as many whole samples as there are.
+/// The samples that lie in bytes, as many whole ones as there are.
 inline QVector<float> floatsOf(const QByteArray &bytes)
 {
     QVector<float> samples(bytes.size() / static_cast<int>(sizeof(float)));
