@@ -125,7 +125,9 @@ int main(int argc, char *argv[])
         });
         const int bare = ::socket(AF_INET, SOCK_STREAM, 0);
         const sockaddr_in address = addressAt(bareHost.port);
-        ::connect(bare, reinterpret_cast<const sockaddr *>(&address), sizeof address);
+        if (::connect(bare, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0) {
+            return 1;
+        }
         std::string command = queries[i].command + "\n";
         const auto ask = [&] {
             ViUInt32 count = 0;

@@ -23,7 +23,7 @@ constexpr int samples = 1000000;
 /// Write the results of a series whose delays vary, and return the name of the file.
 QString writeSeries(const QTemporaryDir &folder)
 {
-    const QString name = folder.filePath("Orvanta2026-03-05_14-07-09_Results.txt");
+    QString name = folder.filePath("Orvanta2026-03-05_14-07-09_Results.txt");
     DelaySeries delays;
     for (int i = 0; i < measurements; ++i) {
         delays.values += 45.0 + i * 37 % 101 * 0.1001;
@@ -64,7 +64,7 @@ void bareNumbers(benchmark::State &state)
 /// Write a trace with noise and an edge, and return the name of the file.
 QString writeTrace(const QTemporaryDir &folder)
 {
-    const QString name = folder.filePath("src.bin");
+    QString name = folder.filePath("src.bin");
     QVector<double> trace(samples);
     for (int i = 0; i < samples; ++i) {
         trace[i] = i % 101 * 1e-4 + (i < samples / 2 ? 0.0 : 0.15);

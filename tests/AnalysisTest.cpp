@@ -50,7 +50,7 @@ private slots:
         const QByteArray good = "Source2RF Delay: 45 46.5\nSource2RF Mean: 45.75\n"
                                 "Source2HD Delay: 0 0\nSource2HD Mean: 0\n"
                                 "Source2Snk Delay: 120.2 nan\nSource2Snk Mean: nan";
-        const auto row = [&](const char *name, QByteArray text, const char *problem) {
+        const auto row = [&](const char *name, const QByteArray &text, const char *problem) {
             QTest::newRow(name) << text << problem;
         };
         const auto changed = [&](const char *before, const char *after) {
