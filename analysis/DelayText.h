@@ -5,8 +5,8 @@
 /// The usual least difference between two delays, in milliseconds.
 constexpr double usualStep = 0.1;
 
-/// Write a delay with one decimal more than the least difference between delays has, both in
-/// milliseconds: two at 0.1 ms. "-" for NaN.
+/// Write milliseconds with enough decimals for their step, in milliseconds: two for steps of 0.1
+/// and of 0.05. A rounded zero has no minus sign. NaN gives "-".
 QString delayText(double milliseconds, double step);
 
 /// Returns the name of a delay, as "Source to RF".

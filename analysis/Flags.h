@@ -37,8 +37,8 @@ constexpr std::array<std::pair<Flag, const char *>, 9> reasonsByFlag = {{
 /// The flags of each measurement.
 using SeriesFlags = EachDelay<QVector<Flags>>;
 
-/// Flag the values of a series. Where the axis ends is known with the type; without it, the ends of
-/// both types' axes count.
+/// Flag the values of a series. A delay at an end of the time axis is flagged; while the type of
+/// the oscilloscope is not known, the ends of both types' axes count.
 SeriesFlags flagDelays(const SeriesResults &results, const Recognition &recognition);
 
 /// Returns whether a delay was measured: without a video analyzer every HDMI delay is 0.

@@ -27,8 +27,7 @@ constexpr int resamplings = 10000;
 /// How many values there must be on both sides: of fewer, resampling tells too little.
 constexpr int fewestForInterval = 5;
 
-/// Compute the difference of the medians, second less first, and its bootstrap interval (the
-/// percentiles 2.5 and 97.5 of the differences between resampled medians). It reaches at least a
-/// step to both sides, because the medians are multiples of a step. The same values always give the
-/// same interval. Both must hold a value.
+/// Compute the second median less the first, and its bootstrap interval: percentiles 2.5 and 97.5
+/// of the differences of resampled medians, widened to at least a step on both sides, because
+/// medians are multiples of a step. Equal values give an equal interval. Both sets must have one.
 MedianDifference compareMedians(QVector<double> first, QVector<double> second, double step);

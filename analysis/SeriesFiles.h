@@ -18,6 +18,6 @@ QDateTime seriesTime(const QString &fileName);
 /// program's own, as "FW2.1" of "FW2.1_Orvanta2026-03-05_14-07-09_Results.txt"; mostly empty.
 QString seriesLabel(const QString &fileName);
 
-/// Name a trace of the series' last measurement: "src", "rf" or "snk". All sets are equal, so the
-/// first is as good as any. A series that has got a label need not have it in the traces' names.
+/// Name a trace of the series' last measurement: "src", "rf" or "snk". All sets hold that
+/// measurement, so the first one will do. Only the results file need have the label in its name.
 QString traceFile(const QString &fileName, const QString &trace);

@@ -21,7 +21,7 @@ void logCall(const char *function, ViObject session, const QByteArray &content, 
 
 QByteArray readable(const QByteArray &message)
 {
-    // A text may begin with '#', too: a block has a digit there, and as many more as that says.
+    // Text may begin with '#', too: only a block has a digit n after it, and then n more digits.
     static const QRegularExpression header("^#([1-9])([0-9]{1,9})");
     const QRegularExpressionMatch match = header.match(QString::fromLatin1(message.left(11)));
     const int digits = match.captured(1).toInt();

@@ -4,9 +4,9 @@
 
 #include <QString>
 
-// Thin layer over the VISA entry points. Every function returns a VISA status: 0 is success,
-// negative an error, positive a success with a remark. While its entry point is null, a function
-// returns VI_ERROR_LIBRARY_NFOUND and does nothing. No function shows a message or throws.
+// Thin layer over the VISA entry points. Every function but rstrip() returns a VISA status: 0 is
+// success, negative an error, positive a success with a remark. While its entry point is null, a
+// function does nothing and returns VI_ERROR_LIBRARY_NFOUND. None shows a message or throws.
 //
 // The names iaPrintf, iaQueryf and iaScanf do not stand for formatted I/O: they call viWrite() and
 // viRead() only. Commands are sent unchanged, so each must end in "\n". Text is in the local 8-bit

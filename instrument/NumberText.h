@@ -2,7 +2,7 @@
 
 #include <QString>
 
-// Numbers as text, independent of the operator's locale.
+// Conversion between numbers and text, independent of the operator's locale.
 
 /// Returns a number as text: at most six significant digits without trailing zeros, "." as the
 /// decimal point, the shorter of fixed and exponent notation.

@@ -21,8 +21,8 @@ struct Record
     QVector<double> source; ///< volts
     QVector<double> rf;     ///< normalised to 0 .. 0.2
     QVector<double> sink;   ///< volts
-    QVector<double> time;   ///< seconds; one axis more for every record attempted
-    int samples = 0;        ///< of one record; only so many values of the above count
+    QVector<double> time;   ///< seconds; the axes of all records attempted, one after the other
+    int samples = 0;        ///< of one record; source, rf and sink are used up to this count
     Instants instants;      ///< of its edges
 };
 

@@ -19,7 +19,7 @@ int saveTrace(const QString &fileName, const QVector<double> &trace, int count)
     const qint64 size = qBound(0, count, trace.size()) * sampleSize;
     if (file.write(reinterpret_cast<const char *>(trace.constData()), size) != size ||
         !file.flush()) {
-        file.remove(); // nothing in it would show that it is not complete
+        file.remove(); // the format could not show that it is not complete
         return -1;
     }
     return 0;

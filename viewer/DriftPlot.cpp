@@ -15,8 +15,8 @@
 
 namespace {
 
-constexpr int mostPoints = 2000; // of a series with more, columns of values are drawn
-constexpr int mostColumns = 100; // so that P5 and P95 have the values that they need
+constexpr int mostPoints = 2000; // a series with more values is drawn in columns of values
+constexpr int mostColumns = 100; // few enough to give each column the values for P5 and P95
 
 /// Keep one point of each column of so many measurements.
 QVector<QPointF> thin(const QVector<QPointF> &points, int columnWidth)
@@ -109,7 +109,7 @@ QwtPlot *driftPlot(const QVector<Series> &selection, DelayKind kind)
         const bool isLong = series.count() > mostPoints;
         const QVector<QPointF> extremes =
             addColumns(plot, unflagged, isLong ? columnWidth : longest, style,
-                       selection.size() == 1); // two series need its room for their names
+                       selection.size() == 1); // two series' names fill the legend
         addPoints(plot, plotNames(selection)[number], isLong ? extremes : unflagged,
                   style.makeSymbol(isLong ? 3 : 7));
         addMarks(plot, "beyond", beyond.size(), thin(beyond, columnWidth), QwtSymbol::Triangle,

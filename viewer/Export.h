@@ -16,7 +16,7 @@ struct Page
     QString text;
     QString foot;
     QVector<QVector<QwtPlot *>> rows;
-    QVector<QSharedPointer<QwtPlot>> kept; ///< those of them that are the page's own
+    QVector<QSharedPointer<QwtPlot>> kept; ///< plots in `rows` that the page deletes
 };
 
 /// Write pages to a file as its name says: .pdf, or .svg and .png, which hold one page only. A page

@@ -29,7 +29,7 @@ QwtPlot *histogramPlot(const QVector<Series> &selection, DelayKind kind);
 /// are marked, and told in the legend. Flagged values are left out.
 QwtPlot *cumulativePlot(const QVector<Series> &selection, DelayKind kind);
 
-/// Draw the last record of a series with its three edges, over time or, while the oscilloscope type
-/// is not known, over the number of the sample. What is missing of it is said below. It shows
-/// the extremes of so many columns: many on a screen, where a person zooms in.
+/// Draw the last record of a series with its three edges over time, or over the sample number while
+/// the oscilloscope type is not known. A text below names what is missing. Of each column only the
+/// extremes are drawn: a screen, where a person zooms in, needs many columns.
 QwtPlot *recordPlot(const Series &series, int columns = 4096);

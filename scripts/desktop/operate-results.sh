@@ -13,17 +13,28 @@ has_page() {
     pdfinfo "$1" &>/dev/null
 }
 
+# Whether the window has changed from what it showed, and stays so. Takes the picture.
+is_steady_after() {
+    is_steady "$1" && [[ $(identify -format %# "$1") != "$shown" ]]
+}
+
+# press KEY PICTURE: presses a key, and takes the picture of what the window then shows.
+press() {
+    xdotool key "$1"
+    await "another picture after $1" is_steady_after "$folder/$2"
+    shown=$(identify -format %# "$folder/$2")
+}
+
 "$executable" "$@" >"$log" 2>&1 &
 program=$!
 await_window 'Orvanta Results'
 await "steady picture" is_steady "$folder/results.png"
+shown=$(identify -format %# "$folder/results.png")
 
 if (($(find "$@" -name '*_Results.txt' | wc -l) > 1)); then
-    xdotool key shift+Down
+    press shift+Down results.png
 fi
-await "steady picture" is_steady "$folder/results.png"
-xdotool key alt+l
-await "steady picture" is_steady "$folder/results-record.png"
+press alt+l results-record.png
 xdotool key ctrl+r
 await "dialog" is_active 'Export Report'
 xdotool type -- "$folder/results.pdf"
