@@ -13,10 +13,10 @@ struct Bins
     [[nodiscard]] double edge(int bin) const { return start + bin * width; }
 };
 
-/// Choose bins from one value to another for one or more series in any order. Their width suits the
-/// narrowest of the series: bins that suit all values together would hide how series differ. It is
-/// 1, 2 or 5 times a power of ten of the values' step (their least difference, ms), and no value
-/// lies on an edge. Else some bins would hold more possible values than others, and a comb appear.
+/// Choose bins from one value to another for one or more series in any order. Wide bins hide how
+/// series differ, so the width suits the narrowest series. It is 1, 2, 5, 10, 20 or so on steps; a
+/// step is the least difference of values, in ms. Edges lie between possible values: otherwise some
+/// bins would hold more possible values than others, and the histogram would look like a comb.
 Bins chooseBins(const QVector<QVector<double>> &series, double step, double from, double to);
 
 /// Count the values below all bins, in each bin, and above all bins.

@@ -40,9 +40,9 @@ QString resultsFolder()
 QStringList seriesIn(const QString &folder)
 {
     const QDir directory(folder);
-    QMultiMap<QString, QString> files; // by their stamps, which are in the order of time
+    QMultiMap<QString, QString> files; // by time stamp
     for (const QString &name : directory.entryList({'*' + ending}, QDir::Files, QDir::Reversed)) {
-        files.insert(NameParts(name).stamp, directory.filePath(name)); // the last comes first
+        files.insert(NameParts(name).stamp, directory.filePath(name)); // a later one comes first
     }
     return files.values();
 }

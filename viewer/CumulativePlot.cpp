@@ -45,7 +45,7 @@ QwtPlot *cumulativePlot(const QVector<Series> &selection, DelayKind kind)
 {
     QwtPlot *plot = makePlot(delayName(kind) + " / ms", "Share / %");
     addLevel(plot, 50, Qt::AlignBottom);
-    addLevel(plot, 95, Qt::AlignBottom); // above it stands the next one's label
+    addLevel(plot, 95, Qt::AlignBottom); // the label of 99 is above it
     addLevel(plot, 99, Qt::AlignTop);
     for (int i = 0; i < selection.size(); ++i) {
         const QVector<double> values = selectValues(selection[i], kind, false);

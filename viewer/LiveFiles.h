@@ -16,12 +16,12 @@ public:
 
     /// Follow these files, and all series in these folders, also while one of them is not there.
     void follow(const QStringList &filesAndFolders);
-    /// Returns whether something came or went since the last time that changes were looked for, may
-    /// still have been written then, or one of the files shown was written again. This is quick,
-    /// also on a network.
+    /// Returns whether findChanges() is worth a call: since its last call a file came or went, or a
+    /// file in `shown` was written again. After a call that found changes it is, too, since the
+    /// files may still be being written. This is quick, also on a network.
     [[nodiscard]] bool isStirred(const QStringList &shown) const;
     /// Find what has changed since the last time. A file that was named and is not there counts as
-    /// changed, and so does a folder without series: they are to be complained of.
+    /// changed, and so does a folder without series, so that the window names them.
     Changes findChanges();
     /// Let isStirred() be true.
     void stir() { lastTimes.clear(); }
