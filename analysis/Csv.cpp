@@ -13,14 +13,7 @@ QString quoted(QString text)
     return isPlain ? text : '"' + text.replace('"', "\"\"") + '"';
 }
 
-} // namespace
-
-QString csvHeading()
-{
-    return "file,measurement,source_to_rf_ms,source_to_hdmi_ms,source_to_sink_ms,flags,series\n";
-}
-
-QString csvRows(const Series &series)
+QString rowsOf(const Series &series)
 {
     const QString file = quoted(series.fileName);
     const QString name = quoted(seriesName(series));
@@ -33,6 +26,18 @@ QString csvRows(const Series &series)
         rows += ',' + quoted(measurementFlags(series, i)) + ',' + name + '\n';
     }
     return rows;
+}
+
+} // namespace
+
+QString csvText(const QVector<Series> &selection)
+{
+    QString text =
+        "file,measurement,source_to_rf_ms,source_to_hdmi_ms,source_to_sink_ms,flags,series\n";
+    for (const Series &series : selection) {
+        text += rowsOf(series);
+    }
+    return text;
 }
 
 QString measurementFlags(const Series &series, int measurement)

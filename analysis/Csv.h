@@ -2,12 +2,9 @@
 
 #include "analysis/Series.h"
 
-/// Head the rows of csvRows(), with units.
-QString csvHeading();
+/// Returns series as comma-separated values (RFC 4180): a heading with units, then a row for each
+/// measurement, with its delays in milliseconds. Rows end in "\n".
+QString csvText(const QVector<Series> &selection);
 
-/// Write a series as comma-separated values (RFC 4180), one row a measurement, delays in
-/// milliseconds. Rows end in "\n".
-QString csvRows(const Series &series);
-
-/// Give the reasons for all flags of a measurement, each with the delay that it belongs to.
+/// Returns the reasons for all flags of a measurement, each with the name of its delay.
 QString measurementFlags(const Series &series, int measurement);

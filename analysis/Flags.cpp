@@ -6,24 +6,27 @@
 
 namespace {
 
-constexpr double noHdmiEvent = -230.0; // what the video analyzer says without an event
+constexpr double noHdmiEvent = -230.0; // the video analyzer's value when there was no event
 
-/// A time axis, in milliseconds from the trigger in its middle.
+/// The time axis of a record, in milliseconds from the trigger. It goes from -end to end.
 struct Axis
 {
     double end;
-    double source; ///< instant of the source's edge
+    double source; ///< instant of the source edge in the last record
 
-    /// How far the source's edge may lie from that of the last record: it is triggered, so only a
-    /// slow or noisy rise moves it. An edge that is missing is one sample beyond the end, too.
+    /// How far the source edges of other records may lie from that of the last one. The trigger
+    /// holds them together, so only a slow or noisy rise moves them. This also covers the one
+    /// sample by which a missing edge lies beyond the end.
     [[nodiscard]] double tolerance() const { return 0.02 * end; }
+    /// Returns whether a delay leads from the source edge to either end of the axis.
     [[nodiscard]] bool endsAt(double delay) const
     {
         return std::abs(std::abs(source + delay) - end) <= tolerance();
     }
 };
 
-/// Returns the axis, or both types' axes while the type is not known, the longer one last.
+/// Returns the axis of the oscilloscope type; while that is not known, the axes of both types, the
+/// longer one last.
 QVector<Axis> possibleAxes(const Recognition &recognition)
 {
     constexpr double milliseconds = 1000.0;
@@ -32,15 +35,15 @@ QVector<Axis> possibleAxes(const Recognition &recognition)
     for (const OscilloscopeType type : {OscilloscopeType::Kvx, OscilloscopeType::Lpa4004}) {
         if (type == recognition.type.value_or(type)) {
             const double end = recordSpan(type) / 2 * milliseconds;
-            // Where the last record has no source edge, the trigger must do.
+            // A last record without a source edge leaves the trigger, which is near the edge.
             axes += {end, std::abs(source) < end ? source : 0.0};
         }
     }
     return axes;
 }
 
-/// Flag RF and sink where both are those of the measurement before. Where RF or the sink repeats so
-/// often alone that chance has both do it, nothing is flagged.
+/// Flag the delays of a measurement if both equal those of the measurement before. When one of them
+/// often repeats without the other, both may repeat by chance; then nothing is flagged.
 void flagRepeated(const QVector<double> &toRf, const QVector<double> &toSink, SeriesFlags *flags)
 {
     int rfAlone = 0;
@@ -56,8 +59,8 @@ void flagRepeated(const QVector<double> &toRf, const QVector<double> &toSink, Se
             ++(rf ? rfAlone : sink ? sinkAlone : neither);
         }
     }
-    // By chance, rfAlone * sinkAlone / neither pairs have both equal. One is added to each count:
-    // what did not happen among a few pairs may still be likely.
+    // By chance, both repeat in about rfAlone * sinkAlone / neither pairs. One is added to each
+    // count, since what did not happen in a short series may still be likely.
     if ((rfAlone + 1.0) * (sinkAlone + 1.0) > neither + 1.0) {
         return;
     }
@@ -75,7 +78,7 @@ void flagStuck(const QVector<double> &values, QVector<Flags> *flags)
     const QVector<Flags> others = *flags;
     int pairs = 0;
     int equal = 0;
-    QVector<bool> repeats(values.size() + 1); // the value before; the end of the last run is false
+    QVector<bool> repeats(values.size() + 1); // the value before; the last one ends a run
     for (int i = 1; i < values.size(); ++i) {
         const bool isPair = !others[i - 1] && !others[i];
         repeats[i] = isPair && values[i] == values[i - 1];
@@ -105,7 +108,7 @@ SeriesFlags flagDelays(const SeriesResults &results, const Recognition &recognit
         return std::any_of(axes.begin(), axes.end(),
                            [delay](const Axis &axis) { return axis.endsAt(delay); });
     };
-    // An RF delay that is longer can only count from the start of the axis.
+    // A longer RF delay counts from the start of the axis: the source edge is missing.
     const double furthest = axes.last().end - axes.last().source + axes.last().tolerance();
     const bool hdmiUsed = isMeasured(results, SourceToHdmi);
 

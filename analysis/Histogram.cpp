@@ -7,13 +7,13 @@
 
 namespace {
 
-/// The width of bins that suits values in ascending order.
+/// Returns the bin width that suits values in ascending order.
 double suitableWidth(const QVector<double> &sorted)
 {
     // Freedman and Diaconis, On the histogram as a density estimator, 1981.
     const double width = 2.0 * (nearestRank(sorted, 750) - nearestRank(sorted, 250)) /
                          std::cbrt(static_cast<double>(sorted.size()));
-    // Two humps a video frame apart have a large interquartile range, and must not become one.
+    // Two humps a video frame apart have a large interquartile range; wide bins would join them.
     constexpr int few = 1000;
     constexpr double widestForFew = 1.0; // ms
     return sorted.size() < few ? std::min(width, widestForFew) : width;

@@ -7,9 +7,9 @@
 
 namespace {
 
-/// Draw the median, by nearest rank, of as many values as there are, drawn with replacement. The
-/// k-th smallest of n uniform numbers has the distribution Beta(k, n + 1 - k), and so has the share
-/// of one gamma variate in the sum of two.
+/// Returns the median (by nearest rank) of one resampling, which draws as many values as there are,
+/// with replacement. Only its median is drawn: the k-th smallest of n uniform numbers has the
+/// distribution Beta(k, n + 1 - k), and so has the share of one gamma variate in the sum of two.
 double resampledMedian(const QVector<double> &sorted, std::mt19937 *random)
 {
     const int n = sorted.size();

@@ -8,26 +8,29 @@
 struct MedianDifference
 {
     double difference = 0.0;
-    double low =
-        std::numeric_limits<double>::quiet_NaN(); ///< of the 95 % interval, if there is one
+    // The 95 % interval of the difference; NaN when there is none.
+    double low = std::numeric_limits<double>::quiet_NaN();
     double high = low;
 
     [[nodiscard]] bool hasInterval() const { return low <= high; }
-    /// Whether the interval shows that the second set is larger, or smaller.
+    /// Returns whether the interval shows that the second median is larger.
     [[nodiscard]] bool isSlower() const { return low > rounding; }
+    /// Returns whether the interval shows that the second median is smaller.
     [[nodiscard]] bool isFaster() const { return high < -rounding; }
 
 private:
     static constexpr double rounding = 1e-6; // far above that of doubles, far below a step
 };
 
-/// How often the values are drawn anew for the interval.
+/// The number of resamplings from which the interval is computed.
 constexpr int resamplings = 10000;
 
-/// How many values there must be on both sides: of fewer, resampling tells too little.
+/// The smallest number of values in a set for which there is an interval. From fewer values,
+/// resampling finds intervals that are too narrow.
 constexpr int fewestForInterval = 5;
 
 /// Compute the second median less the first, and its bootstrap interval: percentiles 2.5 and 97.5
 /// of the differences of resampled medians, widened to at least a step on both sides, because
-/// medians are multiples of a step. Equal values give an equal interval. Both sets must have one.
+/// medians are multiples of a step. The same values always give the same interval. No set may be
+/// empty.
 MedianDifference compareMedians(QVector<double> first, QVector<double> second, double step);

@@ -37,15 +37,6 @@ void addTraces(Series *series)
     series->flags = flagDelays(series->results, series->oscilloscope);
 }
 
-bool openSeries(const QString &fileName, Series *series, QString *reason)
-{
-    if (!openResults(fileName, series, reason)) {
-        return false;
-    }
-    addTraces(series);
-    return true;
-}
-
 LoadedSeries loadSeries(const QStringList &filesAndFolders)
 {
     LoadedSeries loaded;
@@ -64,7 +55,8 @@ LoadedSeries loadSeries(const QStringList &filesAndFolders)
     for (const QString &file : qAsConst(files)) {
         Series series;
         QString reason;
-        if (openSeries(file, &series, &reason)) {
+        if (openResults(file, &series, &reason)) {
+            addTraces(&series);
             loaded.series += series;
         } else {
             loaded.problems += file + ' ' + reason + '.';
@@ -77,7 +69,7 @@ bool loadRecord(const QString &fileName, Record *record, QString *reason)
 {
     *record = {};
     reason->clear();
-    // Where several are missing, the source's is named: it comes last.
+    // When several are missing, the reason names the source's, which comes last.
     for (const auto &[name, trace] : {std::pair("snk", &record->sink), std::pair("rf", &record->rf),
                                       std::pair("src", &record->source)}) {
         const QFileInfo file(traceFile(fileName, name));
@@ -120,7 +112,7 @@ QString seriesName(const Series &series)
     if (!series.time.isValid()) {
         return QFileInfo(series.fileName).fileName();
     }
-    // Two series may have one label, so the time goes with it. A locale may have other digits.
+    // Series may share a label, so the time follows it. Some locales have other digits.
     const QString time = QLocale::c().toString(series.time, "yyyy-MM-dd hh:mm:ss");
     const QString label = seriesLabel(series.fileName);
     return label.isEmpty() ? time : QString("%1 (%2)").arg(label, time);
@@ -151,7 +143,7 @@ double delayStep(const Series &series, DelayKind kind)
     return recordSpan(*series.oscilloscope.type) / (series.samples - 1) * milliseconds;
 }
 
-QVector<double> selectValues(const Series &series, DelayKind kind, bool withFlagged)
+QVector<double> selectValues(const Series &series, DelayKind kind, Select wanted)
 {
     const QVector<double> &values = series.results[kind].values;
     const QVector<Flags> &flags = series.flags[kind];
@@ -161,7 +153,7 @@ QVector<double> selectValues(const Series &series, DelayKind kind, bool withFlag
     }
     selected.reserve(values.size());
     for (int i = 0; i < values.size(); ++i) {
-        if (std::isfinite(values[i]) && (withFlagged || !flags[i])) {
+        if (std::isfinite(values[i]) && (wanted == Select::All || !flags[i])) {
             selected += values[i];
         }
     }

@@ -9,7 +9,7 @@ namespace {
 
 const QString ending = QStringLiteral("_Results.txt");
 
-/// What the name of a results file tells: "label_Orvanta2026-03-05_14-07-09_Results.txt".
+/// The parts in the name of a results file: "label_Orvanta2026-03-05_14-07-09_Results.txt".
 struct NameParts
 {
     explicit NameParts(const QString &fileName)
@@ -42,7 +42,8 @@ QStringList seriesIn(const QString &folder)
     const QDir directory(folder);
     QMultiMap<QString, QString> files; // by time stamp
     for (const QString &name : directory.entryList({'*' + ending}, QDir::Files, QDir::Reversed)) {
-        files.insert(NameParts(name).stamp, directory.filePath(name)); // a later one comes first
+        files.insert(NameParts(name).stamp,
+                     directory.filePath(name)); // of equal stamps, the last inserted comes first
     }
     return files.values();
 }

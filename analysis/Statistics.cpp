@@ -28,7 +28,7 @@ Statistics computeStatistics(const QVector<double> &values)
     if (found.n >= 2) {
         found.deviation = std::sqrt(squares / (found.n - 1));
     }
-    // Of equal values, squares may be what the rounding of the mean leaves.
+    // When all values are equal, squares may hold what the rounding of the mean leaves.
     if (found.n >= 5 && found.maximum > found.minimum) {
         found.correlation = sum(values.begin() + 1, values.begin(), values.end()) / squares;
     }

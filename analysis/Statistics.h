@@ -4,8 +4,8 @@
 
 #include <limits>
 
-/// What a delay's values are like, in milliseconds but for the correlation. NaN where there are too
-/// few of them. Median and percentiles are by nearest rank, so that each is one of the values.
+/// Statistics of a delay, in milliseconds except for the correlation; NaN when there are too few
+/// values. Median and percentiles are by nearest rank, so each of them is one of the values.
 struct Statistics
 {
     static constexpr double none = std::numeric_limits<double>::quiet_NaN();
@@ -27,6 +27,6 @@ struct Statistics
 /// Compute the statistics of finite values in the order of measurement.
 Statistics computeStatistics(const QVector<double> &values);
 
-/// Find a percentile, in thousandths (500 for the median), of values in ascending order: the
-/// smallest value that at least this share of them does not exceed. There must be a value.
+/// Returns a percentile, given in thousandths (500 for the median), of values in ascending order:
+/// the smallest value that at least this share of them does not exceed. There must be a value.
 double nearestRank(const QVector<double> &sorted, int perMille);

@@ -25,18 +25,20 @@ QString tableLine(const QString &name, int width, const QString &count, const QS
     return line;
 }
 
-QString statisticsLine(const QString &name, const Statistics &of, double step)
+QString statisticsLine(const QString &name, const Statistics &statistics, double step)
 {
     QStringList numbers;
-    for (const double value : {of.minimum, of.median, of.mean, of.maximum, of.deviation,
-                               of.peakToPeak(), of.p5, of.p95, of.p99, of.p95 - of.median}) {
+    for (const double value :
+         {statistics.minimum, statistics.median, statistics.mean, statistics.maximum,
+          statistics.deviation, statistics.peakToPeak(), statistics.p5, statistics.p95,
+          statistics.p99, statistics.p95 - statistics.median}) {
         numbers += delayText(value, step);
     }
-    numbers += delayText(of.correlation, correlationStep);
-    return tableLine(name, nameWidth, QString::number(of.n), numbers) + '\n';
+    numbers += delayText(statistics.correlation, correlationStep);
+    return tableLine(name, nameWidth, QString::number(statistics.n), numbers) + '\n';
 }
 
-/// Numbers of measurements, from 1, with ranges: "2, 5-7".
+/// Returns the numbers of measurements as text, with ranges: "2, 5-7".
 QString numbersText(const QVector<int> &numbers)
 {
     constexpr int mostParts = 20;
@@ -101,7 +103,7 @@ QString oscilloscopeLine(const Series &series)
         .arg(step / std::sqrt(12.0), 0, 'g', 3);
 }
 
-/// What must be heard of a series before it is compared.
+/// Returns the warnings that a comparison with a series begins with.
 QString warningLines(const Series &series, const QString &name)
 {
     QString lines;
@@ -115,21 +117,22 @@ QString warningLines(const Series &series, const QString &name)
     return lines;
 }
 
-/// Returns a warning where the order of the values shows that the interval cannot be trusted: it
-/// takes the measurements for independent. Empty where the order shows nothing.
+/// Returns a warning when neighbouring values are correlated; otherwise an empty text. The interval
+/// supposes independent measurements, so it is then too narrow.
 QString dependenceLine(const Series &series, const QString &name, DelayKind kind)
 {
     constexpr double negligible = 0.2;
-    const Statistics of = computeStatistics(selectValues(series, kind, false));
-    if (!(std::abs(of.correlation) > negligible)) {
+    const Statistics statistics = computeStatistics(selectValues(series, kind, Select::Unflagged));
+    if (!(std::abs(statistics.correlation) > negligible)) {
         return {};
     }
-    QString line = QString("Warning: %1 of %2: the interval is too narrow because the measurements "
-                           "depend on each other (lag-1 correlation %3)")
-                       .arg(delayName(kind), name, delayText(of.correlation, correlationStep));
-    // Of independent values, chance brings more than this once in twenty series.
-    if (std::abs(of.correlation) <= 2.0 / std::sqrt(of.n)) {
-        line += QString(", unless this is chance, as is common with %1 values").arg(of.n);
+    QString line =
+        QString("Warning: %1 of %2: the interval is too narrow because the measurements "
+                "depend on each other (lag-1 correlation %3)")
+            .arg(delayName(kind), name, delayText(statistics.correlation, correlationStep));
+    // Chance alone brings more than this in one of twenty series of independent values.
+    if (std::abs(statistics.correlation) <= 2.0 / std::sqrt(statistics.n)) {
+        line += QString(", unless this is chance, as is common with %1 values").arg(statistics.n);
     }
     return line + '\n';
 }
@@ -171,12 +174,13 @@ QString summarise(const Series &series)
             continue;
         }
         const double step = delayStep(series, kind);
-        text += statisticsLine(delayName(kind), computeStatistics(selectValues(series, kind, true)),
-                               step);
+        text += statisticsLine(delayName(kind),
+                               computeStatistics(selectValues(series, kind, Select::All)), step);
         const QString reasons = flagLines(series.flags[kind], kind);
         if (!reasons.isEmpty()) {
             text += statisticsLine("  unflagged",
-                                   computeStatistics(selectValues(series, kind, false)), step);
+                                   computeStatistics(selectValues(series, kind, Select::Unflagged)),
+                                   step);
         }
         flags += reasons;
     }
@@ -203,9 +207,11 @@ QString summariseBriefly(const QVector<Series> &series)
         const Series &one = series[i];
         QStringList numbers;
         for (const DelayKind kind : delayKinds) {
-            const Statistics of = computeStatistics(selectValues(one, kind, false));
+            const Statistics statistics =
+                computeStatistics(selectValues(one, kind, Select::Unflagged));
             const double step = delayStep(one, kind);
-            numbers << delayText(of.median, step) << delayText(of.p95 - of.median, step);
+            numbers << delayText(statistics.median, step)
+                    << delayText(statistics.p95 - statistics.median, step);
         }
         text += tableLine(names[i], width, QString::number(one.count()), numbers) +
                 QString("  %1%2\n")
@@ -224,15 +230,15 @@ QString compareSeries(const Series &first, const Series &second)
     QString warnings = warningLines(first, names[0]) + warningLines(second, names[1]);
     QString lines;
     for (const DelayKind kind : delayKinds) {
-        const QVector<double> of1 = selectValues(first, kind, false);
-        const QVector<double> of2 = selectValues(second, kind, false);
+        const QVector<double> firstValues = selectValues(first, kind, Select::Unflagged);
+        const QVector<double> secondValues = selectValues(second, kind, Select::Unflagged);
         lines += delayName(kind).leftJustified(nameWidth);
-        if (of1.isEmpty() || of2.isEmpty()) {
+        if (firstValues.isEmpty() || secondValues.isEmpty()) {
             lines += QString("-").rightJustified(differenceWidth) + "   one series has no values\n";
             continue;
         }
         const double step = std::max(delayStep(first, kind), delayStep(second, kind));
-        const MedianDifference found = compareMedians(of1, of2, step);
+        const MedianDifference found = compareMedians(firstValues, secondValues, step);
         lines += delayText(found.difference, step).rightJustified(differenceWidth) +
                  verdict(found, step) + '\n';
         if (found.hasInterval()) {

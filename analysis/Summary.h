@@ -2,27 +2,28 @@
 
 #include "analysis/Series.h"
 
-/// Describe a series in lines for terminals and logs: what it is, one line per delay with its
-/// statistics (a second one without the flagged values, where there are any), and its flags.
+/// Returns a description of a series for terminals and logs: its file and oscilloscope, a line of
+/// statistics for each delay (and a second one without the flagged values, if there are any), and
+/// the flags.
 QString summarise(const Series &series);
 
-/// Describe several series in a line each: the medians without flagged values, and what the flags
-/// and the traces tell.
+/// Returns a table with a line for each series: the medians without flagged values, the number of
+/// flags, and whether the oscilloscope type is unknown or the delays are wrong.
 QString summariseBriefly(const QVector<Series> &series);
 
-/// Compare two series: what speaks against that, then the difference of the medians of each delay,
+/// Returns a comparison of two series: warnings, then the difference of the medians of each delay,
 /// with its interval. Flagged values are left out.
 QString compareSeries(const Series &first, const Series &second);
 
-/// Describe each series, and before them how two differ.
+/// Returns a description of each series. Two series are compared first.
 QString describeSelection(const QVector<Series> &selection);
 
-/// Break the lines of a text that are longer than so many characters between words; what is broken
-/// off is indented. A word longer than a line, as a path, is shortened.
+/// Break lines that are longer than `width` characters between words, and indent what follows. A
+/// word that is longer than a line, such as a path, is shortened.
 QString wrapText(const QString &text, int width);
 
-/// Shorten a text to so many characters in its middle: how a path begins and ends tells most.
+/// Shorten a text to `width` characters by cutting its middle: the two ends of a path say most.
 QString shortenText(const QString &text, int width);
 
-/// As long as lines of statistics are.
+/// The length of a line of statistics, in characters.
 constexpr int statisticsWidth = 120;

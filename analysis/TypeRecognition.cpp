@@ -6,12 +6,13 @@
 
 namespace {
 
-/// The instants that the record's edges have with a type, if that gives the delays saved.
+/// Returns the instants of the record's edges with a type; nothing when they do not give the saved
+/// delays.
 std::optional<Instants> match(const Record &record, const SeriesResults &results,
                               OscilloscopeType type)
 {
-    // Where an edge is missing, the first record of a session has its delay computed; later ones
-    // find the start of another axis there. Both are tried, and the costlier one last.
+    // The instant of a missing edge is computed in the first record of a session. In later records
+    // it is the start of the next time axis. Both are tried, the costlier one last.
     QVector<double> axes;
     for (const int axisCount : {0, 2}) {
         for (int i = 0; i < axisCount; ++i) {

@@ -7,17 +7,17 @@
 
 #include <optional>
 
-/// What the last record tells of the oscilloscope, which is in no file.
+/// The oscilloscope type of a series, found by its last record, since no file names it.
 struct Recognition
 {
     std::optional<OscilloscopeType> type;
     Instants instants;        ///< of the last record, when the type is known
-    QString remark;           ///< why the type is not known, a sentence
-    bool contradicts = false; ///< the saved delays are not those of the record, and wrong
+    QString remark;           ///< a sentence that says why the type is not known
+    bool contradicts = false; ///< the saved delays are wrong: the record gives others
 };
 
 /// Find the oscilloscope type with which the last record gives the last saved delays.
 Recognition recogniseType(const Record &record, const SeriesResults &results);
 
-/// Name a type as the operator chose it.
+/// Returns the name of a type, as the operator chooses it.
 QString typeName(OscilloscopeType type);

@@ -163,7 +163,7 @@ ViStatus iaStatusDesc(ViSession session, ViStatus status, QString *text)
 
 ViStatus iaPrintf(ViSession session, const QString &command)
 {
-    // The count is the number of characters. Where the encoding makes fewer bytes, zeros fill up.
+    // The count is the number of characters. If the encoding makes fewer bytes, zeros follow.
     QByteArray bytes = command.toLocal8Bit().leftJustified(command.size(), '\0');
     return iaWrite(session, reinterpret_cast<unsigned char *>(bytes.data()),
                    static_cast<ViUInt32>(command.size()), nullptr);

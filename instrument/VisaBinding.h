@@ -31,7 +31,7 @@ extern visa::GpibControlREN *p_viGpibControlREN;
 void setVisaLibraryPaths(const QStringList &paths);
 
 /// Bind the first VISA library that has all entry points. They are resolved in the order above, up
-/// to the first that the library lacks. Returns false when no library is complete; then the
-/// pointers that the last one had keep their values, and the others are null. Writes to standard
-/// error which library is bound and why others were passed over.
+/// to the first that the library lacks. Returns false when no library is complete; the entry points
+/// of the last library then stay bound up to the first that it lacks, and the others are null.
+/// Writes to standard error which library is bound and why others were passed over.
 bool iaVisaDll_Init();

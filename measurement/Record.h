@@ -15,13 +15,13 @@ struct Instants
     double sink = 0.0;
 };
 
-/// The last record of a series, and the time axes of all records since the program was started.
+/// A record, and the time axes of all records so far.
 struct Record
 {
     QVector<double> source; ///< volts
     QVector<double> rf;     ///< normalised to 0 .. 0.2
     QVector<double> sink;   ///< volts
-    QVector<double> time;   ///< seconds; the axes of all records attempted, one after the other
+    QVector<double> time;   ///< seconds; the axes of all records attempted, this one last
     int samples = 0;        ///< of one record; source, rf and sink are used up to this count
     Instants instants;      ///< of its edges
 };

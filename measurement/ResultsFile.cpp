@@ -68,7 +68,7 @@ bool readNumbers(const QByteArray &text, QVector<double> *numbers, QString *reas
     return true;
 }
 
-/// Returns whether a number can be the mean of the values, when all have six digits.
+/// Returns whether a number can be the mean of the values. All were rounded to six digits.
 bool isMean(double mean, const QVector<double> &values)
 {
     constexpr double rounding = 5e-6;

@@ -15,7 +15,7 @@ enum DelayKind : std::size_t
 
 constexpr std::array<DelayKind, 3> delayKinds = {SourceToRf, SourceToHdmi, SourceToSink};
 
-/// Something of each delay, by its kind.
+/// One T for each kind of delay.
 template <typename T>
 using EachDelay = std::array<T, delayKinds.size()>;
 
@@ -26,7 +26,7 @@ struct DelaySeries
     double mean = 0.0;
 };
 
-/// The delays that a series found.
+/// The delays of a series.
 using SeriesResults = EachDelay<DelaySeries>;
 
 /// Read a file that writeResults() wrote. Numbers have the six digits that are in the file. Returns

@@ -16,9 +16,9 @@
 
 namespace {
 
-/// The file of one transfer: viReadToFile() writes it by its name, and the program reads it. Where
-/// the system has files in memory, it is one of them. Otherwise it lies in a temporary folder. It
-/// is removed with the object.
+/// The file of one transfer: viReadToFile() writes to its name, and the program reads it. On Linux
+/// it is in memory. Elsewhere, or if that fails, it is in a temporary folder. The destructor
+/// removes it.
 class TransferFile
 {
 public:

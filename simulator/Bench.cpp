@@ -47,7 +47,7 @@ Error answerEvent(const RadioLink &link, std::string *answer)
     *answer = std::to_string(link.eventCount());
     for (const double value : {truth.source, 1e3 * (truth.rf - truth.source), truth.hdmiDelayMs,
                                1e3 * (truth.sink - truth.source)}) {
-        *answer += ',' + numberText(value);
+        *answer += ',' + numericResponse(value);
     }
     *answer += event.isOverloaded() ? ",1" : ",0";
     return scpi::noError;

@@ -33,7 +33,7 @@ Error VideoAnalyzer::answerDelay(std::string *answer)
     if (count() == 0) {
         return scpi::dataStale;
     }
-    *answer = numberText(link.lastEvent().instants().hdmiDelayMs);
+    *answer = numericResponse(link.lastEvent().instants().hdmiDelayMs);
     return scpi::noError;
 }
 

@@ -27,8 +27,8 @@ class AnalysisTest : public QObject
     Q_OBJECT
 
 private slots:
-    /// A results file may be renamed to have a label, and its traces keep their names. Before they
-    /// are read, they raise no doubt.
+    /// When a results file is renamed to have a label, its traces are found by their old names. A
+    /// series whose traces have not been read is not doubtful.
     void labelAndTraces()
     {
         const QTemporaryDir folder;
@@ -79,7 +79,7 @@ private slots:
         QTEST(loadSeries({file}).problems.join('\n').remove(file + ' '), "problem");
     }
 
-    /// What speaks against a comparison stands before its numbers.
+    /// Warnings stand before the numbers of a comparison.
     void comparison_data()
     {
         QTest::addColumn<Values>("second");
@@ -113,7 +113,7 @@ private slots:
         QVERIFY2(text.contains(result), qPrintable(text));
     }
 
-    /// What a person reads and what a spreadsheet reads.
+    /// The CSV, the names and the summary of series.
     void texts()
     {
         const QTemporaryDir folder;
@@ -124,14 +124,15 @@ private slots:
         const QString start = '"' + QString(file).replace('"', "\"\"") + "\",";
         const QString end = ",2026-03-05 14:07:09\n";
         QCOMPARE(
-            csvRows(series),
+            csvText({series}).section('\n', 1),
             start + "1,44,95,119," + end + start +
                 "2,501,0,121,Source to RF: no edge: the delay lies at the end of the time axis; "
                 "Source to HDMI: no value from the video analyzer" +
                 end + start +
                 "3,45,-230,120,Source to HDMI: no event at the video analyzer (-230)" + end);
         const QStringList names = seriesNames({series, open(save(folder.path(), {4}, {0}, {12}))});
-        QVERIFY(names[0].startsWith("a, \"b\" %1/Orvanta2026") && names[0] != names[1]);
+        QVERIFY(names[0].startsWith("a, \"b\" %1/Orvanta2026"));
+        QVERIFY(names[0] != names[1]);
         const QStringList lines = summarise(series).split('\n');
         QCOMPARE(lines[2], QString("Oscilloscope KVx, records of 1001 samples; resolution: step 1 "
                                    "ms, step / sqrt(12) 0.289 ms"));
@@ -185,13 +186,13 @@ private slots:
         }
     }
 
-    /// What cannot be recognised is said, with the reason, and the ends of both types' axes count,
-    /// as they do before the traces are read.
+    /// The remark says why the oscilloscope type is unknown. The ends of both types' axes are then
+    /// flagged, as they are before the traces are read.
     void unknownType_data()
     {
-        QTest::addColumn<Values>("delays"); // the last, to RF and to the sink
+        QTest::addColumn<Values>("delays"); // of the last measurement: to RF and to the sink
         QTest::addColumn<Record>("record");
-        QTest::addColumn<int>("rfBytes"); // of its trace file
+        QTest::addColumn<int>("rfBytes"); // size of the RF trace file
         QTest::addColumn<QString>("remark");
         const auto row = [](const char *name, const Values &delays, const Record &record,
                             int rfBytes, const char *remark) {

@@ -15,8 +15,8 @@ class GraphTest : public QObject
     Q_OBJECT
 
 private slots:
-    /// The mean delays are cut to the range of their fields, which no key steps; one that is no
-    /// number stays an empty field.
+    /// Mean delays are limited to the range of their fields, and no key steps them. The field of a
+    /// NaN is empty.
     void graph()
     {
         OsTyp = 1;
@@ -53,7 +53,7 @@ private slots:
         QCOMPARE(graph.findChild<QWidget *>("Src2Hd")->isEnabled(), VaHdmi);
     }
 
-    /// Before the work begins the window shows what has changed, and the busy cursor.
+    /// Busy paints what has changed, and shows the busy cursor until it is destroyed.
     void busy()
     {
         struct : QWidget

@@ -20,7 +20,7 @@ private slots:
         }
     }
 
-    /// Without VISA every function says so, and touches nothing.
+    /// Without a VISA library, functions return an error and leave their results as they were.
     void unboundFunctions()
     {
         QString text = "old";
@@ -72,7 +72,7 @@ private slots:
         QTEST(character.at(0), "character");
     }
 
-    /// A reply counts only when it was read without a remark.
+    /// A reply that is read with a positive status is not used.
     void remarks()
     {
         const CannedVisa visa([](auto &) { return "M,\xC3\xB6,1\n"; });
@@ -120,7 +120,8 @@ private slots:
         iaClose(manager);
     }
 
-    /// Every call with what it carried and its status by name; nothing unless it is asked for.
+    /// The log has a line for each call, with its content and the name of its status. It is off at
+    /// first.
     void exchangeLog()
     {
         static QStringList logged;
@@ -133,7 +134,7 @@ private slots:
                                         : QByteArray("#14\0\0\x80?\n", 8);
         });
         Line line;
-        line.fails = [](auto &entry) { // with a status that VISA does not have
+        line.fails = [](auto &entry) { // with a status that VISA does not define
             return entry.contains("timeout") ? visaStatus(0xBFFF0123) : VI_SUCCESS;
         };
         QString reply;
@@ -164,7 +165,7 @@ private slots:
         const QString none = "No VISA library could be loaded:\n";
         QTest::addColumn<QStringList>("libraries");
         QTest::addColumn<bool>("isWhole");
-        QTest::addColumn<bool>("canOpen"); // by one of the three functions
+        QTest::addColumn<bool>("canOpen"); // viOpen is bound
         QTest::addColumn<QString>("report");
         QTest::newRow("no file of a library") << QStringList{"/dev/null"} << false << false
                                               << none + "  /dev/null: not a regular file\n";
@@ -176,7 +177,7 @@ private slots:
             << "Passed over:\n" + lacks + "VISA library: " BENCH_LIBRARY "\n";
     }
 
-    /// Of an incomplete library the functions up to the first that is missing are bound.
+    /// The functions of an incomplete library are bound up to the first that is missing.
     void binding()
     {
         QFETCH(const QStringList, libraries);

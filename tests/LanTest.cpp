@@ -262,7 +262,7 @@ private slots:
             return instrument(call);
         };
         {
-            const ScriptedHost host(script, 4); // which outlives its client
+            const ScriptedHost host(script, 4); // outlives its client
             Vxi11Link link;
             const ViUInt32 timeout = steps.isEmpty() ? shortTimeout : usualTimeout;
             const ViStatus status =

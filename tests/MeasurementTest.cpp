@@ -97,7 +97,7 @@ private slots:
         row("sink ends before its edge") << int(Sink) << step(60, 0, 60, 0) << n;
     }
 
-    /// An edge's index in a record of 101 samples, of which one trace is not the usual one.
+    /// The index of an edge in a record of 101 samples. The row's trace replaces the usual one.
     void edges()
     {
         QFETCH(const int, edge);
@@ -105,7 +105,7 @@ private slots:
         QVector<Trace> traces = {step(101, 0, 20, 0.1), step(101, 0, 40, 0.2),
                                  step(101, 0, 60, 0.1)};
         traces[edge] = trace;
-        Trace axis(102); // of all instants but that of RF, which is computed
+        Trace axis(102); // has the instants of source and sink; that of RF is computed
         std::iota(axis.begin(), axis.end(), 0.0);
         const Instants at =
             computeDelays(101, traces[Source], traces[Rf], traces[Sink], axis, kvx).instants;
@@ -113,7 +113,7 @@ private slots:
         QTEST(indices[edge], "index");
     }
 
-    /// RF on the trigger, without a time axis; and a number of samples that makes no sense.
+    /// RF on the trigger, without a time axis; and a negative number of samples.
     void delays()
     {
         const auto late = step(1001, 0, 600, 0.2);
@@ -149,7 +149,7 @@ private slots:
         QTest::newRow("text") << QByteArray("0.1,0.2\n") << asBefore;
     }
 
-    /// What becomes of a trace by the answer to its query.
+    /// How the answer to a query changes a trace.
     void blocks()
     {
         QFETCH(QByteArray, answer);
@@ -167,7 +167,8 @@ private slots:
         QTest::newRow("series with LPA4004") << lpa4004;
     }
 
-    /// Which calls follow when one of them fails. Then the traces are those of before.
+    /// The calls of a series, and those that follow when one of them fails. The record then keeps
+    /// its traces.
     void series()
     {
         QFETCH(const OscilloscopeType, type);
@@ -193,7 +194,7 @@ private slots:
         QTest::newRow("no number") << qQNaN() << 3;
     }
 
-    /// Two records that start somewhere. Those that are rejected have their time axes, too.
+    /// The first two records start at this level. A rejected record leaves its time axis.
     void retakes()
     {
         QFETCH(const double, start);
@@ -212,12 +213,12 @@ private slots:
         QCOMPARE(visa.record.time.size(), attempts * 11);
     }
 
-    /// No HDMI delay, then no answer: the series ends all the same.
+    /// A series ends even if the oscilloscope never answers and the video analyzer has no delay.
     void silence()
     {
         Instruments visa;
         visa.answers["READ:AVDA:TTV:STAT?\n"] = "0\n";
-        visa.fails = [](auto &entry) { // it never answered: there is no record to wait for
+        visa.fails = [](auto &entry) { // no call to the oscilloscope succeeds
             return entry.startsWith("scope") ? VI_ERROR_INV_OBJECT : VI_SUCCESS;
         };
         QCOMPARE(visa.run(), 0);

@@ -104,7 +104,7 @@ private slots:
         QCOMPARE(axisOf(*plots[1], QwtPlot::xBottom), whole);
     }
 
-    /// The point below the pointer is told by what was measured, also at the border of the plot.
+    /// The text beside the pointer names the measurement, also for a point at the plot's border.
     void hover()
     {
         const QVector<Series> shown{
@@ -119,7 +119,7 @@ private slots:
         QCOMPARE(measurementText(*plot, shown, SourceToRf, {int(x), 100}), QString());
     }
 
-    /// The window follows its folder, and what is looked at stays while it is there.
+    /// The list follows its folder. The selected series stays selected while its file exists.
     void liveFolder()
     {
         const QString older = save(folder, {44}, {0}, {119});
@@ -162,12 +162,12 @@ private slots:
         QCOMPARE(QApplication::clipboard()->text(),
                  QString("2026-03-06 08:00:00\t2\t45\t94\t120\t"));
 
-        list->sortByColumn(5, Qt::AscendingOrder); // which moves rows as their traces are read
+        list->sortByColumn(5, Qt::AscendingOrder); // rows then move when their traces are read
         QTest::keyClick(window.get(), Qt::Key_F5);
         QCOMPARE(cell(values, 0, 2), QString("100"));
         QCOMPARE(cell(values, 1, 2), QString("46"));
 
-        list->sortByColumn(2, Qt::DescendingOrder); // by numbers: as texts, 100 is less than 45
+        list->sortByColumn(2, Qt::DescendingOrder); // as text, 100 would come after 45
         QCOMPARE(cell(list, 0, 1), QString("1"));
         window->findChild<QLineEdit *>()->setText("03-06 08");
         QCOMPARE(list->model()->rowCount(), 1);
@@ -188,7 +188,7 @@ private slots:
         QVERIFY(contents(folder + "/values.csv").startsWith("file,"));
     }
 
-    /// What cannot be read is said, and names are no HTML.
+    /// A box names what cannot be read, as plain text.
     void problems()
     {
         QString said;

@@ -1,5 +1,4 @@
 #include "analysis/Series.h"
-#include "analysis/SeriesFiles.h"
 #include "instrument/InstrumentIo.h"
 #include "Line.h"
 #include "measurement/MeasurementRun.h"
@@ -142,9 +141,7 @@ private slots:
         QCOMPARE(bench.takeErrors(), QString());
         QCOMPARE(openFiles(), before);
 
-        Series series;
-        QString reason;
-        QVERIFY(openSeries(seriesIn(folder.path()).value(0), &series, &reason));
+        const Series series = loadSeries({folder.path()}).series.value(0);
         QVERIFY(series.oscilloscope.type == oscilloscope);
         QCOMPARE(series.oscilloscope.instants.sink, bench.record.instants.sink);
         QCOMPARE(series.samples, bench.record.samples);

@@ -54,7 +54,7 @@ private slots:
         QTEST(found.join(' '), "numpy");
     }
 
-    /// Where all values are equal, the rounding of their mean is no correlation.
+    /// Equal values have no correlation, whatever the rounding of their mean leaves.
     void equalValues() { QVERIFY(std::isnan(computeStatistics(Values(7, 45.0038)).correlation)); }
 
     /// The interval is that of numpy's resamplings, within their spread, and always the same.
@@ -71,7 +71,8 @@ private slots:
         QVERIFY(!compareMedians(first.mid(36), second, 0.1).hasInterval());
     }
 
-    /// Equal links differ in few of fifty comparisons, others in most.
+    /// Of fifty comparisons, few find a difference between equal links, and most one between
+    /// others.
     void coverage()
     {
         std::mt19937 random; // NOLINT(cert-msc32-c,cert-msc51-cpp): always the same numbers
@@ -93,7 +94,7 @@ private slots:
         QVERIFY(countShown(20, 6.0) >= 40);
     }
 
-    /// Values at every sampling instant alike fill all bins alike, whatever their number.
+    /// If every sampling instant has the same number of values, so has every bin.
     void histogramHasNoComb()
     {
         const double interval = 0.10000833; // ms

@@ -34,7 +34,7 @@ class ViewerTest : public QObject
     Q_OBJECT
 
 private slots:
-    /// However little of a long trace is shown, what stands out of it is.
+    /// A long trace keeps its extremes, however much of it is shown.
     void decimation()
     {
         Values samples(1000000, 1.0);
@@ -53,7 +53,7 @@ private slots:
         QCOMPARE(trace.boundingRect(), whole);
     }
 
-    /// Neither a flagged value nor an outlier squeezes the others: they lie at the border, marked.
+    /// Flagged values and outliers do not widen the axis; marks at its border stand for them.
     void driftAxis()
     {
         const Series series = seriesOf({44, 45, 501, 44, 46, 45, 44, 350, 45, 46, 44});
@@ -70,7 +70,7 @@ private slots:
         }
     }
 
-    /// A long series becomes columns, in which neither level nor extremes are lost.
+    /// A long series is drawn in columns, which keep its level and its extremes.
     void driftColumns()
     {
         Values rf;
@@ -110,7 +110,7 @@ private slots:
                 if (bin.value > 0) {
                     filled += bin.value;
                 }
-                // Else a line is drawn between them.
+                // A gap between bins would be drawn as a line.
                 QVERIFY(i == 0 ||
                         bin.interval.minValue() == histogram->sample(i - 1).interval.maxValue());
             }
@@ -129,7 +129,7 @@ private slots:
         QCOMPARE(pointsOf(*plot, ""), (QVector<QPointF>{{45, 50}, {46, 95}}));
     }
 
-    /// What is too long for a line is shortened in its middle.
+    /// Names that are too long for a line are shortened in the middle.
     void report()
     {
         const QTemporaryDir folder;

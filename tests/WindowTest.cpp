@@ -14,7 +14,7 @@
 
 namespace {
 
-/// While it lives, it notes every modal dialog that opens and accepts it, as the operator would.
+/// Notes the modal dialogs that open, and accepts each as the operator would.
 struct DialogWatcher : QTimer
 {
     DialogWatcher()
@@ -42,7 +42,7 @@ struct Window : MainWindow
         return findChild<Widget *>(name);
     }
     void type(const char *name, const QString &text) const { find<QLineEdit>(name)->setText(text); }
-    /// Whether Start is enabled after a click.
+    /// Click, and return whether Start is enabled then.
     bool click(const char *name) const
     {
         auto *button = find<QAbstractButton>(name);
@@ -50,17 +50,17 @@ struct Window : MainWindow
         QTest::mouseClick(button, Qt::LeftButton, {}, QPoint(8, button->height() / 2));
         return find<QWidget>("Start")->isEnabled();
     }
-    /// All that the window keeps in its settings, as it shows it: texts, check boxes, type.
+    /// Returns the settings that the window shows: type, texts, and the names of checked boxes.
     [[nodiscard]] QString shown() const
     {
-        QStringList values;
+        QStringList values = {find<QComboBox>("OsTyp")->currentText()};
         for (const char *name : {"OsIp", "SaIp", "VaIp", "OsTrgLvl", "SaFrq", "VaThres"}) {
             values << find<QLineEdit>(name)->text();
         }
         for (const char *name : {"OsRst", "SaRst", "SaIfDem", "VaRst", "VaHdmi", "SaveData"}) {
-            values << QString::number(int(find<QCheckBox>(name)->isChecked()));
+            values << (find<QCheckBox>(name)->isChecked() ? QStringList(name) : QStringList());
         }
-        return values.join('|') + '|' + find<QComboBox>("OsTyp")->currentText();
+        return values.join('|');
     }
 };
 
@@ -91,7 +91,8 @@ private slots:
         setVisaLibraryPaths({BENCH_LIBRARY});
     }
 
-    /// Two boxes, then a window where nothing happens. Of its settings' path it makes one level.
+    /// Without VISA two boxes open, and no Init succeeds. A settings directory is made only if the
+    /// one above it exists.
     void withoutVisa()
     {
         DialogWatcher dialogs;
@@ -108,7 +109,7 @@ private slots:
         QCOMPARE(settingsDirectoryIn("C:\\Users\\a\\Orvanta"), "C:/Users/a/Varnholt/Orvanta");
     }
 
-    /// The window has no buttons of its own, and every text its place.
+    /// The window has a title bar without buttons, and room for every text.
     void appearance()
     {
         const Window window;
@@ -140,8 +141,8 @@ private slots:
         }
     }
 
-    /// Whether Start is enabled after each of some clicks; and that the video analyzer's session is
-    /// closed when its box is checked, however that came about.
+    /// Clicks that enable and disable Start. At the end the video analyzer's session is closed if
+    /// its box is checked, whoever checked it.
     void readiness()
     {
         auto window = std::make_unique<Window>();
@@ -165,8 +166,8 @@ private slots:
         QCOMPARE(line.takeCalls(), QStringList({"scope close", "analyzer close", "video close"}));
     }
 
-    /// What the operator typed and chose reaches the instruments, and a series the globals. A
-    /// series of none leaves these as they are.
+    /// What the operator enters reaches the instruments, and what a series finds the globals. A
+    /// series of 0 measurements changes no traces and instants.
     void series()
     {
         auto window = std::make_unique<Window>();
@@ -241,7 +242,8 @@ private slots:
         QCOMPARE(dialogs.seen, QStringList{"File Error: File not found."});
     }
 
-    /// What is stored and shown, with odd text; behind a link, and after a type that there is not.
+    /// Settings are stored and shown again: odd texts, in a file behind a link, which has named a
+    /// type that does not exist.
     void settings()
     {
         const QString address = "@\u00F6, \"=;%\\x41\\ \U0001F50C ";
@@ -250,9 +252,8 @@ private slots:
         QVERIFY(QFile::link(file, settingsFile()));
         {
             const Window window;
-            QCOMPARE(window.shown(),
-                     QString("TCPIP0::scope::INSTR|TCPIP0::analyzer::INSTR|TCPIP0::video::INSTR|"
-                             "0.027|5.192e+09|35|0|0|0|0|0|0|LPA4004"));
+            QCOMPARE(window.shown(), QString("LPA4004|TCPIP0::scope::INSTR|TCPIP0::analyzer::INSTR|"
+                                             "TCPIP0::video::INSTR|0.027|5.192e+09|35"));
             for (const char *name : {"OsIp", "SaIp", "VaIp"}) {
                 window.type(name, name + address);
             }
@@ -270,17 +271,19 @@ private slots:
         QVERIFY(whole.contains("\nHDMI%20Delay=true\n"));
         const Window window;
         QCOMPARE(window.shown(),
-                 QString("OsIp%1|SaIp%1|VaIp%1|1e-05|0|0.5|1|1|1|1|1|1|KVx").arg(address));
+                 QString("KVx|OsIp%1|SaIp%1|VaIp%1|1e-05|0|0.5|OsRst|SaRst|SaIfDem|VaRst|VaHdmi|"
+                         "SaveData")
+                     .arg(address));
         QCOMPARE(OsTyp, 0);
         QVERIFY(VaHdmi);
         QVERIFY(window.find<QWidget>("VaThresLbl")->isEnabled());
     }
 
-    /// A program would wait for ever at a FIFO that nobody writes to.
+    /// A FIFO in the place of the settings file is left alone: opening it would never end.
     void fifo()
     {
         QCOMPARE(mkfifo(settingsFile().toLocal8Bit(), 0600), 0);
-        QVERIFY(Window().shown().startsWith("TCPIP0::scope::INSTR|"));
+        QVERIFY(Window().shown().startsWith("LPA4004|TCPIP0::scope::INSTR|"));
         QVERIFY(!QFileInfo(settingsFile()).isFile());
     }
 };

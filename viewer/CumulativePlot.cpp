@@ -12,7 +12,7 @@
 
 namespace {
 
-/// Returns the corners of the steps, of which a plot cannot show more than a thousand.
+/// Returns the corners of the steps. A plot cannot show more than a thousand.
 QVector<QPointF> cumulate(QVector<double> values)
 {
     constexpr int most = 1000;
@@ -25,7 +25,7 @@ QVector<QPointF> cumulate(QVector<double> values)
     return points;
 }
 
-/// Draw a level to read a percentile off.
+/// Draw a horizontal line from which a percentile can be read.
 void addLevel(QwtPlot *plot, int percent, Qt::Alignment side)
 {
     auto *level = new QwtPlotMarker;
@@ -48,15 +48,15 @@ QwtPlot *cumulativePlot(const QVector<Series> &selection, DelayKind kind)
     addLevel(plot, 95, Qt::AlignBottom); // the label of 99 is above it
     addLevel(plot, 99, Qt::AlignTop);
     for (int i = 0; i < selection.size(); ++i) {
-        const QVector<double> values = selectValues(selection[i], kind, false);
+        const QVector<double> values = selectValues(selection[i], kind, Select::Unflagged);
         if (values.isEmpty()) {
             continue;
         }
-        const Statistics of = computeStatistics(values);
+        const Statistics statistics = computeStatistics(values);
         QStringList delays;
         QVector<QPointF> marks;
         for (const auto &[percent, delay] :
-             {std::pair(50, of.median), {95, of.p95}, {99, of.p99}}) {
+             {std::pair(50, statistics.median), {95, statistics.p95}, {99, statistics.p99}}) {
             if (std::isfinite(delay)) {
                 delays += QString("P%1 %2").arg(QString::number(percent),
                                                 delayText(delay, delayStep(selection[i], kind)));
@@ -68,7 +68,8 @@ QwtPlot *cumulativePlot(const QVector<Series> &selection, DelayKind kind)
         const QString title = name + (name.size() > shortName ? ":\n" : ": ") + delays.join(", ");
         auto *curve = new QwtPlotCurve(QwtText(title, QwtText::PlainText));
         curve->setStyle(QwtPlotCurve::Steps);
-        curve->setCurveAttribute(QwtPlotCurve::Inverted); // a share holds up to the next delay
+        curve->setCurveAttribute(
+            QwtPlotCurve::Inverted); // the share stays the same up to the next delay
         curve->setLegendAttribute(QwtPlotCurve::LegendShowLine);
         curve->setPen(seriesStyle(i).pen(2 * dataWidth));
         curve->setSamples(cumulate(values));

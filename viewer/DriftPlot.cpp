@@ -18,7 +18,7 @@ namespace {
 constexpr int mostPoints = 2000; // a series with more values is drawn in columns of values
 constexpr int mostColumns = 100; // few enough to give each column the values for P5 and P95
 
-/// Keep one point of each column of so many measurements.
+/// Returns the first point in each column of `columnWidth` measurements.
 QVector<QPointF> thin(const QVector<QPointF> &points, int columnWidth)
 {
     QVector<QPointF> kept;
@@ -30,7 +30,8 @@ QVector<QPointF> thin(const QVector<QPointF> &points, int columnWidth)
     return kept;
 }
 
-/// Draw median and band of each column of so many measurements. Returns the columns' extremes.
+/// Draw the median and the band from P5 to P95 of each column of `columnWidth` values. Returns the
+/// extremes of the columns.
 QVector<QPointF> addColumns(QwtPlot *plot, const QVector<QPointF> &points, int columnWidth,
                             const SeriesStyle &style, bool isInLegend)
 {
@@ -43,15 +44,15 @@ QVector<QPointF> addColumns(QwtPlot *plot, const QVector<QPointF> &points, int c
         for (int i = from; i < to; ++i) {
             values += points[i].y();
         }
-        const Statistics of = computeStatistics(values);
-        for (const double end : {points[from].x(), points[to - 1].x()}) {
-            medians += {end, of.median};
-            if (std::isfinite(of.p5)) {
-                bands += {end, of.p5, of.p95};
+        const Statistics statistics = computeStatistics(values);
+        for (const double side : {points[from].x(), points[to - 1].x()}) {
+            medians += {side, statistics.median};
+            if (std::isfinite(statistics.p5)) {
+                bands += {side, statistics.p5, statistics.p95};
             }
         }
         const double middle = (points[from].x() + points[to - 1].x()) / 2;
-        extremes += {{middle, of.minimum}, {middle, of.maximum}};
+        extremes += {{middle, statistics.minimum}, {middle, statistics.maximum}};
     }
     auto *band = new QwtPlotIntervalCurve(QString("P5 to P95"));
     band->setPen(QPen(Qt::NoPen));
@@ -81,7 +82,7 @@ QwtPlot *driftPlot(const QVector<Series> &selection, DelayKind kind)
         columnWidth > 1 ? QString("Measurement (columns of %1)").arg(columnWidth) : "Measurement",
         delayEnd(kind) + " / ms");
     const QwtInterval axis = delayAxis(selection, kind);
-    const double border = 0.02 * axis.width(); // a symbol on the axis itself would be cut
+    const double border = 0.02 * axis.width(); // a symbol at the very end of the axis would be cut
     for (int number = 0; number < selection.size(); ++number) {
         const Series &series = selection[number];
         if (!isMeasured(series.results, kind)) {
@@ -90,10 +91,10 @@ QwtPlot *driftPlot(const QVector<Series> &selection, DelayKind kind)
         const QVector<double> &values = series.results[kind].values;
         QVector<QPointF> flagged;
         QVector<QPointF> unflagged;
-        QVector<QPointF> beyond; // of those without flags
+        QVector<QPointF> beyond; // unflagged, and outside the axis
         for (int i = 0; i < values.size(); ++i) {
             if (!std::isfinite(values[i])) {
-                continue; // there is no place for it
+                continue; // it has no place on the axis
             }
             const QPointF point(i + 1.0, axis.contains(values[i])
                                              ? values[i]
@@ -129,7 +130,7 @@ QString measurementText(const QwtPlot &plot, const QVector<Series> &selection, D
     const QwtScaleMap x = plot.canvasMap(QwtPlot::xBottom);
     const QwtScaleMap y = plot.canvasMap(QwtPlot::yLeft);
     const QwtScaleDiv &axis = plot.axisScaleDiv(QwtPlot::yLeft);
-    double distance = 10.0; // pixels: farther away is not meant
+    double distance = 10.0; // pixels; points farther away are not meant
     QString text;
     for (const Series &series : selection) {
         const QVector<double> &values = series.results[kind].values;

@@ -30,7 +30,7 @@ QPageLayout layoutOf(const Page &page)
             {}};
 }
 
-/// The size of a picture of the page.
+/// Returns the size of a picture of the page.
 QSize dotsOf(const Page &page)
 {
     return layoutOf(page).fullRectPixels(resolution).size();
@@ -44,8 +44,8 @@ QFont fontOf(const QString &family, double points, const QPainter &painter)
     return font;
 }
 
-/// Write text in a font, or smaller where that does not fit the rectangle. Returns how much room it
-/// takes.
+/// Paint text in a font, or in a smaller one if it does not fit the rectangle. Returns the height
+/// that it takes.
 double paintText(const QString &text, QPainter *painter, const QRectF &rect, Qt::Alignment place,
                  QFont font)
 {
@@ -63,7 +63,7 @@ double paintText(const QString &text, QPainter *painter, const QRectF &rect, Qt:
     return sizeOf().height() + QFontMetricsF(font, painter->device()).lineSpacing() / 2;
 }
 
-/// Draw a plot, its axes where its data are: outside a window no layout has seen to that.
+/// Paint a plot. First its axes are aligned with its canvas, which a layout does in windows only.
 void paintPlot(QwtPlot *plot, QPainter *painter, const QRectF &rect)
 {
     for (const int axis : {QwtPlot::xBottom, QwtPlot::yLeft}) {
@@ -78,7 +78,7 @@ void paintPlot(QwtPlot *plot, QPainter *painter, const QRectF &rect)
     renderer.render(plot, painter, rect);
 }
 
-/// Paint a page onto a whole device. The size is in its dots.
+/// Paint a page over a whole device, whose size is in dots.
 void paintPage(const Page &page, QPainter *painter, const QSizeF &size)
 {
     painter->fillRect(QRectF({}, size), Qt::white);
@@ -87,7 +87,7 @@ void paintPage(const Page &page, QPainter *painter, const QSizeF &size)
     QRectF room(border, border, size.width() - 2 * border, size.height() - 2 * border);
     QFont bold = fontOf("sans-serif", 12.0, *painter);
     bold.setBold(true);
-    // Fontconfig's alias: without a display Qt knows of no fixed font.
+    // Fontconfig's name: without a display Qt knows no fixed font.
     QFont fixed = fontOf("monospace", 8.0, *painter);
     fixed.setStyleHint(QFont::Monospace);
     room.setTop(room.top() + paintText(page.title, painter, room, Qt::AlignTop, bold));
@@ -96,7 +96,7 @@ void paintPage(const Page &page, QPainter *painter, const QSizeF &size)
                                              fontOf("sans-serif", 7.0, *painter)));
     room.setTop(room.top() + paintText(page.text, painter, room, Qt::AlignTop, fixed));
 
-    // On a full page plots are drawn smaller, so that they hold as much as on the screen.
+    // Plots below text are drawn smaller, so that they show as much as on the screen.
     const double scale = page.text.isEmpty() ? 1.0 : 0.7;
     painter->save();
     painter->scale(scale, scale);
@@ -195,12 +195,12 @@ bool writeWhole(const QString &fileName, const QByteArray &bytes, QString *probl
     // commit() would replace a device by a file.
     const bool isDevice = QFileInfo::exists(fileName) && !QFileInfo(fileName).isFile();
     if (!isDevice && file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
-        // A write that the disk cuts off is no error yet: the next one tells why.
+        // A full disk takes a part of the bytes without an error. The next write then fails.
         qint64 written = 0;
-        qint64 step = 0;
+        qint64 taken = 0;
         while (written < bytes.size() &&
-               (step = file.write(bytes.constData() + written, bytes.size() - written)) > 0) {
-            written += step;
+               (taken = file.write(bytes.constData() + written, bytes.size() - written)) > 0) {
+            written += taken;
         }
         if (written == bytes.size() && file.commit()) {
             return true;

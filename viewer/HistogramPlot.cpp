@@ -30,12 +30,12 @@ QwtPlot *histogramPlot(const QVector<Series> &selection, DelayKind kind)
     QVector<QVector<double>> values; // of each series
     double step = 0.0;
     for (const Series &series : selection) {
-        values += selectValues(series, kind, false);
+        values += selectValues(series, kind, Select::Unflagged);
         step = std::max(step, delayStep(series, kind));
     }
     const QwtInterval axis = delayAxis(selection, kind);
     const Bins bins = chooseBins(values, step, axis.minValue(), axis.maxValue());
-    const bool isShare = selection.size() > 1; // series of different counts are to be compared
+    const bool isShare = selection.size() > 1; // since two series may have different counts
     QwtPlot *plot =
         makePlot(delayName(kind) + " / ms, bins of " + delayText(bins.width, step) + " ms",
                  isShare ? "Share / %" : "Count");
@@ -46,11 +46,12 @@ QwtPlot *histogramPlot(const QVector<Series> &selection, DelayKind kind)
         }
         const SeriesStyle style = seriesStyle(i);
         const int n = values[i].size();
-        const double one = isShare ? 100.0 / std::max(1, n) : 1.0; // all may be flagged
+        const double weight = isShare ? 100.0 / std::max(1, n) : 1.0; // of a value; n may be 0
         const QVector<int> counts = countValues(values[i], bins);
         QVector<QwtIntervalSample> columns;
         for (int bin = 0; bin < bins.count; ++bin) {
-            columns += QwtIntervalSample(counts[bin + 1] * one, bins.edge(bin), bins.edge(bin + 1));
+            columns +=
+                QwtIntervalSample(counts[bin + 1] * weight, bins.edge(bin), bins.edge(bin + 1));
             highest = std::max(highest, columns.last().value);
         }
         QString title = plotNames(selection)[i];
@@ -66,8 +67,8 @@ QwtPlot *histogramPlot(const QVector<Series> &selection, DelayKind kind)
         for (const auto &[count, place] : {std::pair(counts.first(), axis.minValue() + border),
                                            {counts.last(), axis.maxValue() - border}}) {
             if (count > 0) {
-                beyond += QPointF(place, count * one);
-                highest = std::max(highest, count * one);
+                beyond += QPointF(place, count * weight);
+                highest = std::max(highest, count * weight);
             }
         }
         addMarks(plot, "beyond", counts.first() + counts.last(), beyond, QwtSymbol::Triangle,

@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Times and sizes of a series' files: other ones tell that it was written again.
+/// Returns the times and sizes of a series' files. They change when it is written again.
 QVector<qint64> stampOf(const QString &fileName)
 {
     QVector<qint64> stamp;
@@ -30,16 +30,16 @@ void LiveFiles::follow(const QStringList &filesAndFolders)
     followed.removeDuplicates();
 }
 
-bool LiveFiles::isStirred(const QStringList &shown) const
+bool LiveFiles::mayHaveChanged(const QStringList &shown) const
 {
-    return times() != lastTimes ||
+    return folderTimes() != lastTimes ||
            std::any_of(shown.cbegin(), shown.cend(),
                        [this](const QString &file) { return known.value(file) != stampOf(file); });
 }
 
 LiveFiles::Changes LiveFiles::findChanges()
 {
-    lastTimes = times(); // before looking, so that nothing is missed
+    lastTimes = folderTimes(); // read first, so that no later change is missed
     Changes changes;
     QHash<QString, QVector<qint64>> found;
     for (const QString &name : qAsConst(followed)) {
@@ -62,18 +62,18 @@ LiveFiles::Changes LiveFiles::findChanges()
     }
     known = found;
     if (!changes.changed.isEmpty()) {
-        stir(); // they may still be being written
+        lookAgain(); // they may still be being written
     }
     return changes;
 }
 
-QVector<QDateTime> LiveFiles::times() const
+QVector<QDateTime> LiveFiles::folderTimes() const
 {
-    QVector<QDateTime> of;
+    QVector<QDateTime> times;
     for (const QString &name : followed) {
-        // The time of a folder tells what came and went in it.
+        // A folder's time changes when files in it come or go.
         const QFileInfo info(name);
-        of << info.lastModified() << QFileInfo(info.absolutePath()).lastModified();
+        times << info.lastModified() << QFileInfo(info.absolutePath()).lastModified();
     }
-    return of;
+    return times;
 }

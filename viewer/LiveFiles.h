@@ -4,34 +4,34 @@
 #include <QHash>
 #include <QStringList>
 
-/// The results files in some folders, as they come, change and go.
+/// Finds out which results files, in some folders, are new, changed or gone.
 class LiveFiles
 {
 public:
     struct Changes
     {
-        QStringList changed; ///< files that are new, or were written again: the newest first
+        QStringList changed; ///< files that are new or were written again, the newest first
         QStringList gone;
     };
 
-    /// Follow these files, and all series in these folders, also while one of them is not there.
+    /// Follow these files, and all series in these folders. They need not exist yet.
     void follow(const QStringList &filesAndFolders);
-    /// Returns whether findChanges() is worth a call: since its last call a file came or went, or a
-    /// file in `shown` was written again. After a call that found changes it is, too, since the
-    /// files may still be being written. This is quick, also on a network.
-    [[nodiscard]] bool isStirred(const QStringList &shown) const;
-    /// Find what has changed since the last time. A file that was named and is not there counts as
-    /// changed, and so does a folder without series, so that the window names them.
+    /// Returns whether findChanges() may find something: since its last call a file came or went,
+    /// or one in `shown` was written again. Also true after a call that found changes, since those
+    /// files may still be being written. This is quick, even on a network.
+    [[nodiscard]] bool mayHaveChanged(const QStringList &shown) const;
+    /// Find what has changed since the last call. A missing file and a folder without series count
+    /// as changed, so that the window names them.
     Changes findChanges();
-    /// Let isStirred() be true.
-    void stir() { lastTimes.clear(); }
-    /// Take everything for changed the next time.
+    /// Make mayHaveChanged() true.
+    void lookAgain() { lastTimes.clear(); }
+    /// Make the next findChanges() return every file as changed.
     void forget() { known.clear(); }
 
 private:
-    [[nodiscard]] QVector<QDateTime> times() const;
+    [[nodiscard]] QVector<QDateTime> folderTimes() const;
 
     QStringList followed;
     QHash<QString, QVector<qint64>> known; ///< times and sizes of the series' files
-    QVector<QDateTime> lastTimes;          ///< of what is followed
+    QVector<QDateTime> lastTimes; ///< of the files and folders followed, and of their folders
 };

@@ -12,7 +12,7 @@
 Navigation::Navigation(QwtPlot *plot, PlaceText text)
     : QwtPlotZoomer(plot->canvas(), false), placeText(std::move(text))
 {
-    plot->updateAxes(); // so that there is a whole
+    plot->updateAxes(); // the whole is what the axes show now
     setZoomBase(false);
     setMousePattern(QwtEventPattern::MouseSelect2, Qt::RightButton, Qt::ControlModifier);
     setMousePattern(QwtEventPattern::MouseSelect3, Qt::RightButton);
@@ -29,7 +29,7 @@ Navigation::Navigation(QwtPlot *plot, PlaceText text)
 void Navigation::showPart(const QRectF &part, double factor, const QPointF &fixed)
 {
     const QRectF whole = zoomBase();
-    constexpr double least = 1e-6; // beyond, digits run out
+    constexpr double least = 1e-6; // of the whole; for less, a double has too few digits
     QRectF shown(fixed + (part.topLeft() - fixed) * factor, part.size() * factor);
     shown.setSize(shown.size().expandedTo(whole.size() * least).boundedTo(whole.size()));
     shown.moveTo(qBound(whole.left(), shown.left(), whole.right() - shown.width()),

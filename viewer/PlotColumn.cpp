@@ -42,9 +42,9 @@ void PlotColumn::showEvent(QShowEvent * /*event*/)
             text = [this, i](const QPoint &place) { return placeText(i, place); };
         }
         navigations += new Navigation(shown[i], text);
-        shown[i]->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored); // all the same room
+        shown[i]->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored); // equal room for all
         layout()->addWidget(shown[i]);
-        // Beside each other plots may be narrow.
+        // Plots that stand beside each other may be narrow.
         QwtText title = shown[i]->axisTitle(QwtPlot::xBottom);
         title.setRenderFlags(Qt::AlignHCenter | Qt::TextWordWrap);
         shown[i]->setAxisTitle(QwtPlot::xBottom, title);
@@ -68,7 +68,7 @@ void PlotColumn::shareAxis()
     }
     for (QwtPlot *plot : qAsConst(sharing)) {
         plot->setAxisScale(QwtPlot::xBottom, all.minValue(), all.maxValue());
-        // Room for half a label at either end, the same whatever labels there are.
+        // Room for half a label at either end, the same in all plots.
         const int half =
             QFontMetrics(plot->axisFont(QwtPlot::xBottom)).horizontalAdvance("1000000") / 2;
         plot->axisWidget(QwtPlot::xBottom)->setMinBorderDist(half, half);
@@ -103,7 +103,7 @@ void PlotColumn::alignCanvases()
 
 void PlotColumn::zoom(double factor)
 {
-    QVector<QRectF> parts; // before one moves the axis of the others
+    QVector<QRectF> parts; // read first, since one plot moves the axis of the others
     for (const Navigation *navigation : qAsConst(navigations)) {
         parts += navigation->shownPart();
     }

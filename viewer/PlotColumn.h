@@ -9,22 +9,23 @@
 class Navigation;
 class QwtPlot;
 
-/// Plots one below the other, or beside each other, in which a person can move about. Those with
-/// the same horizontal axis share its position and zoom.
+/// Plots one below the other, or beside each other, that can be zoomed and panned. Plots with the
+/// same horizontal axis move together.
 class PlotColumn : public QWidget
 {
 public:
     using MakePlots = std::function<QVector<QwtPlot *>()>;
-    /// Returns what lies at a place (pixels) of the canvas of a plot, of which the index is given.
+    /// Returns the text beside the pointer when it is at a place (pixels) of the canvas of a plot,
+    /// which is given by its index.
     using PlaceText = std::function<QString(int plot, const QPoint &place)>;
 
     explicit PlotColumn(MakePlots make, PlaceText text = {},
                         QBoxLayout::Direction direction = QBoxLayout::TopToBottom);
 
-    /// Make the plots anew, once somebody looks at them.
+    /// Make the plots again as soon as they are visible.
     void renew();
     [[nodiscard]] const QVector<QwtPlot *> &plots() const { return shown; }
-    /// Show so many times as much in all plots, about their middles; by infinity, the whole.
+    /// Show `factor` times as much in all plots, about their middles; with infinity, the whole.
     void zoom(double factor);
 
 protected:

@@ -18,7 +18,7 @@
 
 namespace {
 
-/// Returns the range of the values, in any order, without those that are far away.
+/// Returns the range of values, in any order, without outliers.
 QwtInterval usualRange(QVector<double> values, double step)
 {
     if (values.isEmpty()) {
@@ -31,7 +31,7 @@ QwtInterval usualRange(QVector<double> values, double step)
     const double far = farAway * std::max(third - first, step);
     double from = first - far;
     double to = third + far;
-    constexpr int few = 20; // of them P5 is the least, which may be an outlier
+    constexpr int few = 20; // their P5 is the least value, which may be an outlier
     if (values.size() > few) {
         from = std::min(from, nearestRank(values, 50));
         to = std::max(to, nearestRank(values, 950));
@@ -44,7 +44,7 @@ QwtInterval usualRange(QVector<double> values, double step)
 
 QwtSymbol *SeriesStyle::makeSymbol(int size) const
 {
-    // Of two, the second's lets the first's be seen through.
+    // The second series has hollow symbols, which leave those of the first visible.
     const QBrush inside = fill == Qt::SolidPattern ? QBrush(colour) : QBrush(Qt::NoBrush);
     return new QwtSymbol(symbol, inside, QPen(colour, dataWidth), QSize(size, size));
 }
@@ -141,15 +141,15 @@ void addLine(QwtPlot *plot, double position, const QPen &pen)
 
 QwtInterval delayAxis(const QVector<Series> &selection, DelayKind kind)
 {
-    constexpr double air = 0.12;
-    for (const bool withFlagged : {false, true}) {
+    constexpr double space = 0.12; // of the range, at either end
+    for (const Select wanted : {Select::Unflagged, Select::All}) {
         QwtInterval range;
         for (const Series &series : selection) {
-            range |= usualRange(selectValues(series, kind, withFlagged), delayStep(series, kind));
+            range |= usualRange(selectValues(series, kind, wanted), delayStep(series, kind));
         }
         if (range.isValid() && std::isfinite(range.width())) {
             const double margin =
-                std::max(range.width() * air, 1e-3 * std::abs(range.maxValue()) + 1e-9);
+                std::max(range.width() * space, 1e-3 * std::abs(range.maxValue()) + 1e-9);
             return {range.minValue() - margin, range.maxValue() + margin};
         }
     }

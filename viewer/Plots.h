@@ -7,7 +7,7 @@ class QwtPlot;
 
 // The plots of one series, or of two over each other.
 
-/// Returns the delays that are worth a plot: HDMI only where it was measured.
+/// Returns the delays to plot: HDMI only if it was measured.
 QVector<DelayKind> plottedDelays(const QVector<Series> &selection);
 
 /// Draw a delay over the number of its measurement: points, flagged ones marked, a line at the
@@ -21,15 +21,15 @@ QwtPlot *driftPlot(const QVector<Series> &selection, DelayKind kind);
 QString measurementText(const QwtPlot &plot, const QVector<Series> &selection, DelayKind kind,
                         const QPoint &place);
 
-/// Draw how often each delay came, with lines at the medians: counts for one series, and for two
-/// shares in per cent. Flagged values are left out, and counted in the legend.
+/// Draw a histogram with lines at the medians: counts for one series, shares in per cent for two.
+/// Flagged values are left out; the legend has their number.
 QwtPlot *histogramPlot(const QVector<Series> &selection, DelayKind kind);
 
 /// Draw the share of the delays, in per cent, that are no longer than each delay. P50, P95 and P99
-/// are marked, and told in the legend. Flagged values are left out.
+/// are marked, and stand in the legend. Flagged values are left out.
 QwtPlot *cumulativePlot(const QVector<Series> &selection, DelayKind kind);
 
 /// Draw the last record of a series with its three edges over time, or over the sample number while
-/// the oscilloscope type is not known. A text below names what is missing. Of each column only the
-/// extremes are drawn: a screen, where a person zooms in, needs many columns.
+/// the oscilloscope type is not known. A text below names what is missing. The traces are drawn in
+/// columns (see TraceData): fewer for paper than for a screen, where one can zoom in.
 QwtPlot *recordPlot(const Series &series, int columns = 4096);

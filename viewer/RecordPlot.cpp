@@ -35,7 +35,7 @@ QwtPlot *recordPlot(const Series &series, int columns)
         Qt::PenStyle line;
     };
     const Instants &at = series.oscilloscope.instants;
-    // The bursts of RF go to the back: they would hide the rest.
+    // RF is drawn first, since its bursts would hide the other traces.
     for (const Row &row : {Row{"RF (scaled)", &record.rf, at.rf, {230, 159, 0}, Qt::DotLine},
                            Row{"Source", &record.source, at.source, Qt::black, Qt::DashLine},
                            Row{"Sink", &record.sink, at.sink, {0, 114, 178}, Qt::DashDotLine}}) {
@@ -48,7 +48,7 @@ QwtPlot *recordPlot(const Series &series, int columns)
         curve->setSamples(new TraceData(*row.trace, first, interval, columns));
         curve->attach(plot);
         if (type) {
-            // Edges are too near for labels.
+            // No labels: edges can lie close together.
             addLine(plot, row.instant * milliseconds, QPen(row.colour, dataWidth, row.line));
         }
     }

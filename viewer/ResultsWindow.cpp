@@ -47,7 +47,7 @@ QSettings settings()
     return {QSettings::IniFormat, QSettings::UserScope, "Varnholt", "OrvantaResults"};
 }
 
-/// Shows that the person has to wait, as long as it exists.
+/// Shows the busy cursor while it exists.
 struct BusyCursor
 {
     BusyCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
@@ -66,9 +66,9 @@ ResultsWindow::ResultsWindow()
       values(makeTable("values", valuesTable)),
       tabs(new QTabWidget),
       text(new QPlainTextEdit),
-      besides(new QSplitter),
-      above(new QSplitter(Qt::Vertical)),
-      gaps(new QLabel)
+      listAndPlots(new QSplitter),
+      plotsAndText(new QSplitter(Qt::Vertical)),
+      missing(new QLabel)
 {
     setWindowTitle("Orvanta Results");
     text->setReadOnly(true);
@@ -77,7 +77,7 @@ ResultsWindow::ResultsWindow()
     constexpr double smaller = 0.88; // a line of statistics is long
     fixed.setPointSizeF(fixed.pointSizeF() * smaller);
     text->setFont(fixed);
-    statusBar()->addPermanentWidget(gaps);
+    statusBar()->addPermanentWidget(missing);
 
     sorted->setSourceModel(seriesTable);
     sorted->setSortRole(SeriesTable::SortRole);
@@ -85,9 +85,11 @@ ResultsWindow::ResultsWindow()
     sorted->setFilterCaseSensitivity(Qt::CaseInsensitive);
     list->setSortingEnabled(true);
     list->sortByColumn(0, Qt::DescendingOrder);
-    list->horizontalHeader()->setResizeContentsPrecision(0); // by what is seen: there may be many
+    list->horizontalHeader()->setResizeContentsPrecision(
+        0); // by the visible rows: there may be many
     list->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    list->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch); // the others are seen
+    list->horizontalHeader()->setSectionResizeMode(
+        0, QHeaderView::Stretch); // keeps the other columns visible
     values->horizontalHeader()->setStretchLastSection(true);
     filter->setPlaceholderText("Filter");
     filter->setClearButtonEnabled(true);
@@ -101,35 +103,36 @@ ResultsWindow::ResultsWindow()
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(filter);
     column->addWidget(list);
-    besides->addWidget(left);
-    besides->addWidget(above);
-    besides->setStretchFactor(1, 1);
-    above->addWidget(tabs);
-    above->addWidget(text);
-    above->setStretchFactor(0, 1);
-    besides->setChildrenCollapsible(false);
-    above->setChildrenCollapsible(false);
-    setCentralWidget(besides);
+    listAndPlots->addWidget(left);
+    listAndPlots->addWidget(plotsAndText);
+    listAndPlots->setStretchFactor(1, 1);
+    plotsAndText->addWidget(tabs);
+    plotsAndText->addWidget(text);
+    plotsAndText->setStretchFactor(0, 1);
+    listAndPlots->setChildrenCollapsible(false);
+    plotsAndText->setChildrenCollapsible(false);
+    setCentralWidget(listAndPlots);
     makeTabs();
     makeMenus();
     layOut();
 
     connect(list->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &ResultsWindow::select);
-    connect(besides, &QSplitter::splitterMoved, this,
-            [this] { settings().setValue("besides", besides->saveState()); });
+    connect(listAndPlots, &QSplitter::splitterMoved, this,
+            [this] { settings().setValue("besides", listAndPlots->saveState()); });
     connect(&idle, &QTimer::timeout, this, &ResultsWindow::readTraces);
     connect(&look, &QTimer::timeout, this, [this] {
         QStringList shown;
         for (const Series &series : qAsConst(selection)) {
             shown += series.fileName;
         }
-        if (files.isStirred(shown)) {
+        if (files.mayHaveChanged(shown)) {
             rescan();
         }
     });
-    // A folder does not tell that something was written into a file that it has already.
-    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this] { files.stir(); });
+    // A folder's time does not change when one of its files is written again.
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this,
+            [this] { files.lookAgain(); });
 }
 
 void ResultsWindow::makeTabs()
@@ -169,20 +172,20 @@ void ResultsWindow::layOut()
 {
     constexpr double most = 0.95; // of the screen, with room for the frame
     resize(QSize(1280, 840).boundedTo(QGuiApplication::primaryScreen()->availableSize() * most));
-    // The statistics of a comparison, if that leaves the plots the greater part.
+    // Room for the statistics of a comparison, but the greater part for the plots.
     const int statistics = std::min(14 * text->fontMetrics().lineSpacing(), height() * 3 / 10);
-    above->setSizes({height() - statistics, statistics});
+    plotsAndText->setSizes({height() - statistics, statistics});
     const QSettings saved = settings();
     restoreGeometry(saved.value("window").toByteArray());
-    above->restoreState(saved.value("above").toByteArray());
-    besides->restoreState(saved.value("besides").toByteArray());
+    plotsAndText->restoreState(saved.value("above").toByteArray());
+    listAndPlots->restoreState(saved.value("besides").toByteArray());
 }
 
 void ResultsWindow::closeEvent(QCloseEvent *event)
 {
     QSettings saved = settings();
     saved.setValue("window", saveGeometry());
-    saved.setValue("above", above->saveState());
+    saved.setValue("above", plotsAndText->saveState());
     QMainWindow::closeEvent(event);
 }
 
@@ -198,7 +201,7 @@ void ResultsWindow::fitList()
         if (nameWidth < list->fontMetrics().horizontalAdvance("0000-00-00 00:00:00")) {
             header->setSectionResizeMode(0, QHeaderView::ResizeToContents); // the list scrolls
         }
-        besides->setSizes({listWidth, width() - listWidth});
+        listAndPlots->setSizes({listWidth, width() - listWidth});
     }
 }
 
@@ -218,7 +221,7 @@ void ResultsWindow::select()
                              : chosen.size() == 1 && seriesTable->rowCount() > 1
                                  ? "Select a second series with Ctrl to compare the two."
                                  : "");
-    QStringList fileNames; // before reading may move them in the list
+    QStringList fileNames; // read first, since reading traces may move the rows
     for (const QModelIndex &index : chosen.mid(0, 2)) {
         fileNames += index.data(SeriesTable::FileRole).toString();
     }

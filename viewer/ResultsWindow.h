@@ -21,7 +21,8 @@ class QTabWidget;
 class SeriesTable;
 class ValuesTable;
 
-/// The series in some folders, and what one or two of them are like.
+/// The window of OrvantaResults: a list of series, and the plots, statistics and values of one or
+/// two of them.
 class ResultsWindow : public QMainWindow
 {
     Q_OBJECT
@@ -29,8 +30,8 @@ class ResultsWindow : public QMainWindow
 public:
     ResultsWindow();
 
-    /// Add these series; folders stand for all in them, now and as they come. What cannot be read
-    /// is said in a box. Returns whether everything could.
+    /// Add series. A folder stands for all series in it, present and future. A box names what
+    /// cannot be read. Returns whether everything could be read.
     bool open(const QStringList &filesAndFolders);
 
 protected:
@@ -48,28 +49,27 @@ private:
     /// Read all files again.
     void reload();
 
-    /// Give the parts of the window their sizes, those of the last time if there were any.
+    /// Give the parts of the window their sizes: those of the last time, if there are any.
     void layOut();
     /// Make the list as wide as its columns, unless somebody chose a width before.
     void fitList();
     /// Bring the list up to date with the files.
     void rescan();
-    /// Read the results of these files, with a progress bar, which shows when that takes long, and
-    /// a way to stop.
+    /// Read the results of these files. If that takes long, a progress bar with Cancel is shown.
     void load(const QStringList &changed);
-    /// Read the traces of some series. Called while there is nothing else to do.
+    /// Read the traces of some series. Called while nothing else is to be done.
     void readTraces();
-    /// Say for good what the list does not have.
-    void showGaps();
-    /// Select a row of the list, or the last one, if none is selected.
+    /// Show in the status bar, permanently, what is missing from the list.
+    void showMissing();
+    /// If nothing is selected, select this row of the list, or the last one if there are fewer.
     void selectSomething(int row);
     /// Show the series selected in the list.
     void select();
     /// Returns the plots of the tab in front; null when that has none.
     [[nodiscard]] PlotColumn *plotsInFront() const;
-    /// Writes a file. Returns false and a sentence when that fails.
+    /// Writes a file. Returns false and a sentence on failure.
     using Write = std::function<bool(const QString &fileName, QString *problem)>;
-    /// Ask for the name of a file, have it written, and tell how that went.
+    /// Ask for a file name, write the file, and show the outcome.
     void save(const QString &title, const QString &filters, const Write &write);
     void warn(const QString &sentence, const QString &details = {});
 
@@ -82,15 +82,15 @@ private:
     QTabWidget *tabs;
     QVector<PlotColumn *> plotTabs;
     QPlainTextEdit *text;
-    QSplitter *besides;
-    QSplitter *above;
-    QLabel *gaps;
+    QSplitter *listAndPlots;
+    QSplitter *plotsAndText;
+    QLabel *missing;
 
     QVector<Series> selection; ///< one or two
     LiveFiles files;
     QMap<QString, QString> problems; ///< why files cannot be read
-    QStringList unread;    ///< files of series whose traces are to be read: the newest first
-    QSet<QString> leftOut; ///< files that were not read, as somebody stopped it
-    QTimer idle;           ///< runs out when there is nothing else to do
-    QTimer look;           ///< runs out when files may have changed
+    QStringList unread;              ///< files whose traces are still to be read, the newest first
+    QSet<QString> leftOut;           ///< files that were not read, since somebody pressed Cancel
+    QTimer idle;                     ///< fires when there is nothing else to do
+    QTimer look;                     ///< fires when it is time to look for changed files
 };

@@ -2,6 +2,7 @@
 
 #include "analysis/Csv.h"
 #include "viewer/Export.h"
+#include "viewer/Navigation.h"
 #include "viewer/PlotColumn.h"
 #include "viewer/Report.h"
 #include "viewer/ResultsWindow.h"
@@ -42,7 +43,6 @@ void ResultsWindow::makeMenus()
     add(file, "&Quit", QKeySequence("Ctrl+Q"), &ResultsWindow::close);
     add(menuBar()->addMenu("&Edit"), "&Copy", QKeySequence::Copy, &ResultsWindow::copy);
     QMenu *view = menuBar()->addMenu("&View");
-    constexpr double step = 0.8;
     const auto zoom = [this](double factor) {
         return [this, factor] {
             if (plotsInFront() != nullptr) {
@@ -50,9 +50,9 @@ void ResultsWindow::makeMenus()
             }
         };
     };
-    add(view, "Zoom &In", {}, zoom(step))
+    add(view, "Zoom &In", {}, zoom(Navigation::zoomStep))
         ->setShortcuts({QKeySequence("+"), QKeySequence("=")}); // one key on many keyboards
-    add(view, "Zoom &Out", QKeySequence("-"), zoom(1 / step));
+    add(view, "Zoom &Out", QKeySequence("-"), zoom(1 / Navigation::zoomStep));
     add(view, "&Whole", QKeySequence("0"), zoom(std::numeric_limits<double>::infinity()));
     view->addSeparator();
     add(view, "&Read Again", QKeySequence("F5"), &ResultsWindow::reload);
@@ -93,7 +93,7 @@ void ResultsWindow::save(const QString &title, const QString &filters, const Wri
     for (const Series &series : qAsConst(selection)) {
         names += QFileInfo(series.fileName).completeBaseName().remove("_Results");
     }
-    // Of a name without one; Qt itself changes an ending as the type is changed.
+    // For names without a suffix. Qt itself changes a suffix when the file type is changed.
     const auto setSuffix = [&dialog] {
         dialog.setDefaultSuffix(dialog.selectedNameFilter().section("*.", 1).section(')', 0, 0));
     };
@@ -139,11 +139,7 @@ void ResultsWindow::exportReport()
 void ResultsWindow::exportCsv()
 {
     save("Export Values", "CSV (*.csv)", [this](const QString &fileName, QString *problem) {
-        QString csv = csvHeading();
-        for (const Series &series : qAsConst(selection)) {
-            csv += csvRows(series);
-        }
-        return writeWhole(fileName, csv.toUtf8(), problem);
+        return writeWhole(fileName, csvText(selection).toUtf8(), problem);
     });
 }
 

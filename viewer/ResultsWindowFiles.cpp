@@ -53,7 +53,7 @@ void ResultsWindow::rescan()
     if (count == 0) {
         fitList();
     }
-    showGaps();
+    showMissing();
     selectSomething(row);
     if (std::any_of(selection.cbegin(), selection.cend(), [&changes](const Series &shown) {
             return changes.changed.contains(shown.fileName);
@@ -67,13 +67,13 @@ void ResultsWindow::rescan()
 
 void ResultsWindow::load(const QStringList &changed)
 {
-    look.stop(); // the progress bar handles events
+    look.stop(); // the progress bar handles events, and neither timer may fire
     idle.stop();
     QProgressDialog dialog("Reading series", "Cancel", 0, changed.size(), this);
     dialog.setWindowModality(Qt::WindowModal);
     constexpr int patience = 400; // milliseconds
     dialog.setMinimumDuration(patience);
-    QVector<Series> loaded; // to be shown at once: each in turn would have the list painted
+    QVector<Series> loaded; // listed together, so that the list is painted once
     int done = 0;
     for (; done < changed.size() && !dialog.wasCanceled(); ++done) {
         const QString &file = changed[done];
@@ -83,7 +83,7 @@ void ResultsWindow::load(const QStringList &changed)
         leftOut.remove(file);
         if (openResults(file, &series, &reason)) {
             loaded += series;
-        } else if (file != resultsFolder()) { // before the first series nothing is wrong with it
+        } else if (file != resultsFolder()) { // which is empty until a first series is saved
             problems[file] = QFileInfo(file).isDir() ? file + " is a folder without results files."
                                                      : file + ' ' + reason + '.';
             seriesTable->remove(file);
@@ -101,7 +101,7 @@ void ResultsWindow::load(const QStringList &changed)
 
 void ResultsWindow::readTraces()
 {
-    constexpr int slice = 30; // milliseconds, in which nobody waits
+    constexpr int slice = 30; // milliseconds, too short to be noticed
     QElapsedTimer time;
     for (time.start(); !time.hasExpired(slice);) {
         if (unread.isEmpty()) {
@@ -112,7 +112,7 @@ void ResultsWindow::readTraces()
     }
 }
 
-void ResultsWindow::showGaps()
+void ResultsWindow::showMissing()
 {
     QStringList said;
     if (!leftOut.isEmpty()) {
@@ -122,7 +122,7 @@ void ResultsWindow::showGaps()
     if (!problems.isEmpty()) {
         said += QString("Problems: %1").arg(problems.size());
     }
-    gaps->setVisible(!said.isEmpty());
-    gaps->setText(said.join(". "));
-    gaps->setToolTip(Qt::convertFromPlainText(QStringList(problems.values()).join('\n')));
+    missing->setVisible(!said.isEmpty());
+    missing->setText(said.join(". "));
+    missing->setToolTip(Qt::convertFromPlainText(QStringList(problems.values()).join('\n')));
 }

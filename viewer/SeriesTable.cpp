@@ -14,14 +14,14 @@ namespace {
 constexpr double infinity = std::numeric_limits<double>::infinity();
 const QStringList headings{"Series (medians in ms)", "Count", "RF", "HDMI", "Sink", "Flags"};
 
-/// What stands in a cell, and what it is sorted by.
+/// The text of a cell, and the value by which it is sorted.
 struct Cell
 {
     QString text;
     QVariant sortKey;
 };
 
-/// A series with wrong delays needs attention first.
+/// Returns the cell for the flags. Wrong delays sort above any number of flags.
 Cell flagCell(const Series &series)
 {
     if (!series.hasReadTraces) {
@@ -42,8 +42,10 @@ QVector<Cell> cellsOf(const Series &series)
     QVector<Cell> cells{{seriesName(series), series.time},
                         {QString::number(series.count()), series.count()}};
     for (const DelayKind kind : delayKinds) {
-        const Statistics of = computeStatistics(selectValues(series, kind, false));
-        cells += {delayText(of.median, delayStep(series, kind)), of.n == 0 ? -infinity : of.median};
+        const Statistics statistics =
+            computeStatistics(selectValues(series, kind, Select::Unflagged));
+        cells += {delayText(statistics.median, delayStep(series, kind)),
+                  statistics.n == 0 ? -infinity : statistics.median};
     }
     return cells << flagCell(series);
 }
@@ -74,7 +76,7 @@ void SeriesTable::put(const Series &series)
     QStandardItem *name = entry.cells[0];
     name->setData(series.fileName, FileRole);
     name->setData(name->text() + ' ' + QFileInfo(series.fileName).fileName(), FilterRole);
-    name->setToolTip( // which would take a name for HTML
+    name->setToolTip( // shown as HTML, which a name is not
         Qt::convertFromPlainText(series.fileName + '\n' + series.oscilloscope.remark));
     blocker.unblock();
     if (isNew) {

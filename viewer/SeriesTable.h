@@ -5,25 +5,25 @@
 #include <QHash>
 #include <QStandardItemModel>
 
-/// The series that are open: name, count, medians without flagged values, flags. The newest come
-/// first when it is sorted by the first column, downwards.
+/// The table of open series: name, count, medians without flagged values, flags. Sorted by the
+/// first column in descending order, it begins with the newest.
 class SeriesTable : public QStandardItemModel
 {
 public:
     enum Role
     {
         SortRole = Qt::UserRole,
-        FilterRole, ///< of the first column: the text in which a filter is looked for
-        FileRole,   ///< of the first column
+        FilterRole, ///< of the first column: the text that is filtered
+        FileRole,   ///< of the first column: the name of the results file
     };
 
     explicit SeriesTable(QObject *parent);
 
-    /// Add a series, or put it in place of what the same file was before.
+    /// Add a series, or replace the one of the same file.
     void put(const Series &series);
     /// Remove the series of a file, if there is one.
     void remove(const QString &fileName);
-    /// Read the traces of the series of a file, if there is one and they were not read yet.
+    /// Read the traces of the series of a file, if there is one whose traces were not read yet.
     void readTraces(const QString &fileName);
     /// Returns the series of a file; an empty one when there is none.
     [[nodiscard]] Series at(const QString &fileName) const { return entries[fileName].series; }

@@ -10,14 +10,14 @@
 class TraceData : public QwtSeriesData<QPointF>
 {
 public:
-    /// The instants of the samples begin at first and lie an interval apart. So many columns are
-    /// shown at once.
+    /// Make a curve's data of samples that begin at `first` and lie an interval apart. At most this
+    /// many columns are shown at a time.
     TraceData(const QVector<double> &trace, double first, double interval, int columns);
 
     [[nodiscard]] std::size_t size() const override { return std::size_t(shown.size()); }
     [[nodiscard]] QPointF sample(std::size_t i) const override { return shown[int(i)]; }
     [[nodiscard]] QRectF boundingRect() const override { return bounds; }
-    /// Decimate the samples in this part of the plot.
+    /// Show the samples in this part of the plot, decimated.
     void setRectOfInterest(const QRectF &rect) override;
 
 private:

@@ -6,7 +6,7 @@
 
 class QTableView;
 
-/// The measurements of the series selected: their delays and flags.
+/// The table of measurements of the selected series: delays and flags.
 class ValuesTable : public QAbstractTableModel
 {
     Q_OBJECT
@@ -27,6 +27,6 @@ private:
     QVector<Series> selection;
 };
 
-/// Give the cells that are selected as text: rows on lines, columns between tabulators, as
-/// spreadsheets take it.
+/// Returns the selected cells as text that spreadsheets read: a line for each row, tabs between
+/// columns.
 QString selectedText(const QTableView &view);

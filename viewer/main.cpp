@@ -47,7 +47,7 @@ void complain(const QString &sentence)
     std::fputs(line.constData(), stderr);
 }
 
-/// Write to the standard output, and notice when that does not take it.
+/// Write to the standard output. Returns false when that fails, such as on a full disk.
 bool print(const QString &text)
 {
     QFile output;
@@ -60,8 +60,8 @@ bool print(const QString &text)
     return false;
 }
 
-/// Read the command line of the application. Ends the program where that asks for help, the version
-/// or what cannot be had.
+/// Read the command line of the application. Ends the program after --help and --version, and when
+/// an option is wrong.
 Request readCommandLine()
 {
     QCommandLineParser parser;
@@ -80,14 +80,14 @@ Request readCommandLine()
 
     QString mistake;
     if (int(parser.isSet(summary)) + int(parser.isSet(csv)) + int(parser.isSet(report)) > 1) {
-        mistake = "Only one of --summary, --csv and --report can be had at a time.";
+        mistake = "Only one of --summary, --csv and --report is possible at a time.";
     } else if (parser.isSet(output) && !parser.isSet(csv)) {
         mistake = "--output goes with --csv; --report names its file itself.";
     } else if (parser.positionalArguments().contains(QString())) {
         mistake = "The name of a file is empty.";
     }
     if (!mistake.isEmpty()) {
-        complain(mistake + " --help tells what can be asked for.");
+        complain(mistake + " See --help.");
         std::exit(exitFailure);
     }
     QStringList files = parser.positionalArguments();
@@ -108,10 +108,7 @@ bool write(const Request &request, const QVector<Series> &series)
         isWritten = print((series.size() > 2 ? summariseBriefly(series) + '\n' : QString()) +
                           describeSelection(series));
     } else {
-        QString csv = csvHeading();
-        for (const Series &one : series) {
-            csv += csvRows(one);
-        }
+        const QString csv = csvText(series);
         isWritten = request.output.isEmpty() ? print(csv)
                                              : writeWhole(request.output, csv.toUtf8(), &problem);
     }
@@ -121,7 +118,7 @@ bool write(const Request &request, const QVector<Series> &series)
     return isWritten;
 }
 
-/// What needs no display.
+/// Do what needs no window. Returns the exit status.
 int runInTerminal(const Request &request)
 {
     const LoadedSeries loaded = loadSeries(request.files);
@@ -133,7 +130,7 @@ int runInTerminal(const Request &request)
     return !isWhole ? exitFailure : isFlagged ? exitFlagged : 0;
 }
 
-/// Qt aborts where no window can be opened: there is no display, or it cannot be reached.
+/// End with a sentence where Qt would abort: there is no display, or it cannot be reached.
 void endWithoutDisplay(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
     const QByteArray line = qFormatLogMessage(type, context, message).toLocal8Bit() + '\n';
@@ -174,7 +171,7 @@ int main(int argc, char *argv[])
 {
     QCoreApplication::setApplicationName("OrvantaResults");
     QCoreApplication::setApplicationVersion(ORVANTA_VERSION);
-    // Which application it is, depends on the command line.
+    // The command line decides which application it is.
     auto terminal = std::make_unique<QCoreApplication>(argc, argv);
     const Request request = readCommandLine();
     QLocale::setDefault(QLocale::c()); // axes show numbers as the files do

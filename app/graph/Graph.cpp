@@ -18,7 +18,7 @@ namespace {
 
 constexpr int edgeLabelWidth = 24; // pixels
 
-/// Draw a trace over the time axis (seconds), of which only so many values as the trace has count.
+/// Draw a trace over the time axis (seconds). A longer axis is used up to the trace's last sample.
 QwtPlotCurve *addCurve(QwtPlot *plot, const QColor &colour, const QVector<double> &time,
                        const QVector<double> &trace)
 {

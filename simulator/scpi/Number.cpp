@@ -90,7 +90,7 @@ Error parseBoolean(std::string_view text, bool *value)
     return error;
 }
 
-std::string numberText(double value)
+std::string numericResponse(double value)
 {
     std::array<char, 32> digits{};
     char *const first = digits.data();

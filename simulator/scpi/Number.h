@@ -19,8 +19,9 @@ Error parseNumber(std::string_view text, std::string_view unit, double greatest,
 /// Read ON, OFF or a number; a number that rounds to 0 is off (SCPI-99 volume 1, 7.3).
 Error parseBoolean(std::string_view text, bool *value);
 
-/// Returns a number as text of up to 15 digits (IEEE 488.2 8.7.4), whatever the process locale.
-std::string numberText(double value);
+/// Returns a number of up to 15 digits as a query answers it (IEEE 488.2 8.7.4), whatever the
+/// process locale.
+std::string numericResponse(double value);
 
 /// Append the shortest text that reads back as the value.
 void appendNumber(std::string *text, float value);

@@ -80,7 +80,7 @@ std::string Setting::text(double value, double factor) const
     if (kind == Kind::Choice) {
         return shortForm(choices[static_cast<std::size_t>(value)]);
     }
-    return numberText(value * factor);
+    return numericResponse(value * factor);
 }
 
 void Setting::reset()
