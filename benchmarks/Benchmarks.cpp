@@ -7,14 +7,14 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
 #include <sys/mman.h>
+#include <unistd.h>
 
 namespace {
 
 constexpr int recordLength = 20000; // samples
 
-/// A trace at one level up to a sample, at another from there on, as an instrument sends it.
+/// Returns a trace with an edge, as an instrument sends it.
 QByteArray block(float before, int edge, float after)
 {
     QVector<float> samples(recordLength, before);
@@ -23,29 +23,22 @@ QByteArray block(float before, int edge, float after)
            '\n';
 }
 
-const QByteArray sourceBlock = block(0.005F, 10000, 0.15F);
-const QByteArray rfBlock = block(-75.0F, 10800, -20.0F);
-const QByteArray sinkBlock = block(0.01F, 12400, 0.12F);
-
-QByteArrayList commands; // of a measurement, while they are noted
-bool isNoting = false;
-
 QByteArray answerTo(const QByteArray &command)
 {
-    if (isNoting) {
-        commands << QByteArray(command.constData(), command.size());
-    }
+    static const QByteArray source = block(0.005F, 10000, 0.15F);
+    static const QByteArray rf = block(-75.0F, 10800, -20.0F);
+    static const QByteArray sink = block(0.01F, 12400, 0.12F);
     if (command.startsWith("CHAN1:DATA")) {
-        return sourceBlock;
+        return source;
     }
     if (command.startsWith("CHAN2:DATA")) {
-        return sinkBlock;
+        return sink;
     }
-    return command.startsWith("CHAN3:DATA") || command.startsWith("TRAC? ") ? rfBlock : "1\n";
+    return command.startsWith("CHAN3:DATA") || command.startsWith("TRAC? ") ? rf : "1\n";
 }
 
 /// Take one measurement with all three instruments.
-Record measure(OscilloscopeType type, Record record = {})
+void measure(OscilloscopeType type, Record *record)
 {
     SeriesSettings settings;
     settings.oscilloscopeType = type;
@@ -53,26 +46,34 @@ Record measure(OscilloscopeType type, Record record = {})
     settings.measureHdmi = true;
     settings.count = 1;
     SeriesResults results;
-    runSeries(settings, &record, &results);
-    return record;
+    runSeries(settings, record, &results);
 }
 
-void measurement(benchmark::State &state)
+void measurement(benchmark::State &state, OscilloscopeType type)
 {
+    const CannedVisa visa(answerTo);
     Record record;
     for (auto _ : state) {
         record.time.resize(0); // keeps its memory, which a series needs once
-        record = measure(OscilloscopeType(state.range(0)), std::move(record));
+        measure(type, &record);
+    }
+    if (record.rf.size() != recordLength || record.instants.sink <= record.instants.source) {
+        state.SkipWithError("the traces did not arrive");
     }
 }
 
-/// Floor: every command of a measurement and its answer, blocks by a file that is read back.
-void measurementFloor(benchmark::State &state)
+/// The floor of a measurement: its commands and their answers, each block by a file.
+void measurementFloor(benchmark::State &state, OscilloscopeType type)
 {
-    commands.clear();
-    isNoting = true;
-    measure(OscilloscopeType(state.range(0)));
-    isNoting = false;
+    QByteArrayList commands;
+    const CannedVisa noting([&](const QByteArray &command) {
+        commands << QByteArray(command.constData(), command.size());
+        return answerTo(command);
+    });
+    Record record;
+    measure(type, &record);
+
+    const CannedVisa visa(answerTo);
     std::vector<ViByte> buffer(80000);
     for (auto _ : state) {
         for (const QByteArray &command : qAsConst(commands)) {
@@ -90,25 +91,16 @@ void measurementFloor(benchmark::State &state)
     }
 }
 
-BENCHMARK(measurement)->Arg(0)->Arg(1);
-BENCHMARK(measurementFloor)->Arg(0)->Arg(1);
+BENCHMARK_CAPTURE(measurement, KVx, OscilloscopeType::Kvx);
+BENCHMARK_CAPTURE(measurementFloor, KVx, OscilloscopeType::Kvx);
+BENCHMARK_CAPTURE(measurement, LPA4004, OscilloscopeType::Lpa4004);
+BENCHMARK_CAPTURE(measurementFloor, LPA4004, OscilloscopeType::Lpa4004);
 
 } // namespace
 
 int main(int argc, char *argv[])
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
-    const CannedVisa visa(answerTo);
-    for (const auto type : {OscilloscopeType::Kvx, OscilloscopeType::Lpa4004}) {
-        const Record record = measure(type);
-        if (record.rf.size() != recordLength || record.instants.sink <= record.instants.source) {
-            std::fputs("The traces of a measurement did not arrive.\n", stderr);
-            return 1;
-        }
-    }
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
 }

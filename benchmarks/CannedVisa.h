@@ -2,13 +2,13 @@
 
 #include "instrument/VisaBinding.h"
 
-#include <cstring>
-#include <fcntl.h>
-#include <functional>
-#include <unistd.h>
+#include <QFile>
 
-/// A VISA library whose answers lie ready in memory. It writes, reads, and reads to files, on one
-/// session at a time, and costs so little that a benchmark shows the cost of the program.
+#include <cstring>
+#include <functional>
+
+/// A VISA library whose answers are ready in memory, so that a benchmark shows the cost of the
+/// program. It writes, reads, and reads to files, on one session at a time.
 class CannedVisa
 {
 public:
@@ -33,10 +33,9 @@ public:
                             ViUInt32 *returnedCount) {
             QByteArray bytes;
             const ViStatus status = take(count, returnedCount, &bytes);
-            const int file = ::open(name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-            const auto written = ::write(file, bytes.constData(), std::size_t(bytes.size()));
-            ::close(file);
-            return written == bytes.size() ? status : VI_ERROR_FILE_IO;
+            QFile file(QFile::decodeName(name));
+            file.open(QIODevice::WriteOnly | QIODevice::Unbuffered);
+            return file.write(bytes) == bytes.size() ? status : VI_ERROR_FILE_IO;
         };
     }
 

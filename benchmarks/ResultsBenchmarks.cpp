@@ -1,4 +1,4 @@
-// What looking at saved series costs, beside the floors that nothing can go below.
+// What it costs to look at saved series, beside the floors that nothing can go below.
 
 #include "analysis/Summary.h"
 #include "measurement/TraceFile.h"
@@ -17,67 +17,40 @@
 
 namespace {
 
-constexpr int measurements = 100000;
-constexpr int samples = 1000000;
-
-/// Write the results of a series whose delays vary, and return the name of the file.
-QString writeSeries(const QTemporaryDir &folder)
+/// Read the results of 100,000 measurements, and sum them up unless only the floor is wanted.
+void results(benchmark::State &state, bool isSummedUp)
 {
-    QString name = folder.filePath("Orvanta2026-03-05_14-07-09_Results.txt");
+    const QTemporaryDir folder;
+    const QString name = folder.filePath("Orvanta2026-03-05_14-07-09_Results.txt");
     DelaySeries delays;
-    for (int i = 0; i < measurements; ++i) {
+    for (int i = 0; i < 100000; ++i) {
         delays.values += 45.0 + i * 37 % 101 * 0.1001;
-        delays.mean += delays.values.last() / measurements;
+        delays.mean += delays.values.last() / 100000;
     }
     writeResults(name, {delays, delays, delays});
-    return name;
-}
-
-void summary(benchmark::State &state)
-{
-    const QTemporaryDir folder;
-    const QString name = writeSeries(folder);
     for (auto _ : state) {
-        Series series;
-        QString reason;
-        openSeries(name, &series, &reason);
-        benchmark::DoNotOptimize(summarise(series));
-    }
-}
-
-/// Floor: read the bytes, and each number in them.
-void bareNumbers(benchmark::State &state)
-{
-    const QTemporaryDir folder;
-    const QString name = writeSeries(folder);
-    for (auto _ : state) {
+        if (isSummedUp) {
+            benchmark::DoNotOptimize(summarise(loadSeries({name}).series[0]));
+            continue;
+        }
         QFile file(name);
         file.open(QIODevice::ReadOnly);
-        double sum = 0.0;
         for (const QByteArray &text : file.readAll().split(' ')) {
-            sum += text.toDouble();
+            benchmark::DoNotOptimize(text.toDouble());
         }
-        benchmark::DoNotOptimize(sum);
     }
 }
 
-/// Write a trace with noise and an edge, and return the name of the file.
-QString writeTrace(const QTemporaryDir &folder)
-{
-    QString name = folder.filePath("src.bin");
-    QVector<double> trace(samples);
-    for (int i = 0; i < samples; ++i) {
-        trace[i] = i % 101 * 1e-4 + (i < samples / 2 ? 0.0 : 0.15);
-    }
-    saveTrace(name, trace, samples);
-    return name;
-}
-
-/// Read a trace, and draw it unless only the floor is wanted.
+/// Read a trace of a million samples, and draw it unless only the floor is wanted.
 void trace(benchmark::State &state, bool isDrawn)
 {
     const QTemporaryDir folder;
-    const QString name = writeTrace(folder);
+    const QString name = folder.filePath("src.bin");
+    QVector<double> saved(1000000);
+    for (int i = 0; i < saved.size(); ++i) {
+        saved[i] = i % 101 * 1e-4 + (i < saved.size() / 2 ? 0.0 : 0.15);
+    }
+    saveTrace(name, saved, saved.size());
     for (auto _ : state) {
         QVector<double> trace;
         int count = 0;
@@ -93,9 +66,9 @@ void trace(benchmark::State &state, bool isDrawn)
     }
 }
 
-BENCHMARK(summary)->Unit(benchmark::kMillisecond);
-BENCHMARK(bareNumbers)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(trace, drawn, true)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(trace, read, false)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(results, summed up, true);
+BENCHMARK_CAPTURE(results, floor, false);
+BENCHMARK_CAPTURE(trace, drawn, true);
+BENCHMARK_CAPTURE(trace, floor, false);
 
 } // namespace

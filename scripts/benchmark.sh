@@ -1,14 +1,17 @@
 #!/usr/bin/env bash
-# Measures what a measurement costs beside its floors, and prints one table. Needs no display.
-# Usage: benchmark.sh [BENCHMARK-OPTION...]; --benchmark_repetitions=20 gives steadier medians.
+# Measures what a measurement, saved files and the network cost, beside their floors. Needs no
+# display. Usage: benchmark.sh [BENCHMARK-OPTION...]
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/install-dependencies.sh build benchmarks network
 cmake --preset release >/dev/null
 cmake --build --preset release --target benchmarks network-benchmarks orvanta-visa >/dev/null
-build/release/bin/benchmarks --benchmark_format=csv --benchmark_repetitions=5 \
-    --benchmark_report_aggregates_only=true "$@" |
-    awk -F, -f benchmarks/table.awk
+# Floors and costs by turns, so that other load on the machine hits both alike.
+options=(--benchmark_repetitions=9 --benchmark_enable_random_interleaving=true
+    --benchmark_min_time=0.1 --benchmark_report_aggregates_only=true "$@")
+QT_QPA_PLATFORM=offscreen build/release/bin/benchmarks "${options[@]}" | grep -E 'Time|_median'
+# Client and host take turns on one CPU.
 unshare --user --map-root-user --net sh -c 'ip link set lo up; exec "$@"' sh \
-    taskset --cpu-list 0 build/release/bin/network-benchmarks build/release/lib/orvanta/liborvanta-visa.so
+    taskset --cpu-list 0 build/release/bin/network-benchmarks \
+    build/release/lib/orvanta/liborvanta-visa.so "${options[@]}" | grep _median
