@@ -23,7 +23,7 @@ Q_DECLARE_METATYPE(Steps)
 namespace {
 
 constexpr ViUInt32 usualTimeout = 5000; // ms
-constexpr ViUInt32 shortTimeout = 50;
+constexpr ViUInt32 shortTimeout = 500;
 constexpr ViUInt32 noTime = 0;
 
 /// Returns the name of a status without its prefix, as "SUCCESS" and "TMO".

@@ -211,6 +211,7 @@ private slots:
         QCOMPARE(visa.run(), 0);
         QCOMPARE(visa.takeCalls().filter("CHAN1:DATA?").size(), attempts);
         QCOMPARE(visa.record.time.size(), attempts * 11);
+        QCOMPARE(visa.record.time.first(), -0.6);
     }
 
     /// A series ends even if the oscilloscope never answers and the video analyzer has no delay.

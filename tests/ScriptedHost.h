@@ -23,12 +23,18 @@ inline sockaddr_in addressAt(std::uint16_t port)
     return address;
 }
 
-/// A host that serves each connection in a thread of its own.
-class TcpHost
+/// A host whose portmapper and VXI-11 instrument share a port and answer as a script says. It
+/// serves each connection in a thread of its own.
+class ScriptedHost
 {
 public:
-    /// Listen at a port; at any free one for 0.
-    TcpHost(std::uint16_t at, const std::function<void(int socket)> &serve)
+    /// Bytes that are sent one piece after the other. The connection is closed at an empty one.
+    using Pieces = std::vector<std::string>;
+    /// Returns what is sent instead of the usual answer to a call; nothing for the usual one.
+    using Script = std::function<Pieces(const wire::RpcCall &call)>;
+
+    /// Listen at a port; at any free one for 0. The instrument takes receiveSize bytes of a write.
+    explicit ScriptedHost(const Script &script, std::uint32_t receiveSize, std::uint16_t at = 0)
     {
         sockaddr_in address = addressAt(at);
         socklen_t size = sizeof address;
@@ -40,20 +46,20 @@ public:
             return;
         }
         port = ntohs(address.sin_port);
-        accepting = std::thread([this, serve] {
+        accepting = std::thread([=] {
             int socket = -1;
             while ((socket = ::accept(listener, nullptr, nullptr)) >= 0) {
-                connections.emplace_back([serve, socket] {
-                    serve(socket);
+                connections.emplace_back([=] {
+                    serve(socket, script, receiveSize);
                     ::close(socket);
                 });
             }
         });
     }
-    TcpHost(const TcpHost &) = delete;
-    TcpHost &operator=(const TcpHost &) = delete;
+    ScriptedHost(const ScriptedHost &) = delete;
+    ScriptedHost &operator=(const ScriptedHost &) = delete;
     /// Wait until the clients have closed their connections.
-    ~TcpHost()
+    ~ScriptedHost()
     {
         ::shutdown(listener, SHUT_RDWR);
         if (accepting.joinable()) {
@@ -66,27 +72,6 @@ public:
     }
 
     std::uint16_t port = 0; ///< 0 when the host could not listen
-
-private:
-    const int listener = ::socket(AF_INET, SOCK_STREAM, 0);
-    std::thread accepting;
-    std::vector<std::thread> connections;
-};
-
-/// A host whose portmapper and VXI-11 instrument share a port and answer as a script says.
-class ScriptedHost : public TcpHost
-{
-public:
-    /// Bytes that are sent one piece after the other. The connection is closed at an empty one.
-    using Pieces = std::vector<std::string>;
-    /// Returns what is sent instead of the usual answer to a call; nothing for the usual one.
-    using Script = std::function<Pieces(const wire::RpcCall &call)>;
-
-    /// Listen as a TcpHost does. The instrument takes receiveSize bytes of a write.
-    explicit ScriptedHost(const Script &script, std::uint32_t receiveSize, std::uint16_t at = 0)
-        : TcpHost(at, [=](int socket) { serve(socket, script, receiveSize); })
-    {
-    }
 
     static Pieces reply(const wire::RpcCall &call, std::string_view results,
                         wire::RpcOutcome outcome = wire::RpcOutcome::Success)
@@ -138,4 +123,8 @@ private:
         }
         return reply(call, wire::xdrWords({0, std::uint32_t(written.size()), 0, receiveSize}));
     }
+
+    const int listener = ::socket(AF_INET, SOCK_STREAM, 0);
+    std::thread accepting;
+    std::vector<std::thread> connections;
 };

@@ -129,6 +129,18 @@ private slots:
         QCOMPARE(pointsOf(*plot, ""), (QVector<QPointF>{{45, 50}, {46, 95}}));
     }
 
+    void record()
+    {
+        const QTemporaryDir folder;
+        const std::unique_ptr<QwtPlot> plot(
+            recordPlot(open(save(folder.path(), {45}, {0}, {120}))));
+        plot->updateAxes();
+        QCOMPARE(plot->axisInterval(QwtPlot::xBottom), QwtInterval(-500, 500));
+        const QVector<QPointF> sink = pointsOf(*plot, "Sink, edge 120.0 ms");
+        QCOMPARE(sink.size(), 1001);
+        QCOMPARE(sink[620], QPointF(120, 0.2));
+    }
+
     /// Names that are too long for a line are shortened in the middle.
     void report()
     {

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Checks that no source includes what its layer may not know of the project. Of Qt, a layer finds only
-# the libraries that its target links. Usage: check-layers.sh SOURCE-FOLDER
+# Checks that no source includes a header of the project that its layer may not know. The libraries
+# that a target links limit which headers of Qt it finds. Usage: check-layers.sh SOURCE-FOLDER
 set -euo pipefail
 cd "$1"
 

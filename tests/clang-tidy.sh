@@ -10,5 +10,6 @@ mkdir -p "$unified"
 ln -sfn .. "$unified/build"
 sed "s,$build/\([^\" ]*/Unity/\),$unified/build/\1,g" "$build/compile_commands.json" \
     >"$unified/compile_commands.json"
-# Generated sources have nobody to mend them. That no source includes another: check-layers.sh.
+# Generated sources are left out. check-layers.sh checks that no source includes another, which a
+# unity build does.
 "$1" -quiet -p "$unified" -checks=-bugprone-suspicious-include '^((?!_autogen/).)*\.c(pp|xx)$'

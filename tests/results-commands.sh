@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# What OrvantaResults does without a display, with two series that the demo saved: what it writes,
-# and the exit status.
+# Checks what OrvantaResults does without a display, with two series that the demo saved: its output
+# and its exit status.
 # Usage: results-commands.sh EXECUTABLE SCRATCH FOLDER FOLDER
 set -euo pipefail
 
@@ -10,11 +10,12 @@ series=("$3" "$4")
 unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM
 rm -rf -- "$scratch"
 mkdir -p -- "$scratch/empty folder"
-# Series without their traces, one with a value that is none.
+# Two series without traces, one of them with a value that is not a number.
 cp "${series[0]}"/*_Results.txt "$scratch/untraced_Results.txt"
 sed '1s/: [^ ]*/: nan/; 2s/: .*/: nan/' "${series[0]}"/*_Results.txt >"$scratch/flagged_Results.txt"
 
-# expect STATUS LINE ARGUMENT...: one line of the output or of the complaints is like LINE.
+# expect STATUS LINE ARGUMENT...: checks the status, and that a line of the output or of the error
+# output matches LINE.
 expect() {
     local status=0
     "$executable" "${@:3}" >"$scratch/out" 2>&1 || status=$?

@@ -9,7 +9,7 @@ fail() {
     echo "Wrong: $*" >&2
     exit 1
 }
-# expect_colour PICTURE COLOUR: there are as many pixels of it as data make.
+# expect_colour PICTURE COLOUR: fails unless the picture has as many pixels of it as data make.
 expect_colour() {
     local pixels
     pixels=$(convert "$1.png" -alpha off -depth 8 -format %c histogram:info:- |

@@ -36,7 +36,7 @@ expect(not list((folder / ".desktop-session/tmp").iterdir()), "temporary files a
 
 
 def pixels(picture, colour, *crop):
-    """Count the pixels of a colour, about."""
+    """Count the pixels of roughly this colour."""
     histogram = subprocess.check_output(
         ["convert", folder / picture, *crop, "-alpha", "off", "-depth", "8", "-fuzz", "8%",
          "-fill", colour, "-opaque", colour, "-format", "%c", "histogram:info:-"], text=True)
@@ -50,6 +50,6 @@ for picture in "ready.png", "graph.png":
     corner = ("-gravity", "NorthWest", "-crop", "40x26+0+0")
     expect(pixels(picture, "#16324A", *corner) >= 40, f"no icon in {picture}")
 
-# The program's own complaints, and those of its sanitizers and of Qt.
+# The program's log: no complaints of its sanitizers or of Qt.
 log = (folder / "program.log").read_text()
 expect(not re.search(r"Sanitizer|runtime error:|^Q\w+::", log, re.M), log)

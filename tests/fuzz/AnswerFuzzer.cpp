@@ -1,4 +1,4 @@
-// An instrument on the network that answers what it likes.
+// The client of VXI-11, against an instrument that answers anything.
 
 #include "Require.h"
 #include "tests/ScriptedHost.h"

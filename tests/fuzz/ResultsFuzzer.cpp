@@ -1,4 +1,4 @@
-// Results files with whatever in them: what can be read of them, and what becomes of that.
+// Reading results files and traces with any content, and the texts made from them.
 
 #include "analysis/Csv.h"
 #include "analysis/SeriesFiles.h"

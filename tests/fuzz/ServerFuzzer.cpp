@@ -1,4 +1,4 @@
-// A client on the network that calls whatever it likes.
+// The server of VXI-11, against a client that calls anything.
 
 #include "Require.h"
 #include "simulator/server/CoreChannel.h"

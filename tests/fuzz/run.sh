@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Fuzzes with one target for some seconds; any finding fails, and its input is left in the scratch
-# folder, which is made anew.
+# Fuzzes one target for some seconds. A finding makes it fail, and leaves the input in the scratch
+# folder, which is emptied first.
 # Usage: run.sh PROGRAM SCRATCH SECONDS [LIBFUZZER-OPTION...]
 set -euo pipefail
 
@@ -9,7 +9,7 @@ shift 3
 
 rm -rf "$scratch"
 mkdir -p "$scratch/corpus"
-# The target's own files go however it ends.
+# The target's own files are removed however it ends.
 TMPDIR=$(mktemp -d)
 export TMPDIR
 suppressions=$(dirname "$(realpath "$0")")/../leaks.supp

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compares what Orvanta measured on the network in FOLDER with the truth that the bench told.
+"""Compares what Orvanta measured on the network in FOLDER with the delays that the bench reported.
 Usage: check-network.py FOLDER"""
 import pathlib
 import sys

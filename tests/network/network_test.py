@@ -180,7 +180,7 @@ exec "{BENCH}" --address {address}"""
         self.assertEqual(records.readline(), b"0.123\n")
         other.sendall(b"*RST\n")
 
-    def test_who_waits_is_told(self):
+    def test_waiting_clients_go_on(self):
         waiting, answers = self.connect(places["scope"])
         waiting.sendall(b"BENCH:FAULT TRIG;:SING;*TRG;*OPC?\n")
         other, _ = self.connect(places["scope"])

@@ -42,7 +42,7 @@ click Start
 close_graph
 ask_scope 'BENCH:EVENT?' >"$folder/truth"
 
-# Whatever is pressed while a series runs or an instrument is set up must be lost.
+# Clicks and keys during a series or a set-up must have no effect.
 enter MeasCnt 3 # the records alone take 3.6 seconds
 click Start
 for widget in Start OsInit Start Cancel MeasCnt; do

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Checks that what a Debian package tells the desktop leads to what is in it, and that it does not
-tell where it was built. Usage: check-contents.py PACKAGE SOURCE-FOLDER"""
+"""Checks that the files that a Debian package names to the desktop are in it, and that no file holds
+the path where it was built. Usage: check-contents.py PACKAGE SOURCE-FOLDER"""
 import configparser
 import pathlib
 import subprocess
@@ -23,6 +23,6 @@ with tempfile.TemporaryDirectory() as folder:
         for launchable in ElementTree.parse(metainfo).iter("launchable"):
             wanted.append(share / "applications" / launchable.text)
     wrong = [f"not in the package: {path}" for path in wanted if not path.is_file()]
-    wrong += [f"tells where it was built: {path}" for path in pathlib.Path(folder).rglob("*")
+    wrong += [f"holds the path where it was built: {path}" for path in pathlib.Path(folder).rglob("*")
               if path.is_file() and sys.argv[2].encode() in path.read_bytes()]
     sys.exit("\n".join(wrong) if wrong or not wanted else None)

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Has piuparts install the package on a minimal system from this system's own archive, start the demo
-# there, and purge the package without a trace. Exits with 77 where no such system can be made.
+# Lets piuparts install the package on a minimal system from this system's own archive, start the
+# demo there, and check that purging the package leaves nothing. Exits with 77 if no such system can
+# be made.
 # Usage: piuparts.sh PACKAGE
 set -euo pipefail
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Holds the statuses and attributes of VISA, as headers of FOLDER define them, against PyVISA's.
+"""Compares the statuses and attributes of VISA that headers of FOLDER define with PyVISA's.
 Usage: constants_test.py FOLDER"""
 import pathlib
 import re
