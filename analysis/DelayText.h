@@ -6,8 +6,9 @@
 /// between two samples, in milliseconds.
 constexpr double usualStep = 0.1;
 
-/// Returns milliseconds as text, with one decimal more than their step (in milliseconds) needs: two
-/// for steps of 0.1 and of 0.05. A rounded zero has no minus sign. NaN gives "-".
+/// Returns milliseconds as text. The number of decimals depends on their step (in milliseconds):
+/// one for 1, two for 0.1 and 0.05, three for 0.01. A rounded zero has no minus sign. NaN gives
+/// "-".
 QString delayText(double milliseconds, double step);
 
 /// Returns the name of a delay, such as "Source to RF".

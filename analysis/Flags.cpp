@@ -35,7 +35,7 @@ QVector<Axis> possibleAxes(const Recognition &recognition)
     for (const OscilloscopeType type : {OscilloscopeType::Kvx, OscilloscopeType::Lpa4004}) {
         if (type == recognition.type.value_or(type)) {
             const double end = recordSpan(type) / 2 * milliseconds;
-            // A last record without a source edge leaves the trigger, which is near the edge.
+            // Without a source edge in the last record, the trigger (0) stands for it.
             axes += {end, std::abs(source) < end ? source : 0.0};
         }
     }
@@ -78,7 +78,7 @@ void flagStuck(const QVector<double> &values, QVector<Flags> *flags)
     const QVector<Flags> others = *flags;
     int pairs = 0;
     int equal = 0;
-    QVector<bool> repeats(values.size() + 1); // the value before; the last one ends a run
+    QVector<bool> repeats(values.size() + 1); // [i]: value i is the one before again
     for (int i = 1; i < values.size(); ++i) {
         const bool isPair = !others[i - 1] && !others[i];
         repeats[i] = isPair && values[i] == values[i - 1];

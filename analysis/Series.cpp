@@ -65,32 +65,32 @@ LoadedSeries loadSeries(const QStringList &filesAndFolders)
     return loaded;
 }
 
-bool loadRecord(const QString &fileName, Record *record, QString *reason)
+bool loadRecord(const QString &fileName, Record *record, QString *problem)
 {
     *record = {};
-    reason->clear();
-    // When several are missing, the reason names the source's, which comes last.
+    problem->clear();
+    // When several are missing, the problem names the source's, which comes last.
     for (const auto &[name, trace] : {std::pair("snk", &record->sink), std::pair("rf", &record->rf),
                                       std::pair("src", &record->source)}) {
         const QFileInfo file(traceFile(fileName, name));
         int count = 0;
         // Reading something else than a file might never end.
         if (!file.isFile() || loadTrace(file.filePath(), trace, &count) != 0) {
-            *reason = QString("The trace %1 cannot be read.").arg(file.fileName());
+            *problem = QString("The trace %1 cannot be read.").arg(file.fileName());
         } else if (file.size() % static_cast<qint64>(sizeof(double)) != 0) {
-            *reason = QString("The trace %1 is broken: %2 bytes are no whole number of samples.")
-                          .arg(file.fileName(), QString::number(file.size()));
+            *problem = QString("The trace %1 is broken: %2 bytes are no whole number of samples.")
+                           .arg(file.fileName(), QString::number(file.size()));
         }
     }
     record->samples = record->source.size();
-    if (reason->isEmpty() &&
+    if (problem->isEmpty() &&
         (record->rf.size() != record->samples || record->sink.size() != record->samples)) {
-        *reason = QString("The traces are broken: source, RF and sink have %1, %2 and %3 samples.")
-                      .arg(record->source.size())
-                      .arg(record->rf.size())
-                      .arg(record->sink.size());
+        *problem = QString("The traces are broken: source, RF and sink have %1, %2 and %3 samples.")
+                       .arg(record->source.size())
+                       .arg(record->rf.size())
+                       .arg(record->sink.size());
     }
-    return reason->isEmpty();
+    return problem->isEmpty();
 }
 
 int flaggedCount(const Series &series)

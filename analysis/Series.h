@@ -11,7 +11,7 @@ struct Series
     QString fileName;
     QDateTime time; ///< local; invalid when the file's name has none
     SeriesResults results;
-    bool hasReadTraces = false; ///< until then the next two say nothing
+    bool hasReadTraces = false; ///< until then, samples and oscilloscope are not set
     int samples = 0;            ///< of the last record; 0 without one
     Recognition oscilloscope;
     SeriesFlags flags;
@@ -39,7 +39,7 @@ LoadedSeries loadSeries(const QStringList &filesAndFolders);
 
 /// Load the traces of a series' last record. Returns false and a sentence when they cannot be read
 /// or differ in length; the record then holds those traces that can be read.
-bool loadRecord(const QString &fileName, Record *record, QString *reason);
+bool loadRecord(const QString &fileName, Record *record, QString *problem);
 
 /// Returns the number of values that have flags.
 int flaggedCount(const Series &series);

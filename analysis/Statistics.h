@@ -19,7 +19,7 @@ struct Statistics
     double p5 = none;          ///< from 20 values on
     double p95 = none;         ///< from 20 values on
     double p99 = none;         ///< from 100 values on
-    double correlation = none; ///< of each value with the one before, from 5 values on
+    double correlation = none; ///< of each value with the one before, from 5 unequal values on
 
     [[nodiscard]] double peakToPeak() const { return maximum - minimum; }
 };
@@ -28,5 +28,6 @@ struct Statistics
 Statistics computeStatistics(const QVector<double> &values);
 
 /// Returns a percentile, given in thousandths (500 for the median), of values in ascending order:
-/// the smallest value that at least this share of them does not exceed. There must be a value.
+/// the smallest value v for which at least this share of the values is v or less. There must be a
+/// value.
 double nearestRank(const QVector<double> &sorted, int perMille);

@@ -88,11 +88,10 @@ QString oscilloscopeLine(const Series &series)
     }
     if (!series.oscilloscope.type) {
         return QString("%1: %2\n")
-            .arg(
-                series.oscilloscope.contradicts
-                    ? "WRONG DELAYS"
-                    : "Oscilloscope type unknown, so the ends of both types' time axes are flagged",
-                series.oscilloscope.remark);
+            .arg(series.oscilloscope.contradicts ? "WRONG DELAYS"
+                                                 : "Oscilloscope type unknown, so delays at the "
+                                                   "ends of both types' axes are flagged",
+                 series.oscilloscope.remark);
     }
     const double step = delayStep(series, SourceToRf);
     return QString("Oscilloscope %1, records of %2 samples; resolution: step %3 ms, "
@@ -118,21 +117,21 @@ QString warningLines(const Series &series, const QString &name)
 }
 
 /// Returns a warning when neighbouring values are correlated; otherwise an empty text. The interval
-/// supposes independent measurements, so it is then too narrow.
+/// assumes independent measurements: it is too narrow for values that resemble their neighbours.
 QString dependenceLine(const Series &series, const QString &name, DelayKind kind)
 {
     constexpr double negligible = 0.2;
     const Statistics statistics = computeStatistics(selectValues(series, kind, Select::Unflagged));
-    if (!(std::abs(statistics.correlation) > negligible)) {
+    if (!(std::abs(statistics.correlation) > negligible)) { // or there are too few values
         return {};
     }
     QString line =
         QString("Warning: %1 of %2: the interval is too narrow because the measurements "
                 "depend on each other (lag-1 correlation %3)")
             .arg(delayName(kind), name, delayText(statistics.correlation, correlationStep));
-    // Chance alone brings more than this in one of twenty series of independent values.
+    // In one of twenty series of independent values, chance exceeds 2 / sqrt(n).
     if (std::abs(statistics.correlation) <= 2.0 / std::sqrt(statistics.n)) {
-        line += QString(", unless this is chance, as is common with %1 values").arg(statistics.n);
+        line += QString(", unless this is chance (%1 values)").arg(statistics.n);
     }
     return line + '\n';
 }
@@ -152,7 +151,7 @@ QString verdict(const MedianDifference &found, double step)
     if (found.isFaster()) {
         return interval + "difference shown: faster";
     }
-    return interval + QString("no difference shown (one of %1 ms would have been)")
+    return interval + QString("no difference shown (that takes about %1 ms)")
                           .arg(delayText((found.high - found.low) / 2, step));
 }
 

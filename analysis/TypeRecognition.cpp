@@ -11,8 +11,9 @@ namespace {
 std::optional<Instants> match(const Record &record, const SeriesResults &results,
                               OscilloscopeType type)
 {
-    // The instant of a missing edge is computed in the first record of a session. In later records
-    // it is the start of the next time axis. Both are tried, the costlier one last.
+    // A session's time axes follow one another. In its first record the instant of a missing edge
+    // (index n) is computed; in later records there is an axis more, whose start it is. Both are
+    // tried, the costlier one last.
     QVector<double> axes;
     for (const int axisCount : {0, 2}) {
         for (int i = 0; i < axisCount; ++i) {
@@ -52,9 +53,10 @@ Recognition recogniseType(const Record &record, const SeriesResults &results)
     }
     if (matches == 0) {
         found.contradicts = true;
-        found.remark = "The traces give the saved delays with neither oscilloscope type: the type "
-                       "or the record length was changed within the session, or a file was changed "
-                       "later. The saved delays are wrong.";
+        found.remark =
+            "Neither oscilloscope type gives the saved delays from these traces: the type "
+            "or the record length was changed within the session, or a file was changed "
+            "later. Do not use the saved delays.";
     }
     return found;
 }

@@ -13,7 +13,7 @@ struct Recognition
     std::optional<OscilloscopeType> type;
     Instants instants;        ///< of the last record, when the type is known
     QString remark;           ///< a sentence that says why the type is not known
-    bool contradicts = false; ///< the saved delays are wrong: the record gives others
+    bool contradicts = false; ///< neither type gives the saved delays
 };
 
 /// Find the oscilloscope type with which the last record gives the last saved delays.

@@ -7,7 +7,7 @@
 /// object is made (Qt documentation, "High DPI Displays").
 void scaleFormsWithScreen();
 
-/// Show text whose size a form sets in points with that size in pixels. Other text has the
-/// platform's size, or a smaller one that fits the forms. Call it right after the application
-/// object is made: before that, Qt does not know the platform's style.
+/// Take font sizes that a form sets in points for sizes in pixels. Other text has the platform's
+/// size, or a smaller one that fits the forms. Call it right after the application object is made:
+/// before that, Qt does not know the platform's style.
 void fitTextToForms();

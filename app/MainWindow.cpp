@@ -23,7 +23,7 @@
 
 namespace {
 
-// The text of an Init button is the only record of an instrument's readiness.
+// Only the text of an Init button says whether its instrument is ready.
 const QString notReadyText = QStringLiteral("Init");
 const QString readyText = QStringLiteral("Ready");
 
@@ -112,8 +112,8 @@ int MainWindow::Meas(QVector<double> *d1, QVector<double> *d2, QVector<double> *
     settings.save = ui->SaveData->checkState() != Qt::Unchecked;
     settings.filePrefix = settingsDirectoryName;
 
-    // The run works on its own values. Only here they are taken from the globals, and put back. The
-    // axis t is the parameter, which Start sets to the global of that name.
+    // runSeries() knows no globals: they are moved into a record here, and back afterwards. The
+    // parameters point to the global traces and to the global t, which the parameter t hides.
     Record record{std::move(*d1), std::move(*d2), std::move(*d3),
                   std::move(*t),  NSmp,           {t_src, t_rf, t_snk}};
     SeriesResults results;
@@ -173,8 +173,8 @@ void MainWindow::on_SaInit_clicked()
     settings.resource = ui->SaIp->text();
     settings.centerFrequency = ui->SaFrq->text().toDouble();
     settings.oscilloscopeType = chosenOscilloscopeType();
-    // The panel's Reset box is not read: the analyzer is never reset. Nor is the IF/video box: the
-    // analyzer's IF output is on whether the oscilloscope uses it or not.
+    // The panel's Reset and IF/video boxes are not read: the analyzer is never reset, and its IF
+    // output, if it has one, is on even when the oscilloscope does not use it.
     showOutcome(ui->SaInit, setUpSpectrumAnalyzer(resourceManager, settings, &spectrumAnalyzer));
     UndimStart();
 }

@@ -17,11 +17,12 @@ class MainWindow : public QMainWindow
     Q_OBJECT
 
 public:
-    /// Bind the VISA library and load the settings. Without VISA a message box says so, and then no
+    /// Bind the VISA library and load the settings. Without VISA two message boxes say so, and no
     /// Init succeeds.
     explicit MainWindow(QWidget *parent = nullptr);
 
-    /// Close the instruments and save the settings.
+    /// Close the sessions, that of the video analyzer only if its box is checked, and save the
+    /// settings.
     ~MainWindow() override;
 
 public slots:
@@ -40,7 +41,8 @@ private slots:
     // runSeries(), which calls queryTrace() and computeDelays() itself. So a change to
     // CalcDeltaT2(), ReadArray() or IntReadArray() does not change what Start does.
 
-    /// Run the series of measurements that the window describes: runSeries().
+    /// Call runSeries() with the window's settings, and return what it returns. The vectors receive
+    /// the last record: source, RF, sink, time axis.
     int Meas(QVector<double> *d1, QVector<double> *d2, QVector<double> *d3, QVector<double> *t);
     /// Call computeDelays(), and set the global instants and the two delays (milliseconds).
     void CalcDeltaT2(int pts, QVector<double> *d1, QVector<double> *d2, QVector<double> *d3,

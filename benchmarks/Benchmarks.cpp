@@ -1,4 +1,4 @@
-// What a measurement costs, beside a floor that nothing can go below.
+// What a measurement costs, beside its floor: the cost of the input and output alone.
 
 #include "benchmarks/CannedVisa.h"
 #include "measurement/MeasurementRun.h"
@@ -62,7 +62,7 @@ void measurement(benchmark::State &state, OscilloscopeType type)
     }
 }
 
-/// The floor of a measurement: its commands and their answers, each block by a file.
+/// The floor of a measurement: its commands and their answers, each block through a file in memory.
 void measurementFloor(benchmark::State &state, OscilloscopeType type)
 {
     QByteArrayList commands;

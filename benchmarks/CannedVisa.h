@@ -42,7 +42,7 @@ public:
 private:
     static ViStatus take(ViUInt32 count, ViUInt32 *returnedCount, QByteArray *bytes)
     {
-        const int size = qMin(int(count), unread.size() - position);
+        const auto size = int(qMin<qint64>(count, unread.size() - position));
         *bytes = QByteArray::fromRawData(unread.constData() + position, size);
         position += size;
         if (returnedCount != nullptr) {

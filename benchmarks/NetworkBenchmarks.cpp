@@ -1,5 +1,5 @@
-// What a query and a block cost over VXI-11, beside the same bytes through a bare socket. It needs
-// port 111 of a network of its own. Usage: network-benchmarks LIBRARY
+// What a query and a block cost over VXI-11, beside the same bytes through a bare socket. Run it in
+// a network of its own, since it listens at port 111. Usage: network-benchmarks LIBRARY
 
 #include "instrument/InstrumentIo.h"
 #include "instrument/VisaBinding.h"
@@ -16,8 +16,8 @@ namespace vxi11 = wire::vxi11;
 const std::string idnAnswer(28, 'a');
 const std::string dataAnswer(80008, 'b');
 
-/// Answers a read to the query that was written last. The records are made once, as hosts have them
-/// ready.
+/// Answers a read to the query that was written last. The answers are encoded once, so that the
+/// benchmark does not measure that.
 ScriptedHost::Pieces answer(const wire::RpcCall &call)
 {
     static const std::string idn = ScriptedHost::data(call, idnAnswer, vxi11::EndIndicator).front();

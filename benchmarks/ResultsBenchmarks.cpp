@@ -1,4 +1,4 @@
-// What it costs to look at saved series, beside the floors that nothing can go below.
+// What it costs to look at saved series, beside the floor: the cost of reading alone.
 
 #include "analysis/Summary.h"
 #include "measurement/TraceFile.h"

@@ -12,8 +12,8 @@
 /// The logging category "orvanta.visa".
 Q_DECLARE_LOGGING_CATEGORY(exchangeLog)
 
-/// Log a VISA call that has just returned: when it began, its session, its function, what it
-/// carried, the name of its status, and how many milliseconds it took.
+/// Log a VISA call that has just returned: when it began, its session, its function, its data, the
+/// name of its status, and how many milliseconds it took.
 void logCall(const char *function, ViObject session, const QByteArray &content, ViStatus status,
              const QElapsedTimer &sinceStart);
 

@@ -18,7 +18,7 @@ template <std::size_t Size>
 using ReplyBuffer = std::array<char, Size + 1>;
 
 /// Make a VISA call, and log it when the log is on. Returns VI_ERROR_LIBRARY_NFOUND when the entry
-/// point is null. content() returns what the call carried, for the log.
+/// point is null. content() returns the data of the call, for the log.
 template <typename Content, typename... Parameters, typename... Arguments>
 ViStatus call(const char *name, const ViObject *session, const Content &content,
               ViStatus (*entryPoint)(Parameters...), Arguments... arguments)
@@ -41,7 +41,8 @@ QByteArray nothing()
     return {};
 }
 
-/// Returns where a read counts its bytes: the log needs the number even if the caller does not.
+/// Returns the counter to pass to a VISA read: the caller's, or `own` if the caller passed null and
+/// the log needs the number.
 ViUInt32 *counter(ViUInt32 *callers, ViUInt32 *own)
 {
     return callers == nullptr && exchangeLog().isDebugEnabled() ? own : callers;
@@ -163,7 +164,8 @@ ViStatus iaStatusDesc(ViSession session, ViStatus status, QString *text)
 
 ViStatus iaPrintf(ViSession session, const QString &command)
 {
-    // The count is the number of characters. If the encoding makes fewer bytes, zeros follow.
+    // The count is the number of characters. An encoding with fewer bytes is filled up with zeros,
+    // one with more is cut off. Commands are ASCII, where both numbers are the same.
     QByteArray bytes = command.toLocal8Bit().leftJustified(command.size(), '\0');
     return iaWrite(session, reinterpret_cast<unsigned char *>(bytes.data()),
                    static_cast<ViUInt32>(command.size()), nullptr);

@@ -5,8 +5,9 @@
 #include <QString>
 
 // Thin layer over the VISA entry points. Every function but rstrip() returns a VISA status: 0 is
-// success, negative an error, positive a success with a remark. While its entry point is null, a
-// function does nothing and returns VI_ERROR_LIBRARY_NFOUND. None shows a message or throws.
+// success, negative an error, positive a completion code or a warning. While its entry point is
+// null, a function does nothing and returns VI_ERROR_LIBRARY_NFOUND. None shows a message or
+// throws.
 //
 // The names iaPrintf, iaQueryf and iaScanf do not stand for formatted I/O: they call viWrite() and
 // viRead() only. Commands are sent unchanged, so each must end in "\n". Text is in the local 8-bit
@@ -66,8 +67,8 @@ ViStatus iaQueryf_f(ViSession session, const QString &command, double *value);
 /// Write a command and read a whole number of at most 100 bytes; otherwise like iaQueryf_s().
 ViStatus iaQueryf_i(ViSession session, const QString &command, int *value);
 
-/// Read a character code as decimal text and set the reply to that one character, of which the low
-/// eight bits count. The reply is set whatever the read returns.
+/// Read a character code as decimal text, and set the reply to the character with this code modulo
+/// 256. The reply is set whatever the read returns.
 ViStatus iaScanf_s(ViSession session, QString *reply);
 
 /// Read a number of at most 100 bytes. The value is set whatever the read returns.

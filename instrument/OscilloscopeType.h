@@ -1,14 +1,15 @@
 #pragma once
 
-/// The command dialects of oscilloscopes. Wherever they differ there is a switch without a default,
-/// so that the compiler names all these places when a dialect is added.
+/// The types of oscilloscopes; each has its own dialect of commands. Code that depends on the type
+/// switches on it without a default, so that the compiler names these switches when a type is
+/// added.
 enum class OscilloscopeType
 {
     Kvx,
     Lpa4004,
 };
 
-/// Returns how long a record of the dialect lasts, in seconds; the trigger is in its middle.
+/// Returns how long a record of the type lasts, in seconds; the trigger is in its middle.
 constexpr double recordSpan(OscilloscopeType type)
 {
     double span = 0.0;

@@ -4,7 +4,7 @@ namespace {
 
 constexpr double sourceRise = 0.035; // volts above the record's first sample
 constexpr double rfLevel = 0.05;     // of the envelope's 0 .. 0.2
-constexpr int rfRunLength = 8;       // samples: longer than a beacon
+constexpr int rfRunLength = 8;       // samples: a Wi-Fi beacon has fewer in usual records
 constexpr double sinkLevel = 0.06;   // volts
 constexpr double millisecondsPerSecond = 1000.0;
 
@@ -56,7 +56,6 @@ Delays computeDelays(int n, const QVector<double> &source, const QVector<double>
     const int s = sourceEdge(n, source);
     const Instants at = {instant(s), sampleInstant(rfEdge(n, rf, s), n, type),
                          instant(sinkEdge(n, sink))};
-    // An RF instant exactly on the trigger gives the delay 0.
     const double sourceToRf = at.rf == 0.0 ? 0.0 : (at.rf - at.source) * millisecondsPerSecond;
     return {at, sourceToRf, (at.sink - at.source) * millisecondsPerSecond};
 }

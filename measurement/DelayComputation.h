@@ -11,11 +11,12 @@ struct Delays
 };
 
 /// Find the edges in a record of n samples and compute the delays. The source edge is where the
-/// source rises above its first sample. The RF edge is the first of eight RF samples in a row above
-/// a threshold, from the source edge on. The sink edge is where the sink reaches its level. Source
-/// and sink are in volts, the RF envelope is normalised to 0 .. 0.2, the time axis is in seconds.
-/// A missing edge counts as index n. Where the axis has no value for an index, the instant is
-/// computed for the oscilloscope type.
+/// source has risen by 35 mV above its first sample. The RF edge is the first of eight RF samples
+/// in a row above a threshold, from the source edge on. The sink edge is where the sink reaches 60
+/// mV. Source and sink are in volts, the RF envelope is normalised to 0 .. 0.2, the time axis is in
+/// seconds. A missing edge counts as index n. The instants of source and sink are read from the
+/// time axis, and computed for the oscilloscope type where it is too short; that of RF is always
+/// computed.
 Delays computeDelays(int n, const QVector<double> &source, const QVector<double> &rf,
                      const QVector<double> &sink, const QVector<double> &time,
                      OscilloscopeType type);

@@ -13,7 +13,7 @@
 
 namespace {
 
-// A source record must start between these levels (volts, both excluded).
+// A source trace must start between these levels (volts, both excluded).
 constexpr double lowestStart = -0.05;
 constexpr double highestStart = 0.3;
 
@@ -54,7 +54,8 @@ void acquireLpa4004(const SeriesSettings &settings, Record *record)
     }
 }
 
-/// Take one record: arm the analyzer, trigger the oscilloscope, fetch the source.
+/// Take one record: end the analyzer's continuous sweeps, trigger the oscilloscope, fetch the
+/// source.
 void acquire(const SeriesSettings &settings, Record *record)
 {
     if (sendOrStop(settings.spectrumAnalyzer, {"INIT:CONT OFF;*OPC?\n"}) != VI_SUCCESS) {
@@ -70,8 +71,8 @@ void acquire(const SeriesSettings &settings, Record *record)
     }
 }
 
-/// An empty trace is accepted: otherwise an oscilloscope that never answered would keep the run in
-/// its loop for ever.
+/// Returns whether a source trace starts at a plausible level. An empty trace is accepted:
+/// otherwise an oscilloscope that never answered would keep the series in its loop for ever.
 bool isPlausible(const QVector<double> &source)
 {
     return source.isEmpty() || (source[0] > lowestStart && source[0] < highestStart);
@@ -87,7 +88,8 @@ void fetchRf(const SeriesSettings &settings, Record *record)
     }
 }
 
-/// Read the HDMI delay in milliseconds, if the video analyzer reports that it has one.
+/// Read the HDMI delay in milliseconds, if the video analyzer reports that it has one. It is asked
+/// for the number of measurements, too; only a failure of that query counts.
 void readHdmiDelay(ViSession videoAnalyzer, double *delay)
 {
     int state = 0;

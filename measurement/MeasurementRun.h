@@ -20,13 +20,13 @@ struct SeriesSettings
     QString filePrefix;              ///< start of all file names, without a separator
 };
 
-/// Run a series of measurements. *record is the record that the last series left, and is replaced
-/// by the last one of this series. *results receives the delays of each measurement and their
-/// means.
+/// Run a series of measurements. *record is what the previous series left. Each measurement
+/// replaces the traces that it can read, and appends to the time axes. *results receives the delays
+/// of each measurement (HDMI: 0 when none is read) and their means.
 ///
-/// When an exchange fails, the rest of its acquisition is left out and the measurement goes on with
-/// the traces that are there. A record whose source starts implausibly is taken again, without a
-/// limit.
+/// When an exchange of an acquisition fails, the rest of the acquisition is left out, except after
+/// "SING". The measurement goes on with the traces that are there. A record whose first source
+/// sample is implausible is taken again, without a limit.
 ///
 /// Returns 0, or -1 when the results file cannot be written; then no trace file is written either.
 int runSeries(const SeriesSettings &settings, Record *record, SeriesResults *results);

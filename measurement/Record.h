@@ -21,7 +21,7 @@ struct Record
     QVector<double> source; ///< volts
     QVector<double> rf;     ///< normalised to 0 .. 0.2
     QVector<double> sink;   ///< volts
-    QVector<double> time;   ///< seconds; the axes of all records attempted, this one last
+    QVector<double> time;   ///< seconds; an axis for each record attempted; delays use the first
     int samples = 0;        ///< of one record; source, rf and sink are used up to this count
     Instants instants;      ///< of its edges
 };

@@ -19,7 +19,7 @@ fi
 desktop=$(realpath -- "$(dirname "$0")/desktop")
 operator=$(realpath -- "${4:-$desktop/operate.sh}")
 
-# Files of the session itself. Where they are, a later session may empty the folder.
+# The session's own files. A later session may empty a folder that has them.
 private=$folder/.desktop-session
 if [[ -e $private ]]; then
     rm -rf -- "$folder"

@@ -32,7 +32,7 @@ ViStatus setUpKvx(ViSession session, double triggerLevel, bool rfFromOscilloscop
     const QStringList timeBase = {
         "TIM:SCAL 100e-3;TIM:REF 50;TRIG3:OFFS:LIM 0;*OPC?\n",
     };
-    // clang-format off: a command a line
+    // clang-format off: keep the commands in columns
     const QStringList triggerAndExport = {
         "CHAN3:SCAL 200e-3;*OPC?\n",    "CHAN:DIGF:CUT 100e3;*OPC?\n",
         "CHAN1:BAND B20;*OPC?\n",       "TRIG1:LEV1 " + numberText(triggerLevel) + ";*OPC?\n",
@@ -45,10 +45,10 @@ ViStatus setUpKvx(ViSession session, double triggerLevel, bool rfFromOscilloscop
 
     ViStatus status = sendOrStop(session, recordAndChannels);
     if (status == VI_SUCCESS && rfFromOscilloscope) {
-        status = sendOrFallBack(session, ifChannel);
+        status = sendOrFallBack(session, ifChannel); // the first one alone, if it succeeds
     }
     if (status != VI_SUCCESS) {
-        return status; // without Go To Local; later failures get it
+        return status; // without Go To Local, which is sent from here on only
     }
     sendIgnoringFailure(session, timeBase);
     status = sendOrStop(session, triggerAndExport);
@@ -107,7 +107,8 @@ ViStatus setUpOscilloscope(ViSession resourceManager, const OscilloscopeSettings
     if (status == VI_SUCCESS && settings.reset) {
         sendIgnoringFailure(*session, {"*RST;*OPC?\n"});
     }
-    // Sent whatever the status is so far. Without a session the first command fails.
+    // These commands are sent even if a step before failed, and its status is dropped. Without a
+    // session the first command fails.
     switch (settings.oscilloscopeType) {
     case OscilloscopeType::Kvx:
         status = setUpKvx(*session, settings.triggerLevel, settings.rfFromOscilloscope);

@@ -14,12 +14,12 @@ namespace simulator {
 class Bench
 {
 public:
-    /// Durations of the instruments are multiplied by the time scale. With 0 nothing takes time.
+    /// The time scale is that of the devices: with 0 nothing takes time.
     explicit Bench(double timeScale = 0.0);
 
     /// Find a device by its name, in any letter case; null when there is none.
     [[nodiscard]] Device *find(std::string_view name) const;
-    /// Returns all devices in the handbook's order.
+    /// Returns all devices, in the order of the table in docs/simulated-bench.md.
     [[nodiscard]] const std::vector<std::unique_ptr<Device>> &devices() const { return all; }
 
     RadioLink &radioLink() { return link; }

@@ -25,16 +25,16 @@ Device::Device(std::string name, std::unique_ptr<Instrument> instrument, double 
 {
     this->instrument->onCommand(
         "BENCh:FAULt", {1, 2},
-        [this](const Instrument::Call &call, std::string *) { return order(call); });
+        [this](const Instrument::Call &call, std::string *) { return injectFault(call); });
 }
 
-Error Device::order(const Instrument::Call &call)
+Error Device::injectFault(const Instrument::Call &call)
 {
     struct Fault
     {
         const char *name;
         const char *unit; // of its parameter; null when it has none
-        std::function<void(double)> order;
+        std::function<void(double)> inject;
     };
     const std::array<Fault, 6> all{{
         {"LATE", "S", [&](double seconds) { faults.late = inSeconds(seconds); }},
@@ -61,11 +61,11 @@ Error Device::order(const Instrument::Call &call)
             return error;
         }
     }
-    fault->order(number);
+    fault->inject(number);
     return scpi::noError;
 }
 
-void Device::finish(std::string *answer)
+void Device::applyTiming(std::string *answer)
 {
     const Clock::time_point now = Clock::now();
     const double seconds = instrument->takeDuration();

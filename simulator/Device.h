@@ -17,11 +17,11 @@ using Clock = std::chrono::steady_clock;
 constexpr Clock::time_point never = Clock::time_point::max();
 
 /// An instrument of the bench as its clients see it. Its records and sweeps take time, one client
-/// may lock it, and BENCh:FAULt orders faults. Only one thread may use it at a time.
+/// may lock it, and BENCh:FAULt injects faults. Only one thread may use it at a time.
 class Device
 {
 public:
-    /// The faults that BENCh:FAULt has ordered.
+    /// The faults that BENCh:FAULt has injected.
     struct Faults
     {
         bool connectionLost = false;         ///< the next client to call loses its connection
@@ -31,18 +31,19 @@ public:
         std::optional<std::size_t> cutAt;    ///< bytes that are left of the next longer answer
     };
 
-    /// Durations are multiplied by the time scale. With 0 nothing takes time.
+    /// The time scale multiplies the durations of records and sweeps. With 0 they and all time-outs
+    /// end at once. The times of faults are not scaled.
     Device(std::string name, std::unique_ptr<Instrument> instrument, double timeScale);
 
-    /// Let the record or sweep that a message started take its time from now on. Apply the ordered
+    /// Begin the duration of the record or sweep that a message has started, and apply the injected
     /// faults to the answer.
-    void finish(std::string *answer);
+    void applyTiming(std::string *answer);
 
     /// Returns the instant at which a client can use the device, as far as locks go; `never` while
     /// that is not known.
     [[nodiscard]] Clock::time_point freeAt(const MessageExchange *client) const;
 
-    /// Returns the instant at which a wait that began then times out.
+    /// Returns the instant at which a wait that began at `began` times out.
     [[nodiscard]] Clock::time_point timeOut(Clock::time_point began,
                                             std::uint32_t milliseconds) const;
 
@@ -55,7 +56,7 @@ public:
     Clock::time_point readyAt; ///< from when answers can be read
 
 private:
-    Error order(const Instrument::Call &call);
+    Error injectFault(const Instrument::Call &call);
 
     double timeScale;
 };

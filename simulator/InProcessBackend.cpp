@@ -13,7 +13,8 @@ namespace {
 using simulator::Clock;
 using simulator::MessageExchange;
 
-/// The bench of the process, on which nothing takes time. Its users hold the mutex.
+/// The bench of the process, on which nothing takes time. VISA calls to its instruments hold the
+/// mutex.
 struct ProcessBench
 {
     simulator::Bench bench;

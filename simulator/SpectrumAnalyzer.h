@@ -17,9 +17,9 @@ constexpr AnalyzerDialect spaDialect{"Varnholt,SPA26,100201,1.00", false, true};
 constexpr AnalyzerDialect qanDialect{"Varnholt,QAN40,100202,1.00", true, true};
 constexpr AnalyzerDialect qelDialect{"Varnholt,QEL8,100203,1.00", false, false};
 
-/// A spectrum analyzer in zero span. Its external trigger comes from the oscilloscopes. All
-/// analyzers share the cable to the oscilloscopes' channel 3; it carries the output of the analyzer
-/// that received the last message.
+/// A spectrum analyzer in zero span. Its external trigger comes from the oscilloscopes. The cable
+/// to the oscilloscopes' channel 3 carries the output of one analyzer: of those that have an IF
+/// output, the one that executed the last message.
 class SpectrumAnalyzer : public Instrument
 {
 public:

@@ -12,7 +12,7 @@ Q_DECLARE_METATYPE(Record)
 
 namespace {
 
-/// Values that vary, with one of them at the 51st measurement and the next ones.
+/// Returns 100 varied values, of which `count` from the 51st on are equal.
 Values stuck(int count)
 {
     Values values = varied(100, 120);
@@ -64,7 +64,8 @@ private slots:
         row("cut off in the last number",
             changed("120.2 nan", "12 13").replace("Mean: nan", "Mean: 1"),
             "has a wrong line 6: the mean is not that of the delays: cut off or changed.");
-        row("counts", changed(" 0 0", " 0"), "has lines of different counts: 2, 1 and 2 delays.");
+        row("lines of different lengths", changed(" 0 0", " 0"),
+            "has lines of different counts: 2, 1 and 2 delays.");
         row("no number", changed("46.5", "4x6.5"),
             "has a wrong line 1: \"4x6.5\" is not a number.");
         row("two means", changed("Mean: 0", "Mean: 0 0"),
@@ -94,13 +95,12 @@ private slots:
         row("slower", varied(30, 140), "", ": slower");
         row("few", varied(4, 120), "", "takes 5 values");
         row("flagged", Values{501} + varied(30, 120), "left out: 2",
-            "no difference shown (one of 3.00 ms would");
+            "no difference shown (that takes about 3.00 ms");
         row("drift", drift,
             "too narrow because the measurements depend on each other (lag-1 correlation 0.90)\n",
             ": faster");
         row("few in a drift", drift.mid(25),
-            "(lag-1 correlation 0.40), unless this is chance, as is common with 5 values\n",
-            ": faster");
+            "(lag-1 correlation 0.40), unless this is chance (5 values)\n", ": faster");
     }
     void comparison()
     {
@@ -152,10 +152,11 @@ private slots:
                             const Numbers &flaggedRf, const Numbers &flaggedSink) {
             QTest::newRow(name) << toRf << toSink << flag << flaggedRf << flaggedSink;
         };
-        row("no RF edge in either record, once no sink edge", {501, 501}, {501, 120},
-            Flag::EndOfAxis, {1, 2}, {1});
-        row("no source edge, at first and with more axes", {0, 1001, 45}, {-381, 620, 120},
-            Flag::NoSource, {1, 2}, {1, 2});
+        // KVx with 1 ms a sample. A missing edge lies at 501 ms, in later records at -500 ms.
+        row("no RF edge twice, no sink edge once", {501, 501}, {501, 120}, Flag::EndOfAxis, {1, 2},
+            {1});
+        row("no source edge in the first record, and in a later one", {0, 1001, 45},
+            {-381, 620, 120}, Flag::NoSource, {1, 2}, {1, 2});
         row("nothing had arrived", {0, 45}, {0, 120}, Flag::NothingArrived, {1}, {1});
         row("RF edge on the trigger", {0, 45}, {120.5, 120}, Flag::OnTrigger, {1}, {});
         row("nothing new", {45, 45}, {120, 120}, Flag::Repeated, {2}, {2});
@@ -198,9 +199,9 @@ private slots:
                             int rfBytes, const char *remark) {
             QTest::newRow(name) << delays << record << rfBytes << remark;
         };
-        row("type changed", {45, 144}, usual, 8008, "The saved delays are wrong");
+        row("type changed", {45, 144}, usual, 8008, "Do not use");
         row("empty traces", {0, 0}, Record(), 0, "nothing arrived");
-        row("the same with both", {0, 0}, recordOf(500, 500, 500), 8008, "Both");
+        row("both types give the saved delays", {0, 0}, recordOf(500, 500, 500), 8008, "Both");
         row("trace cut off", {45, 120}, usual, 4800, "1001, 600 and 1001 samples");
         row("cut off in a sample", {45, 120}, usual, 4804, "_001_rf.bin is broken: 4804 bytes");
     }

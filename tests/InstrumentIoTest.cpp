@@ -1,6 +1,6 @@
 #include "instrument/InstrumentIo.h"
 #include "benchmarks/CannedVisa.h"
-#include "Line.h"
+#include "CallRecorder.h"
 #include "TestFiles.h"
 
 #include <QtTest>
@@ -42,7 +42,8 @@ private slots:
         QTest::addColumn<QChar>("character"); // whose code the reply is
         constexpr int greatest = std::numeric_limits<int>::max();
         const QChar none(0);
-        QTest::newRow("more behind") << QByteArray("  +66.75;1\n") << 66.75 << 66 << QChar('B');
+        QTest::newRow("text after the number")
+            << QByteArray("  +66.75;1\n") << 66.75 << 66 << QChar('B');
         QTest::newRow("code beyond eight bits") << QByteArray("321") << 321.0 << 321 << QChar('A');
         QTest::newRow("infinity") << QByteArray("inf") << qInf() << 0 << none;
         QTest::newRow("below any int")
@@ -73,14 +74,14 @@ private slots:
     }
 
     /// A reply that is read with a positive status is not used.
-    void remarks()
+    void positiveStatus()
     {
         const CannedVisa visa([](auto &) { return "M,\xC3\xB6,1\n"; });
-        Line line;
+        CallRecorder recorder;
         QString reply;
         QCOMPARE(iaQueryf_s(1, "*IDN?\n", &reply), VI_SUCCESS);
         QCOMPARE(reply, QString::fromUtf8("M,\xC3\xB6,1\n"));
-        line.fails = [](auto &entry) {
+        recorder.faultOf = [](auto &entry) {
             return entry.contains("reads") ? VI_SUCCESS_TERM_CHAR : VI_SUCCESS;
         };
         reply = "old";
@@ -133,8 +134,8 @@ private slots:
             return command == "*IDN?\n" ? QByteArray("M,\"\xF6\",1\n")
                                         : QByteArray("#14\0\0\x80?\n", 8);
         });
-        Line line;
-        line.fails = [](auto &entry) { // with a status that VISA does not define
+        CallRecorder recorder;
+        recorder.faultOf = [](auto &entry) { // with a status that VISA does not define
             return entry.contains("timeout") ? visaStatus(0xBFFF0123) : VI_SUCCESS;
         };
         QString reply;
@@ -167,8 +168,8 @@ private slots:
         QTest::addColumn<bool>("isWhole");
         QTest::addColumn<bool>("canOpen"); // viOpen is bound
         QTest::addColumn<QString>("report");
-        QTest::newRow("no file of a library") << QStringList{"/dev/null"} << false << false
-                                              << none + "  /dev/null: not a regular file\n";
+        QTest::newRow("not a regular file") << QStringList{"/dev/null"} << false << false
+                                            << none + "  /dev/null: not a regular file\n";
         QTest::newRow("incomplete") << incomplete << false << true << none + lacks;
         QTest::newRow("incomplete, then none") << incomplete + QStringList{"/none"} << false
                                                << false << none + lacks + "  /none: not there\n";

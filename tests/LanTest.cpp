@@ -88,7 +88,7 @@ Script words(std::initializer_list<std::uint32_t> results, RpcOutcome outcome = 
     };
 }
 
-/// Answers the portmapper's calls. The instrument has no procedure of that number.
+/// Answers calls to the portmapper only: the instrument has no procedure with that number.
 Script mapper(const Script &answer)
 {
     return answers(static_cast<Procedure>(wire::getPortProcedure), answer);
@@ -120,7 +120,7 @@ Pieces byteByByte(const RpcCall &call)
     return bytes;
 }
 
-/// Sends 300 bytes of a record of 4096.
+/// Announces a record of 4096 bytes, and sends 299 of them, one at a time.
 Pieces trickle(const RpcCall & /*call*/)
 {
     Pieces bytes(300, "x");

@@ -1,5 +1,5 @@
 #include "benchmarks/CannedVisa.h"
-#include "Line.h"
+#include "CallRecorder.h"
 #include "measurement/DelayComputation.h"
 #include "measurement/MeasurementRun.h"
 #include "measurement/Record.h"
@@ -39,13 +39,13 @@ QByteArray blockOf(const Trace &samples)
 }
 
 /// Instruments that answer a whole series, in records of 11 samples.
-struct Instruments : CannedVisa, Line
+struct Instruments : CannedVisa, CallRecorder
 {
     explicit Instruments(OscilloscopeType type = lpa4004)
         : CannedVisa([this](auto &command) { return answers.value(command, "1\n"); })
     {
         settings = {1, 2, 3, type, type == lpa4004, true, 1, false, {}};
-        open = {{1, "scope"}, {2, "analyzer"}, {3, "video"}};
+        hosts = {{1, "scope"}, {2, "analyzer"}, {3, "video"}};
     }
 
     int run() { return runSeries(settings, &record, &results); }
@@ -90,8 +90,9 @@ private slots:
         row("source ends before its edge") << int(Source) << step(20, 0, 20, 0) << n;
         row("RF runs of seven, then eight") << int(Rf) << runs(30, 7, 38, 8) << 38;
         row("RF run of which seven follow the source") << int(Rf) << runs(15, 12) << n;
-        row("RF from the last sample on") << int(Rf) << step(n + 7, 0, n - 1, 0.2) << n - 1;
-        row("RF behind the record") << int(Rf) << step(n + 20, 0, n, 0.2) << n;
+        row("RF run that starts at the last sample")
+            << int(Rf) << step(n + 7, 0, n - 1, 0.2) << n - 1;
+        row("RF after the end of the record") << int(Rf) << step(n + 20, 0, n, 0.2) << n;
         row("sink of 60 mV") << int(Sink) << step(n, 0, 60, 0.06) << 60;
         row("sink a little lower") << int(Sink) << step(n, 0, 60, 0.0599) << n;
         row("sink ends before its edge") << int(Sink) << step(60, 0, 60, 0) << n;
@@ -127,7 +128,8 @@ private slots:
 
     void envelope()
     {
-        // Longer than the samples that are compared at the same time; the extremes in either part.
+        // Eight samples are compared at the same time, the last two one by one. The maximum is
+        // among the eight, the minimum is not.
         Trace rf = Trace(8, -50) + Trace{-80, qQNaN()};
         rf[6] = -20;
         normaliseEnvelope(&rf);
@@ -142,7 +144,7 @@ private slots:
         QTest::addColumn<QByteArray>("answer");
         QTest::addColumn<Trace>("trace");
         QTest::newRow("length of ten digits") << "#:0000000004" + one << Trace{1.0};
-        QTest::newRow("no number of digits") << "# " + one << Trace();
+        QTest::newRow("no digit after #") << "# 4" + one << Trace();
         QTest::newRow("negative length") << "#2-4" + one << Trace();
         QTest::newRow("one sample and a half") << "#16" + one + one << Trace{1.0};
         QTest::newRow("no data") << QByteArray("#14") << asBefore;
@@ -176,9 +178,9 @@ private slots:
         const Transcript transcript(QTest::currentDataTag());
         for (int call = -1; call < transcript.calls.size(); ++call) {
             visa.takeCalls();
-            visa.fails = transcript.fault(call, VI_ERROR_IO);
+            visa.faultOf = transcript.fault(call, VI_ERROR_IO);
             QCOMPARE(visa.run(), 0);
-            QCOMPARE(visa.takeCalls(), transcript.without(call));
+            QCOMPARE(visa.takeCalls(), transcript.callsWhenFails(call));
             QCOMPARE(visa.record.rf, step(11, 0, 3, 0.2));
         }
     }
@@ -194,7 +196,7 @@ private slots:
         QTest::newRow("no number") << qQNaN() << 3;
     }
 
-    /// The first two records start at this level. A rejected record leaves its time axis.
+    /// The first two records start at this level. A rejected record's time axis is kept.
     void retakes()
     {
         QFETCH(const double, start);
@@ -202,12 +204,13 @@ private slots:
         Instruments visa;
         const QByteArray usual = visa.answers["CHAN1:DATA?\n"];
         visa.answers["CHAN1:DATA?\n"] = blockOf(step(11, start, 1, 0.15));
-        visa.fails = [&, left = 3](auto &entry) mutable { // a remark is no failure of a transfer
-            if (entry.contains("CHAN1:DATA?") && --left == 0) {
-                visa.answers["CHAN1:DATA?\n"] = usual;
-            }
-            return entry.endsWith(" reads file") ? VI_SUCCESS_TERM_CHAR : VI_SUCCESS;
-        };
+        visa.faultOf =
+            [&, left = 3](auto &entry) mutable { // a positive status is no failure of a transfer
+                if (entry.contains("CHAN1:DATA?") && --left == 0) {
+                    visa.answers["CHAN1:DATA?\n"] = usual;
+                }
+                return entry.endsWith(" reads file") ? VI_SUCCESS_TERM_CHAR : VI_SUCCESS;
+            };
         QCOMPARE(visa.run(), 0);
         QCOMPARE(visa.takeCalls().filter("CHAN1:DATA?").size(), attempts);
         QCOMPARE(visa.record.time.size(), attempts * 11);
@@ -219,7 +222,7 @@ private slots:
     {
         Instruments visa;
         visa.answers["READ:AVDA:TTV:STAT?\n"] = "0\n";
-        visa.fails = [](auto &entry) { // no call to the oscilloscope succeeds
+        visa.faultOf = [](auto &entry) { // no call to the oscilloscope succeeds
             return entry.startsWith("scope") ? VI_ERROR_INV_OBJECT : VI_SUCCESS;
         };
         QCOMPARE(visa.run(), 0);

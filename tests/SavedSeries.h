@@ -57,7 +57,7 @@ inline Series seriesOf(const Values &delays)
     return series;
 }
 
-/// Values whose neighbours differ and are not correlated; the last one is as given.
+/// Returns values whose neighbours differ, with little correlation. The last one is given.
 inline Values varied(int count, double last)
 {
     Values values(count);

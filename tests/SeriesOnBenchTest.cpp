@@ -1,6 +1,6 @@
 #include "analysis/Series.h"
+#include "CallRecorder.h"
 #include "instrument/InstrumentIo.h"
-#include "Line.h"
 #include "measurement/MeasurementRun.h"
 #include "setup/OscilloscopeSetup.h"
 #include "setup/SpectrumAnalyzerSetup.h"
@@ -61,7 +61,7 @@ struct Instruments
     }
     int run() { return runSeries(series, &record, &results); }
 
-    Line line;
+    CallRecorder recorder;
     QStringList hosts;
     SeriesSettings series;
     Record record;
@@ -89,15 +89,16 @@ private slots:
         QTest::addColumn<QString>("analyzer");
         QTest::addColumn<OscilloscopeType>("oscilloscope");
         QTest::addColumn<bool>("ifOutput");
-        QTest::addColumn<double>("early"); // ms from the start of the sweep to that of the record
+        QTest::addColumn<double>("early"); // ms
         QTest::newRow("LPA4004") << "analyzer" << OscilloscopeType::Lpa4004 << false << 0.0;
         QTest::newRow("KVx, IF output") << "analyzer-qan" << OscilloscopeType::Kvx << true << 0.0;
         QTest::newRow("KVx, sweep") << "analyzer-qel" << OscilloscopeType::Kvx << false << 100.0;
     }
 
-    /// The program's delays agree with the instants that only the bench's radio link knows, also
-    /// after a series in which one call timed out or the connection was lost for 100 calls. A
-    /// series that is saved is read as it was measured.
+    /// The program's delays agree with the instants of the bench's radio link, also after a series
+    /// in which one call timed out or the connection was lost for 100 calls. A KVx record starts
+    /// 100 ms after the analyzer's sweep, so its RF delays are `early` ms too long. A saved series
+    /// is read as it was measured.
     void truth()
     {
         QFETCH(const QString, analyzer);
@@ -114,14 +115,14 @@ private slots:
             const bool isLost = i >= 100;
             const int first = i % 100;
             const int last = isLost ? first + 99 : first;
-            bench.line.fails = [=, call = 0](auto &) mutable {
+            bench.recorder.faultOf = [=, call = 0](auto &) mutable {
                 const bool isFault = call >= first && call <= last;
                 ++call;
                 const ViStatus fault = isLost ? VI_ERROR_CONN_LOST : VI_ERROR_TMO;
                 return isFault ? fault : VI_SUCCESS;
             };
             QCOMPARE(bench.run(), 0);
-            bench.line.fails = [](auto &) { return VI_SUCCESS; };
+            bench.recorder.faultOf = [](auto &) { return VI_SUCCESS; };
             QCOMPARE(bench.run(), 0);
             const simulator::TrueInstants &truth = ::bench().radioLink().lastEvent().instants();
             const double rfError =

@@ -79,12 +79,12 @@ private slots:
             }
             ViSession session = 0;
             QCOMPARE(setUp(host, type, isBoxChecked, &session), VI_SUCCESS);
-            Line line;
-            line.open = {{session, host}, {spectrumAnalyzer, "analyzer"}};
-            line.fails = transcript.fault(call, VI_SUCCESS_TERM_CHAR);
+            CallRecorder recorder;
+            recorder.hosts = {{session, host}, {spectrumAnalyzer, "analyzer"}};
+            recorder.faultOf = transcript.fault(call, VI_SUCCESS_TERM_CHAR);
             const ViStatus status = setUp(host, type, isBoxChecked, &session);
-            QCOMPARE(line.takeCalls(), transcript.without(call));
-            QCOMPARE(status == VI_SUCCESS, transcript.isReadyWithout(call));
+            QCOMPARE(recorder.takeCalls(), transcript.callsWhenFails(call));
+            QCOMPARE(status == VI_SUCCESS, transcript.isReadyWhenFails(call));
             iaClose(session);
         }
     }

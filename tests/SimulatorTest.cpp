@@ -76,7 +76,9 @@ private slots:
         row("more answers than are sent", "scope-kvx",
             "ACQ:POIN MAX;:FORM REAL,32" + QByteArray(";:CHAN1:DATA?").repeated(17), "",
             R"(-430,"Query DEADLOCKED")");
+        // 128: power on; 49: command error, execution error, operation complete (32 + 16 + 1).
         row("event status", "scope", "*ESR?;FOO;TIM:REF 101;*OPC;*ESR?;*ESR?;*CLS", "128;49;0");
+        // 116: summary, event, answer, error (64 + 32 + 16 + 4).
         row("status byte", "scope",
             "*CLS;*ESE 32;*SRE 36;*STB?;FOO;*STB?;*RST;*ESE?;*SRE?;*CLS;*STB?", "0;116;32;36;16");
     }
@@ -90,7 +92,7 @@ private slots:
         QTEST(ask(bench, host, "SYST:ERR?"), "error");
     }
 
-    /// The handbook prints this event. Every bench has it first.
+    /// The first event of every bench, which docs/simulated-bench.md prints.
     void firstEvent()
     {
         const Bench bench;
@@ -103,11 +105,11 @@ private slots:
         QCOMPARE(ask(bench, "video", "READ:AVDA:TTV:COUN?;*RST;COUN?"), QByteArray("1;0"));
     }
 
-    void ordersForTheLink()
+    void linkStatistics()
     {
         const Bench bench;
-        const auto event = [&](const QByteArray &order) {
-            return ask(bench, "scope", "BENCH:" + order + ";:*TRG;BENCH:EVENT?").split(',');
+        const auto event = [&](const QByteArray &command) {
+            return ask(bench, "scope", "BENCH:" + command + ";:*TRG;BENCH:EVENT?").split(',');
         };
         QCOMPARE(event("LATENCY RF,60ms,0")[2].toDouble(), 60.0);
         QCOMPARE(event("LATENCY HDMI,10ms,0")[3].toDouble(), 10.0);

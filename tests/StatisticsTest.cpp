@@ -14,7 +14,7 @@ namespace {
 
 using Values = QVector<double>;
 
-/// Values without order: the literals that belong to them are those of numpy 1.24.
+/// Returns values without order. The results for them were computed with numpy 1.24.
 Values numbers(int n, int factor = 37, double offset = 40.0)
 {
     Values values(n);
@@ -34,7 +34,8 @@ private slots:
     void statistics_data()
     {
         QTest::addColumn<int>("n");
-        QTest::addColumn<QString>("numpy"); // in the order of the test
+        // minimum median mean maximum deviation P5 P95 P99 correlation
+        QTest::addColumn<QString>("numpy");
         QTest::newRow("no value") << 0 << "nan nan nan nan nan nan nan nan nan";
         QTest::newRow("one value") << 1 << "40 40 40 40 nan nan nan nan nan";
         QTest::newRow("no P5") << 19 << "40 46.4 45.6368 49.6 2.87503 nan nan nan 0.0312407";
@@ -71,8 +72,7 @@ private slots:
         QVERIFY(!compareMedians(first.mid(36), second, 0.1).hasInterval());
     }
 
-    /// Of fifty comparisons, few find a difference between equal links, and most one between
-    /// others.
+    /// Of fifty comparisons, few show a difference between equal links. Most show a real one.
     void coverage()
     {
         std::mt19937 random; // NOLINT(cert-msc32-c,cert-msc51-cpp): always the same numbers

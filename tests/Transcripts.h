@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Line.h"
+#include "CallRecorder.h"
 #include "TestFiles.h"
 
 #include <QtTest>
@@ -18,8 +18,8 @@ struct Transcript
         }
     }
 
-    /// Returns what is seen of the calls when the one at an index fails; -1 is none.
-    [[nodiscard]] QStringList without(int failing) const
+    /// Returns the calls to expect when the one at an index fails; -1 means that none fails.
+    [[nodiscard]] QStringList callsWhenFails(int failing) const
     {
         const QString consequence = whenItFails.value(failing, "goes on");
         const QString next = consequence.section(',', 0, 0).section("goes on at ", 1);
@@ -30,14 +30,14 @@ struct Transcript
         return calls.mid(0, failing + 1) + calls.mid(from);
     }
 
-    [[nodiscard]] bool isReadyWithout(int failing) const
+    [[nodiscard]] bool isReadyWhenFails(int failing) const
     {
         return failing < 0 ? !whenItFails.contains("fails, not ready")
                            : !whenItFails[failing].endsWith("not ready");
     }
 
-    /// Returns a fault for Line::fails: the call at an index gets a status, and those that always
-    /// fail an error.
+    /// Returns a function for CallRecorder::faultOf: the call at an index returns a status, and
+    /// each call that the section marks "fails" returns an error.
     [[nodiscard]] auto fault(int failing, ViStatus status) const
     {
         return [=, call = -1](const QString &entry) mutable {

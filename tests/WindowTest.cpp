@@ -3,8 +3,8 @@
 #include "app/MainWindow.h"
 #include "app/SettingsDirectory.h"
 #include "benchmarks/CannedVisa.h"
+#include "CallRecorder.h"
 #include "instrument/InstrumentIo.h"
-#include "Line.h"
 #include "TestFiles.h"
 
 #include <QtTest>
@@ -146,32 +146,35 @@ private slots:
     void readiness()
     {
         auto window = std::make_unique<Window>();
-        Line line;
+        CallRecorder recorder;
         QVERIFY(!window->click("OsInit"));
         QVERIFY(window->click("SaInit"));
         QVERIFY(window->click("VaHdmi")); // Start keeps its state until the next Init
         QVERIFY(!window->click("SaInit"));
         QVERIFY(window->click("VaInit"));
-        window->find<QPushButton>("VaInit")->setText("READY");
+        window->find<QPushButton>("VaInit")->setText("READY"); // only "Ready" counts
         QVERIFY(!window->click("OsInit"));
         QVERIFY(!window->click("VaHdmi"));
         QVERIFY(!window->find<QWidget>("VaIp")->isEnabled());
         QVERIFY(window->click("SaInit"));
-        line.fails = [](auto &entry) { return entry.contains("<") ? VI_ERROR_TMO : VI_SUCCESS; };
+        recorder.faultOf = [](auto &entry) {
+            return entry.contains("<") ? VI_ERROR_TMO : VI_SUCCESS;
+        };
         QVERIFY(!window->click("OsInit")); // a failed Init takes Start back
         QCOMPARE(window->find<QPushButton>("OsInit")->text(), QString("Init"));
         window->find<QCheckBox>("VaHdmi")->setChecked(true);
-        line.takeCalls();
+        recorder.takeCalls();
         window.reset();
-        QCOMPARE(line.takeCalls(), QStringList({"scope close", "analyzer close", "video close"}));
+        QCOMPARE(recorder.takeCalls(),
+                 QStringList({"scope close", "analyzer close", "video close"}));
     }
 
-    /// What the operator enters reaches the instruments, and what a series finds the globals. A
-    /// series of 0 measurements changes no traces and instants.
+    /// The operator's entries reach the instruments, and the results of a series reach the globals.
+    /// A series of 0 measurements leaves traces and instants as they are.
     void series()
     {
         auto window = std::make_unique<Window>();
-        Line line;
+        CallRecorder recorder;
         DialogWatcher dialogs;
         t.clear();
         window->find<QComboBox>("OsTyp")->setCurrentIndex(0);
@@ -184,7 +187,7 @@ private slots:
              {"VaHdmi", "VaRst", "OsRst", "SaveData", "SaIfDem", "OsInit", "SaInit", "VaInit"}) {
             window->click(name);
         }
-        const QString sent = line.takeCalls().join('|');
+        const QString sent = recorder.takeCalls().join('|');
         for (const char *command :
              {"scope-kvx < *RST;", "LEV1 0.03;", "CHAN3 ON;", "FREQ:CENT 5.2e+09;", "SWE:TIME 1;",
               "video < *RST;", "THR 0;"}) {
@@ -203,10 +206,10 @@ private slots:
         window->click("Start");
         QCOMPARE(published(), before);
         QVERIFY(qIsNaN(mS2Rf));
-        line.takeCalls();
+        recorder.takeCalls();
         window->find<QCheckBox>("VaHdmi")->setChecked(false);
         window.reset();
-        QCOMPARE(line.takeCalls(), QStringList({"scope-kvx close", "analyzer close"}));
+        QCOMPARE(recorder.takeCalls(), QStringList({"scope-kvx close", "analyzer close"}));
     }
 
     void slotsByName() // what the window offers by name
@@ -243,8 +246,8 @@ private slots:
         QCOMPARE(dialogs.seen, QStringList{"File Error: File not found."});
     }
 
-    /// Settings are stored and shown again: odd texts, in a file behind a link, which has named a
-    /// type that does not exist.
+    /// Settings survive a restart, with unusual characters and through a symbolic link. A stored
+    /// type that does not exist is ignored.
     void settings()
     {
         const QString address = "@\u00F6, \"=;%\\x41\\ \U0001F50C ";

@@ -18,7 +18,7 @@ namespace {
 constexpr int mostPoints = 2000; // a series with more values is drawn in columns of values
 constexpr int mostColumns = 100; // few enough to give each column the values for P5 and P95
 
-/// Returns the first point in each column of `columnWidth` measurements.
+/// Returns some of the points, at least `columnWidth` measurements apart.
 QVector<QPointF> thin(const QVector<QPointF> &points, int columnWidth)
 {
     QVector<QPointF> kept;

@@ -10,7 +10,8 @@ class LiveFiles
 public:
     struct Changes
     {
-        QStringList changed; ///< files that are new or were written again, the newest first
+        QStringList
+            changed; ///< files that are new or were written again, newest first in each folder
         QStringList gone;
     };
 

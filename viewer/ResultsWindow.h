@@ -30,8 +30,8 @@ class ResultsWindow : public QMainWindow
 public:
     ResultsWindow();
 
-    /// Add series. A folder stands for all series in it, present and future. A box names what
-    /// cannot be read. Returns whether everything could be read.
+    /// Add series. A folder stands for all series in it, present and future. While an added file
+    /// cannot be read, a box names it and false is returned.
     bool open(const QStringList &filesAndFolders);
 
 protected:
@@ -89,7 +89,7 @@ private:
     QVector<Series> selection; ///< one or two
     LiveFiles files;
     QMap<QString, QString> problems; ///< why files cannot be read
-    QStringList unread;              ///< files whose traces are still to be read, the newest first
+    QStringList unread;              ///< files whose traces are still to be read
     QSet<QString> leftOut;           ///< files that were not read, since somebody pressed Cancel
     QTimer idle;                     ///< fires when there is nothing else to do
     QTimer look;                     ///< fires when it is time to look for changed files

@@ -120,7 +120,7 @@ void ResultsWindow::showMissing()
                     .arg(leftOut.size());
     }
     if (!problems.isEmpty()) {
-        said += QString("Problems: %1").arg(problems.size());
+        said += QString("Files that cannot be read: %1").arg(problems.size());
     }
     missing->setVisible(!said.isEmpty());
     missing->setText(said.join(". "));

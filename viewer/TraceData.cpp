@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-TraceData::TraceData(const QVector<double> &samples, double start, double step, int most)
-    : trace(samples), first(start), interval(step), columns(most)
+TraceData::TraceData(const QVector<double> &trace, double first, double interval, int columns)
+    : trace(trace), first(first), interval(interval), columns(columns)
 {
     show(0, trace.size());
     bounds = qwtBoundingRect(*this);
@@ -22,19 +22,14 @@ void TraceData::setRectOfInterest(const QRectF &rect)
 
 void TraceData::show(int from, int to)
 {
-    if (from == shownFrom && to == shownTo) {
-        return;
-    }
-    shownFrom = from;
-    shownTo = to;
     shown.clear();
     const double *samples = trace.constData();
-    const int step = std::max(1, (to - from + columns - 1) / columns);
-    for (int column = from; column < to; column += step) {
-        const int end = std::min(to, column + step);
+    const int width = std::max(1, (to - from + columns - 1) / columns); // samples in a column
+    for (int start = from; start < to; start += width) {
+        const int end = std::min(to, start + width);
         int least = -1;
         int greatest = -1;
-        for (int i = column; i < end; ++i) {
+        for (int i = start; i < end; ++i) {
             if (std::isfinite(samples[i])) {
                 least = least < 0 || samples[i] < samples[least] ? i : least;
                 greatest = greatest < 0 || samples[i] > samples[greatest] ? i : greatest;

@@ -28,7 +28,5 @@ private:
     double interval;
     int columns;
     QVector<QPointF> shown;
-    int shownFrom = -1; ///< the samples that are shown
-    int shownTo = -1;
     QRectF bounds;
 };

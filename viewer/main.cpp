@@ -24,12 +24,12 @@ constexpr int exitFlagged = 2;
 const char *const description = R"(Look at saved series of delay measurements.
 
 A FILE is a results file (..._Results.txt) or a folder, which stands for all in
-it; without any, the folder where Orvanta saves. Without an option, a window
-opens; options need no display.
+it. Without a FILE, it is the folder where Orvanta saves. Without an option, a
+window opens; options need no display.
 
-Exit status: 0; 1 when a file cannot be read or written, or the command line is
-wrong; with --summary 2 when a series has flags, or its traces do not tell the
-oscilloscope type: they are missing or broken, or its delays are wrong.)";
+Exit status: 0 on success; 1 if a file cannot be read or written, or the command
+line is wrong; with --summary 2 if values are flagged, or if the oscilloscope
+type of a series cannot be found.)";
 
 /// What a person asks for on the command line.
 struct Request
@@ -67,12 +67,12 @@ Request readCommandLine()
     QCommandLineParser parser;
     parser.setApplicationDescription(description);
     parser.addPositionalArgument("FILE", "a results file, or a folder", "[FILE...]");
-    const QCommandLineOption summary("summary", "Print statistics and flags; two series are "
-                                                "compared, more have an overview before them.");
-    const QCommandLineOption csv("csv", "Print one row a measurement.");
+    const QCommandLineOption summary("summary", "Print statistics and flags. Two series are "
+                                                "compared; more than two are listed first.");
+    const QCommandLineOption csv("csv", "Print a row for each measurement.");
     const QCommandLineOption output("output", "With --csv: write to this file.", "OUTPUT");
     const QCommandLineOption report(
-        "report", "Write a report: .pdf, or of one series or two .png or .svg.", "REPORT");
+        "report", "Write a report as .pdf; for one or two series also as .png or .svg.", "REPORT");
     parser.addOptions({summary, csv, output, report});
     parser.addHelpOption();
     parser.addVersionOption();

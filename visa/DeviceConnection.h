@@ -30,8 +30,8 @@ struct ReadOutcome
 };
 
 /// One client's connection to one device; the destructor ends it. One thread at a time may use it.
-/// Every call ends by its deadline. It returns 0 or an error: VI_ERROR_TMO, VI_ERROR_CONN_LOST,
-/// VI_ERROR_IO, VI_ERROR_RSRC_LOCKED or VI_ERROR_NSUP_OPER.
+/// A call ends by its deadline, over a network up to 0.6 s later. It returns 0 or an error, mostly
+/// VI_ERROR_TMO, VI_ERROR_CONN_LOST, VI_ERROR_IO, VI_ERROR_RSRC_LOCKED or VI_ERROR_NSUP_OPER.
 class DeviceConnection
 {
 public:
@@ -83,7 +83,7 @@ public:
     virtual std::vector<std::string> list() = 0;
 };
 
-/// Returns the backend. Each VISA library defines this function.
+/// Returns the backend, which is never destroyed. Each VISA library defines this function.
 Backend &backend();
 
 } // namespace visa

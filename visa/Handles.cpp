@@ -80,7 +80,7 @@ Handles &handles()
     static Handles &all = *new Handles;
     struct AtExit
     {
-        AtExit() { backend(); } // made first, so that it outlives this
+        AtExit() = default;
         AtExit(const AtExit &) = delete;
         AtExit &operator=(const AtExit &) = delete;
         ~AtExit() { all.closeAll(); }

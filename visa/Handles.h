@@ -58,7 +58,7 @@ public:
     ViStatus add(const std::shared_ptr<Object> &object, ViObject *handle);
     /// Returns an object; null when there is none.
     [[nodiscard]] std::shared_ptr<Object> find(ViObject handle);
-    /// Close an object, with a resource manager all that it opened. Their connections share a
+    /// Close an object. A resource manager closes all that it opened, too. Connections share a
     /// second to end in. Returns VI_ERROR_INV_OBJECT when there is no such object.
     ViStatus close(ViObject handle);
     /// Close everything, within a second.

@@ -11,7 +11,7 @@
     }
 
 extern "C" {
-// Each paragraph has one family of functions; clang-format would join them.
+// Formatted and buffered I/O, then the others; clang-format would join them.
 // clang-format off
 UNSUPPORTED(viPrintf) UNSUPPORTED(viVPrintf) UNSUPPORTED(viSPrintf) UNSUPPORTED(viVSPrintf)
 UNSUPPORTED(viScanf) UNSUPPORTED(viVScanf) UNSUPPORTED(viSScanf) UNSUPPORTED(viVSScanf)

@@ -17,7 +17,7 @@ using ViUInt64 = std::uint64_t;
 
 using ViObject = ViUInt32;    ///< handle of a session, the resource manager or a find list
 using ViSession = ViObject;   ///< handle of an open session; 0 is never valid
-using ViStatus = ViInt32;     ///< 0: success; negative: error; positive: success with a remark
+using ViStatus = ViInt32;     ///< 0: success; negative: error; positive: completion code or warning
 using ViAttr = ViUInt32;      ///< attribute identifier
 using ViAttrState = ViUInt64; ///< value passed to viSetAttribute, pointer-sized
 using ViAccessMode = ViUInt32;

@@ -57,8 +57,9 @@ public:
     /// Add a query by its pattern, without the question mark.
     void onQuery(std::string_view pattern, ParameterCount count, Handler handler);
 
-    /// Returns how many seconds the record or sweep lasts that was started since the last call; 0
-    /// when there was none. Here it is complete at once; the caller may let its clients wait.
+    /// Returns the duration in seconds of the record or sweep that was started since the last call;
+    /// 0 when there was none. The instrument completes it at once, and the device lets clients
+    /// wait.
     double takeDuration() { return std::exchange(duration, 0.0); }
 
 protected:

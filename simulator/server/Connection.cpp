@@ -10,7 +10,8 @@ namespace server {
 namespace {
 
 /// Have the system end an idle connection whose client's host has not answered for half a minute,
-/// as after a power failure. Other clients need its links and locks. A client may let answers wait.
+/// as after a power failure: other clients need its links and locks. A connection with unsent
+/// answers is not idle, since a client may read them late.
 void watch(QTcpSocket &socket)
 {
     socket.setSocketOption(QAbstractSocket::KeepAliveOption, 1);

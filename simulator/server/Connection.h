@@ -21,7 +21,7 @@ struct SharedBench
     explicit SharedBench(double timeScale) : bench(timeScale) { changed.setSingleShot(true); }
 
     simulator::Bench bench;
-    QTimer changed;             ///< a connection starts it after a change that others may wait for
+    QTimer changed; ///< a connection starts it after a change, and all that wait try again
     std::uint32_t nextLink = 0; ///< the number of the next VXI-11 link; no two are equal
 };
 

@@ -20,9 +20,9 @@ namespace {
 constexpr std::size_t callLimit = 1 << 20; // bytes
 constexpr std::uint32_t receiveSize = 65536;
 
-/// Returns the results of a procedure that failed: the error, and 0 for all others (VXI-11 1.0,
-/// C.1).
-std::string error(Error code, std::uint32_t procedure)
+/// Returns the results of a procedure that has nothing to return but its error code, which may be
+/// None. The other results are 0 or empty (VXI-11 1.0, C.1).
+std::string onlyError(Error code, std::uint32_t procedure)
 {
     switch (procedure) {
     case CreateLink:
@@ -53,7 +53,7 @@ std::optional<Answer> answerIfLocked(const CoreCall &call, const Device &device,
     if (now < until) {
         return std::min(freeAt, until);
     }
-    return error(LockedByAnother, call.procedure);
+    return onlyError(LockedByAnother, call.procedure);
 }
 
 Answer read(const CoreCall &call, MessageExchange &client, Clock::time_point began)
@@ -69,7 +69,7 @@ Answer read(const CoreCall &call, MessageExchange &client, Clock::time_point beg
     }
     const auto part = client.read(call.requestSize, termination);
     if (!part) {
-        return error(IoTimeout, DeviceRead);
+        return onlyError(IoTimeout, DeviceRead);
     }
     const std::uint32_t reason = (part->isLast ? EndIndicator : 0U) |
                                  (part->isTerminated ? TermChar : 0U) |
@@ -98,11 +98,11 @@ Answer answerOn(MessageExchange &client, const CoreCall &call, Clock::time_point
         client.lock();
         break;
     case DeviceUnlock:
-        return error(client.unlock() ? None : NoLockHeld, DeviceUnlock);
+        return onlyError(client.unlock() ? None : NoLockHeld, DeviceUnlock);
     default: // DeviceRemote and DeviceLocal, without effect: there is no front panel
         break;
     }
-    return error(None, call.procedure);
+    return onlyError(None, call.procedure);
 }
 
 } // namespace
@@ -134,8 +134,8 @@ bool CoreChannel::serveNext()
     return true;
 }
 
-/// Take the next call. A call that cannot be decoded is refused at once. Returns false when there
-/// is no call.
+/// Take the next call. If the core channel does not have it, reply with the error. If it is not a
+/// call at all, abort the connection. Returns false when there is no call.
 bool CoreChannel::takeCall()
 {
     std::optional<std::string> next = takeRecord();
@@ -169,16 +169,16 @@ Answer CoreChannel::answer(const CoreCall &call, Clock::time_point began)
     case CreateLink:
         return createLink(call, began);
     case DestroyLink:
-        return error(links.erase(call.link) == 1 ? None : InvalidLink, DestroyLink);
+        return onlyError(links.erase(call.link) == 1 ? None : InvalidLink, DestroyLink);
     default:
         break;
     }
     if (call.procedure > DeviceUnlock) {
-        return error(NotSupported, call.procedure);
+        return onlyError(NotSupported, call.procedure);
     }
     const auto found = links.find(call.link);
     if (found == links.end()) {
-        return error(InvalidLink, call.procedure);
+        return onlyError(InvalidLink, call.procedure);
     }
     MessageExchange &client = *found->second;
     if (std::exchange(client.device.faults.connectionLost, false)) {
@@ -203,10 +203,10 @@ Answer CoreChannel::createLink(const CoreCall &call, Clock::time_point began)
 {
     Device *device = find(call.data);
     if (device == nullptr) {
-        return error(NotAccessible, CreateLink);
+        return onlyError(NotAccessible, CreateLink);
     }
     if (device->clients >= Device::clientLimit) {
-        return error(OutOfResources, CreateLink);
+        return onlyError(OutOfResources, CreateLink);
     }
     const auto locked = answerIfLocked(call, *device, nullptr, began);
     if (locked && call.lockDevice) {

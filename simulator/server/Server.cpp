@@ -184,7 +184,7 @@ QString Server::startHost(const QHostAddress &address, const CoreChannel::Device
                 delete socket;
                 return;
             }
-            new ScpiSocket(socket, shared, *device); // the socket's
+            new ScpiSocket(socket, shared, *device); // owned by the socket
         });
         QString error = listen(server, address, port++);
         if (!error.isEmpty()) {
@@ -202,7 +202,7 @@ QString Server::startVxi11(const QHostAddress &address, const CoreChannel::Devic
 {
     auto *const core = new QTcpServer(&sockets);
     onConnection(core, [this, devices](QTcpSocket *socket) {
-        new CoreChannel(socket, shared, devices); // the socket's
+        new CoreChannel(socket, shared, devices); // owned by the socket
     });
     QString error = listen(core, address, 0);
     if (!error.isEmpty()) {
@@ -211,7 +211,7 @@ QString Server::startVxi11(const QHostAddress &address, const CoreChannel::Devic
     const quint16 corePort = core->serverPort();
     auto *const mapper = new QTcpServer(&sockets);
     onConnection(mapper, [corePort](QTcpSocket *socket) {
-        new PortmapConnection(socket, corePort); // the socket's
+        new PortmapConnection(socket, corePort); // owned by the socket
     });
     error = listen(mapper, address, wire::portmapperPort);
     if (!error.isEmpty()) {

@@ -21,7 +21,7 @@ struct ServerOptions
 /// Serves every instrument of the bench by VXI-11 and at a raw socket. On loopback each has an
 /// address of its own, where it is "inst0": the addresses after that of the options, in the order
 /// of the names. Elsewhere all share the address, as "inst0" to "inst5" and with consecutive ports,
-/// in the handbook's order.
+/// in the order of the table in docs/simulated-bench.md.
 class Server
 {
 public:

@@ -13,9 +13,9 @@ std::optional<server::ServerOptions> optionsOf(const QCoreApplication &applicati
 {
     const server::ServerOptions usual;
     const QCommandLineOption address("address",
-                                     "Listen there. On loopback every instrument has an address of "
-                                     "its own, the first the one after this; elsewhere all share "
-                                     "it, as inst0 to inst5.",
+                                     "IPv4 address to listen at. On loopback each instrument has "
+                                     "an address of its own, from the next one on; elsewhere all "
+                                     "share this address, as inst0 to inst5.",
                                      "address", usual.address.toString());
     const QCommandLineOption port(
         "port", "Port of the raw SCPI sockets, at a shared address the first of six.", "port",
@@ -59,7 +59,9 @@ int main(int argc, char *argv[])
 
     const auto options = optionsOf(application);
     if (!options) {
-        err << "That is no IPv4 address, no port or no time scale; see --help.\n";
+        err << "Wrong arguments: --address needs an IPv4 address, --port a number from 1 to 65530, "
+               "--time-scale a number that is not negative. There are no other arguments. See "
+               "--help.\n";
         return 2;
     }
     server::Server server(*options);
@@ -72,8 +74,7 @@ int main(int argc, char *argv[])
         << "Each answers BENCH:EVENT? with the true delays of the last event.\n";
     if (!options->address.isLoopback()) {
         out << "Anybody who reaches the address can use the bench: VXI-11 has neither passwords "
-               "nor "
-               "encryption.\n";
+               "nor encryption.\n";
     }
     out.flush();
     return QCoreApplication::exec();

@@ -13,16 +13,16 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     static const QTemporaryDir directory;
     const QString name = directory.filePath("Orvanta2026-03-05_14-07-09_Results.txt");
     const QByteArray text(reinterpret_cast<const char *>(data), static_cast<int>(size));
-    require(write(name, text), "a file");
+    require(write(name, text), "the results file can be written");
     for (const char *trace : {"src", "rf", "snk"}) { // the end of the file is a record, too
         require(write(traceFile(name, trace), text.right(qMin(800, text.size() / 8 * 8))),
-                "a trace");
+                "the trace can be written");
     }
 
     const LoadedSeries loaded = loadSeries({name});
-    require(loaded.series.size() + loaded.problems.size() == 1, "a series or a problem");
+    require(loaded.series.size() + loaded.problems.size() == 1, "a file is a series or a problem");
     if (loaded.series.isEmpty()) {
-        require(loaded.problems[0].size() < name.size() + 200, "a short sentence");
+        require(loaded.problems[0].size() < name.size() + 200, "a problem is a short sentence");
         return 0;
     }
     const Series &series = loaded.series[0];

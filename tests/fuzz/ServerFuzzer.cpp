@@ -51,7 +51,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
     }
     for (const auto &device : shared.bench.devices()) {
         require(device->clients == 0 && device->lockHolder == nullptr,
-                "a client that has gone has left something");
+                "a client that disconnects gives up its place and its lock");
     }
     return 0;
 }

@@ -27,8 +27,7 @@ def start(add_cleanup, *command):
     """Start a server, and return the lines that it prints about its instruments."""
     server = subprocess.Popen(command, stdout=subprocess.PIPE, text=True)
     add_cleanup(lambda: (server.kill(), server.communicate()))
-    lines = iter(server.stdout.readline, "Listening\n")
-    return list(itertools.takewhile(lambda line: line and "BENCH:EVENT?" not in line, lines))
+    return list(itertools.takewhile(lambda line: "BENCH:EVENT?" not in line, server.stdout))
 
 
 def setUpModule():
@@ -99,9 +98,9 @@ exec "{BENCH}" --address {address}"""
         self.assertEqual(answers.readline(), b"1\n")
         for options, status, text in (
             (["--version"], 0, "OrvantaBench"),
-            (["--address", "::1"], 2, "no IPv4 address"),
-            (["--port", "65531"], 2, "no port"),  # there are six
-            (["--time-scale", "inf"], 2, "no time scale"),
+            (["--address", "::1"], 2, "an IPv4 address"),
+            (["--port", "65531"], 2, "a number from 1 to 65530"),  # six ports follow
+            (["--time-scale", "inf"], 2, "a number that is not negative"),
             (["here"], 2, "--help"),
             (["--address", "224.0.0.1"], 1, "No client can reach 224.0.0.1"),
             ([], 1, "port 111.*\n.*rpcbind or another OrvantaBench"),
@@ -146,7 +145,7 @@ exec "{BENCH}" --address {address}"""
         idn, cut = "Varnholt,KVX1044,100101,1.00\n", "Varnh"
         late, lost = StatusCode.error_timeout, StatusCode.error_connection_lost
         locked = StatusCode.error_resource_locked
-        for order, outcomes in (  # of as many queries
+        for command, outcomes in (  # of the queries that follow
             ("BENCH:FAULT LATE,600s", [late]),
             ("BENCH:FAULT CUT,5", [cut, idn]),
             ("BENCH:FAULT BUSY,600s", [locked, locked]),
@@ -155,10 +154,10 @@ exec "{BENCH}" --address {address}"""
             ("BENCH:FAULT LOST", [lost, lost]),
         ):
             for library in OUR_LIBRARIES:
-                with self.subTest(order, library=library):
+                with self.subTest(command, library=library):
                     device = self.open(self.visa(library), places["scope-kvx"])
                     device.timeout = 300
-                    device.write(order)
+                    device.write(command)
                     for outcome in outcomes:
                         if isinstance(outcome, str):
                             self.assertEqual(device.query("*IDN?"), outcome)
@@ -166,7 +165,7 @@ exec "{BENCH}" --address {address}"""
                             self.assert_fails(outcome, device.query, "*IDN?")
             other, answers = self.connect(places["scope-kvx"])
             other.sendall(b"BENCH:FAULT NONE\n*CLS;SYST:ERR?\n")
-            self.assertEqual(answers.readline(), b'0,"No error"\n', order)
+            self.assertEqual(answers.readline(), b'0,"No error"\n', command)
 
     def test_a_client_that_never_reads(self):
         greedy, records = self.connect(places["scope-kvx"])

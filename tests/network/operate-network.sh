@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# An operator of Orvanta, who types what OrvantaBench prints: measures, and is then impatient. In a
-# network of its own, without a maker's VISA library.
+# Operates Orvanta with the resource strings that OrvantaBench prints: measures once, then clicks and
+# types during a series of three. Runs in a network of its own, without a maker's VISA library.
 # Usage: BENCH=ORVANTABENCH operate-network.sh EXECUTABLE FOLDER DPI
 set -euo pipefail
 # shellcheck source-path=SCRIPTDIR source=../../scripts/desktop/operator.sh

@@ -60,8 +60,9 @@ int openSocket(int family)
 }
 
 /// Returns whether the host owes an acknowledgement and has sent none for too long.
-/// TCP_USER_TIMEOUT counts from the oldest byte that is not acknowledged. With it, the instruments
-/// of a series would be given up one after the other, each after 10 s more.
+/// TCP_USER_TIMEOUT would not do: it counts from the oldest byte that is not acknowledged. A
+/// program writes to the next instrument only when the one before is lost, so each would take 10 s
+/// more.
 bool isLost([[maybe_unused]] int socket)
 {
 #ifdef __linux__

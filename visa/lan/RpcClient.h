@@ -9,8 +9,8 @@
 namespace lan {
 
 /// A connection to a host whose procedures are called. One thread at a time may use it. Its
-/// functions return VISA statuses. The connection is lost when nothing has been acknowledged for 10
-/// s.
+/// functions return VISA statuses. The connection is lost when the host owes an
+/// acknowledgement and has sent none for 10 s.
 class RpcClient
 {
 public:

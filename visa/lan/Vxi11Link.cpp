@@ -29,9 +29,10 @@ constexpr std::size_t largestTransfer = 16 << 20;
 /// What every device must take in one call (VXI-11, B.6.3). Some say 0 instead of their size.
 constexpr std::uint32_t leastReceiveSize = 1024;
 
-/// How much longer each refused call takes than the one before, and how often that is added. A
-/// client that repeats a refused call without end so neither keeps the processor busy nor fills the
-/// memory, and the rest of a series, some hundred calls, still ends within seconds.
+// After each refused call (connection lost or device locked), the link pauses for one step longer
+// than after the one before, up to the most steps. Otherwise a client that repeats such a call
+// without end would keep the processor busy and fill its memory. Some hundred calls of a client
+// that gives up later still end within seconds.
 constexpr std::chrono::microseconds pauseStep(100);
 constexpr int mostPauseSteps = 1000;
 
@@ -40,7 +41,8 @@ Deadline answerBy(Deadline deadline)
     return deadline > Deadline::max() - answerMargin ? deadline : deadline + answerMargin;
 }
 
-/// Returns the time-out for a device: never 0, which some devices take for ever and others at once.
+/// Returns the time-out for a device. It is never 0: then some devices wait for ever, and others
+/// not at all.
 std::uint32_t ioTimeout(Deadline deadline)
 {
     return static_cast<std::uint32_t>(std::max(1, millisecondsUntil(deadline, longestTimeout)));
@@ -119,12 +121,12 @@ void Vxi11Link::close(Deadline deadline)
 
 /// Call a procedure. The results are what follows the error code, also after an error. They are
 /// valid until the next call.
-ViStatus Vxi11Link::call(vxi11::Procedure procedure, std::string_view arguments, Deadline answer,
-                         std::string_view *results)
+ViStatus Vxi11Link::call(vxi11::Procedure procedure, std::string_view arguments,
+                         Deadline answerDeadline, std::string_view *results)
 {
     std::string_view received;
-    ViStatus status =
-        rpc.call({vxi11::coreProgram, vxi11::coreVersion, procedure}, arguments, answer, &received);
+    ViStatus status = rpc.call({vxi11::coreProgram, vxi11::coreVersion, procedure}, arguments,
+                               answerDeadline, &received);
     if (status == VI_SUCCESS) {
         std::uint32_t error = 0;
         XdrReader from(received);

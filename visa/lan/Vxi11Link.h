@@ -38,7 +38,7 @@ public:
 
 private:
     ViStatus call(wire::vxi11::Procedure procedure, std::string_view arguments,
-                  visa::Deadline answer, std::string_view *results = nullptr);
+                  visa::Deadline answerDeadline, std::string_view *results = nullptr);
     ViStatus callGeneric(wire::vxi11::Procedure procedure, visa::Deadline deadline,
                          std::string_view *results = nullptr);
     ViStatus fetch(std::size_t count, std::optional<ViByte> termination, visa::Deadline deadline);

@@ -85,25 +85,25 @@ std::string asRecord(std::string_view message)
 RecordReader::State RecordReader::read(const Source &source)
 {
     while (missing > 0 || !isLast) {
-        const bool isMark = missing == 0;
-        if (!isMark) {
+        const bool isHeader = missing == 0;
+        if (!isHeader) {
             record.resize(std::max(record.size(), filled + std::min(missing, pieceSize)));
         }
         const std::ptrdiff_t got =
-            isMark ? source(mark.data() + marked, mark.size() - marked)
-                   : source(record.data() + filled, std::min(missing, record.size() - filled));
+            isHeader ? source(header.data() + headerFilled, header.size() - headerFilled)
+                     : source(record.data() + filled, std::min(missing, record.size() - filled));
         if (got <= 0) {
             return State::Incomplete;
         }
-        if (!isMark) {
+        if (!isHeader) {
             filled += static_cast<std::size_t>(got);
             missing -= static_cast<std::size_t>(got);
             continue;
         }
-        marked = (marked + static_cast<std::size_t>(got)) % mark.size();
-        if (marked == 0) {
+        headerFilled = (headerFilled + static_cast<std::size_t>(got)) % header.size();
+        if (headerFilled == 0) {
             std::uint32_t word = 0;
-            XdrReader({mark.data(), mark.size()}) >> word;
+            XdrReader({header.data(), header.size()}) >> word;
             isLast = (word & lastFragment) != 0;
             missing = word & ~lastFragment;
         }

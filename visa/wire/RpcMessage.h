@@ -47,10 +47,10 @@ struct RpcReply
     std::string_view results; ///< after a mismatch, the lowest and the highest version
 };
 
-/// Encode a call without credentials, without the mark of a record.
+/// Encode a call without credentials. asRecord() makes it a record.
 std::string encodedCall(std::uint32_t xid, const RpcProcedure &procedure,
                         std::string_view arguments);
-/// Encode a reply, without the mark of a record.
+/// Encode a reply. asRecord() makes it a record.
 std::string encodedReply(std::uint32_t xid, RpcOutcome outcome, std::string_view results = {});
 
 /// Decode a call or a reply. Returns nothing when the message is something else.
@@ -80,17 +80,17 @@ public:
     /// Read until the record is complete or nothing more has arrived. Memory grows with the
     /// bytes that arrive, not with those that a fragment announces.
     State read(const Source &source);
-    /// Returns the complete record, and begins with the next.
+    /// Returns the record, after read() has completed it, and begins with the next one.
     std::string take();
 
 private:
     std::size_t limit;
     std::string record;
-    std::size_t filled = 0; ///< bytes of the record that have arrived
-    std::array<char, 4> mark{};
-    std::size_t marked = 0;  ///< bytes of the mark that have arrived
-    std::size_t missing = 0; ///< bytes of the fragment
-    bool isLast = false;     ///< the fragment is the record's last
+    std::size_t filled = 0;       ///< bytes of the record that have arrived
+    std::array<char, 4> header{}; ///< of the fragment
+    std::size_t headerFilled = 0; ///< bytes of the header that have arrived
+    std::size_t missing = 0;      ///< bytes of the fragment that have not arrived
+    bool isLast = false;          ///< the fragment is the record's last
 };
 
 } // namespace wire

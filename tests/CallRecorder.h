@@ -15,34 +15,35 @@ inline auto entryPoints()
                     p_viReadToFile);
 }
 
-/// Stands between the program and the VISA library that is bound when it is made. It keeps a
-/// transcript of the calls, and lets them fail as the test says.
+/// Records the program's VISA calls in a transcript, and lets a test make calls fail. The calls go
+/// to the functions that were bound when this object was made.
 ///
-/// In the transcript an instrument goes by its host name, and a command's "\n" is written out:
+/// The transcript names an instrument by its host, and writes out a command's "\n":
 /// "osc timeout 5000", "osc < *IDN?\n" (written), "osc reads", "osc reads file", "osc local" (Go To
 /// Local), "osc close".
-class Line
+class CallRecorder
 {
 public:
-    /// Returns the status of a call instead of its own, by its entry in the transcript. The call is
-    /// made all the same when that is a time-out or positive.
-    std::function<ViStatus(const QString &entry)> fails = [](auto &) { return VI_SUCCESS; };
+    /// Takes the entry of each call. VI_SUCCESS lets the call through. An error is returned instead
+    /// of making the call. A time-out or a positive status is returned after it, unless the call
+    /// itself fails.
+    std::function<ViStatus(const QString &entry)> faultOf = [](auto &) { return VI_SUCCESS; };
 
-    QMap<ViSession, QString> open; ///< hosts
+    QMap<ViSession, QString> hosts; ///< of the open sessions
     QStringList transcript;
 
-    Line()
+    CallRecorder()
     {
         current = this;
         p_viOpen = [](ViSession manager, const ViChar *resource, ViAccessMode mode,
                       ViUInt32 timeout, ViSession *session) {
             const QString host = QString(resource).section("::", 1, 1);
             const auto entry = QString(" open, lock %1, %2 ms").arg(mode).arg(timeout);
-            current->open[manager] = host; // the call is the host's
+            current->hosts[manager] = host; // the entry names the host
             const ViStatus status =
                 pass<visa::Open>(entry, manager, resource, mode, timeout, session);
-            current->open[*session] = host;
-            current->open.remove(0); // the session of an open that failed
+            current->hosts[*session] = host;
+            current->hosts.remove(0); // the session of an open that failed
             return status;
         };
         p_viClose = [](auto... arguments) { return pass<visa::Close>(" close", arguments...); };
@@ -64,24 +65,24 @@ public:
             return pass<visa::ReadToFile>(" reads file", arguments...);
         };
     }
-    ~Line() { entryPoints() = bound; }
-    Q_DISABLE_COPY(Line)
+    ~CallRecorder() { entryPoints() = bound; }
+    Q_DISABLE_COPY(CallRecorder)
 
-    /// Returns the transcript without reads, and begins it anew.
+    /// Returns the transcript without reads, and empties it.
     QStringList takeCalls()
     {
         return std::exchange(transcript, {}).filter(QRegularExpression("^(?!.* reads)"));
     }
 
 private:
-    /// Note a call, and make it as the function was bound before the line, unless it fails.
+    /// Record a call, and make it unless its fault prevents that.
     template <typename Function, typename... Arguments>
     static ViStatus pass(const QString &what, ViObject session, Arguments... arguments)
     {
         const QString entry =
-            current->open.value(session, QString("session %1").arg(session)) + what;
+            current->hosts.value(session, QString("session %1").arg(session)) + what;
         current->transcript << entry;
-        const ViStatus fault = current->fails(entry);
+        const ViStatus fault = current->faultOf(entry);
         if (fault < 0 && fault != VI_ERROR_TMO) {
             return fault;
         }
@@ -89,7 +90,7 @@ private:
         return status < 0 || fault == VI_SUCCESS ? status : fault;
     }
 
-    static inline Line *current = nullptr;
+    static inline CallRecorder *current = nullptr;
     std::tuple<visa::Open *, visa::Close *, visa::SetAttribute *, visa::GpibControlREN *,
                visa::Write *, visa::Read *, visa::ReadToFile *>
         bound = entryPoints();
