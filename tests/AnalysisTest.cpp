@@ -136,6 +136,7 @@ private slots:
         const QStringList lines = summarise(series).split('\n');
         QCOMPARE(lines[2], QString("Oscilloscope KVx, records of 1001 samples; resolution: step 1 "
                                    "ms, step / sqrt(12) 0.289 ms"));
+        QVERIFY(lines[4].simplified().startsWith("Source to RF 3 44.0 45.0 196.7 501.0"));
         QCOMPARE(lines[5].simplified(),
                  QString("unflagged 2 44.0 44.0 44.5 45.0 0.7 1.0 - - - - -"));
         QVERIFY(lines[7].simplified().startsWith("unflagged 1 95.00 95.00"));

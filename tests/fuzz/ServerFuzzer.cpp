@@ -1,6 +1,5 @@
 // The server of VXI-11, against a client that calls anything.
 
-#include "Require.h"
 #include "simulator/server/CoreChannel.h"
 #include "simulator/server/PortmapService.h"
 #include "visa/wire/Portmapper.h"
@@ -8,6 +7,8 @@
 
 #include <QCoreApplication>
 
+#undef NDEBUG
+#include <cassert>
 #include <fuzzer/FuzzedDataProvider.h>
 
 using namespace wire::vxi11;
@@ -19,7 +20,7 @@ const QCoreApplication application(argumentCount, nullptr); // for timers
 
 } // namespace
 
-int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     FuzzedDataProvider input(data, size);
     static server::SharedBench shared(0.0);
@@ -50,8 +51,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
         }
     }
     for (const auto &device : shared.bench.devices()) {
-        require(device->clients == 0 && device->lockHolder == nullptr,
-                "a client that disconnects gives up its place and its lock");
+        assert(device->clients == 0);
+        assert(device->lockHolder == nullptr);
     }
     return 0;
 }
