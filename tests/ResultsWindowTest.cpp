@@ -157,17 +157,19 @@ private slots:
         list->selectAll();
         window->findChild<QTabWidget *>()->setCurrentWidget(values);
         values->setFocus();
-        values->selectRow(2); // after those of the older series
+        values->selectAll(); // the older series comes first
         QTest::keyClick(values, Qt::Key_C, Qt::ControlModifier);
         QCOMPARE(QApplication::clipboard()->text(),
-                 QString("2026-03-06 08:00:00\t2\t45\t94\t120\t"));
+                 QString("2026-03-05 14:07:09\t1\t100\t0\t120\t\n"
+                         "2026-03-06 08:00:00\t1\t46\t95\t119\t\n"
+                         "2026-03-06 08:00:00\t2\t45\t94\t120\t"));
 
         list->sortByColumn(5, Qt::AscendingOrder); // rows then move when their traces are read
         QTest::keyClick(window.get(), Qt::Key_F5);
         QCOMPARE(cell(values, 0, 2), QString("100"));
         QCOMPARE(cell(values, 1, 2), QString("46"));
 
-        list->sortByColumn(2, Qt::DescendingOrder); // as text, 100 would come after 45
+        list->sortByColumn(2, Qt::DescendingOrder); // as text, 45 would come first
         QCOMPARE(cell(list, 0, 1), QString("1"));
         window->findChild<QLineEdit *>()->setText("03-06 08");
         QCOMPARE(list->model()->rowCount(), 1);

@@ -126,6 +126,8 @@ private slots:
         const QVector<QPointF> steps = pointsOf(*plot, "measured: P50 45.00, P95 46.00");
         QCOMPARE(steps.mid(5, 2), (QVector<QPointF>{{44, 25}, {45, 30}}));
         QCOMPARE(steps.last(), QPointF(46, 100));
+        plot->updateAxes();
+        QCOMPARE(plot->axisInterval(QwtPlot::xBottom), delayAxis({series}, SourceToRf));
         QCOMPARE(pointsOf(*plot, ""), (QVector<QPointF>{{45, 50}, {46, 95}}));
     }
 
