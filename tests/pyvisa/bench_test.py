@@ -84,9 +84,9 @@ class HandbookTest(unittest.TestCase):
                     self.check_setting(instrument, header, values, power_up)
                     continue
                 header = re.sub(r"\[.*?\]", "", header)
-                error = int((re.findall(r"-2\d\d", values) or [0])[0])
+                allowed = [0, *map(int, re.findall(r"-2\d\d", values))]
                 for form in (header, short(header)):
-                    self.assertEqual(self.send(instrument, form), error, form)
+                    self.assertIn(self.send(instrument, form), allowed, form)
                 self.assertEqual(self.send(instrument, header + " 1,2,3"), -108)
         self.assertGreater(checked, 150)
 
