@@ -61,6 +61,8 @@ private slots:
         row("something else", "RIFF",
             "is not a results file: it does not begin with \"Source2RF Delay:\".");
         row("cut off in a line", good.left(60), "is cut off: it has 3 of 6 lines.");
+        row("two files in one", good + '\n' + good,
+            "is not one results file: it has 12 lines instead of 6.");
         row("cut off in the last number",
             changed("120.2 nan", "12 13").replace("Mean: nan", "Mean: 1"),
             "has a wrong line 6: the mean is not that of the delays: cut off or changed.");

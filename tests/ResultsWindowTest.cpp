@@ -177,17 +177,24 @@ private slots:
         QTest::qWait(200); // Qt's animation of the button that clears the text ends by itself only
     }
 
-    void exportsValues()
+    void exports()
     {
         save(folder, {44}, {0}, {119});
         QVERIFY(window->open({folder}));
-        QTimer::singleShot(0, this, [this] {
-            auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
-            dialog->findChild<QLineEdit *>("fileNameEdit")->setText(folder + "/values");
-            QMetaObject::invokeMethod(dialog, "accept");
-        });
-        QTest::keyClick(window.get(), Qt::Key_S, Qt::ControlModifier);
+        const auto exportTo = [this](const QString &name, Qt::Key key) {
+            QTimer::singleShot(0, this, [this, name] {
+                auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+                dialog->findChild<QLineEdit *>("fileNameEdit")->setText(folder + name);
+                QMetaObject::invokeMethod(dialog, "accept");
+            });
+            QTest::keyClick(window.get(), key, Qt::ControlModifier);
+        };
+        exportTo("/values", Qt::Key_S);
         QVERIFY(contents(folder + "/values.csv").startsWith("file,"));
+        window->activateWindow(); // again, after the dialog
+        QVERIFY(QTest::qWaitForWindowActive(window.get()));
+        exportTo("/view.svg", Qt::Key_E);
+        QVERIFY(contents(folder + "/view.svg").contains(">RF / ms<"));
     }
 
     /// A box names what cannot be read, as plain text.

@@ -100,6 +100,8 @@ private slots:
         QFETCH(const Values, second);
         QFETCH(const Values, shares);
         const Series first = seriesOf({44.1, 44.2, 44.3, 44.2});
+        const std::unique_ptr<QwtPlot> single(histogramPlot({first}, SourceToRf));
+        QCOMPARE(single->axisTitle(QwtPlot::yLeft).text(), QString("Count"));
         const std::unique_ptr<QwtPlot> plot(histogramPlot({first, seriesOf(second)}, SourceToRf));
         QVector<Values> expected = {{25, 50, 25}, shares};
         for (const QwtPlotItem *item : plot->itemList(QwtPlotItem::Rtti_PlotHistogram)) {
@@ -131,16 +133,32 @@ private slots:
         QCOMPARE(pointsOf(*plot, ""), (QVector<QPointF>{{45, 50}, {46, 95}}));
     }
 
+    /// Labels name two series if they differ; otherwise the times do.
+    void names()
+    {
+        Series first;
+        Series second;
+        first.fileName = "FW1_Orvanta2026-03-05_14-07-09_Results.txt";
+        for (const auto &[file, name] :
+             {std::pair("FW2_Orvanta2026-03-06_08-00-00_Results.txt", "FW2"),
+              {"FW1_Orvanta2026-03-06_08-00-00_Results.txt", "FW1 (202...08:00:00)"},
+              {"Orvanta2026-03-06_08-00-00_Results.txt", "2026-03-06 08:00:00"}}) {
+            second.fileName = file;
+            second.time = seriesTime(file);
+            QCOMPARE(plotNames({first, second})[1], QString(name));
+        }
+    }
+
     void record()
     {
         const QTemporaryDir folder;
         const std::unique_ptr<QwtPlot> plot(
-            recordPlot(open(save(folder.path(), {45}, {0}, {120}))));
+            recordPlot(open(save(folder.path(), {54}, {0}, {144})))); // of LPA4004
         plot->updateAxes();
-        QCOMPARE(plot->axisInterval(QwtPlot::xBottom), QwtInterval(-500, 500));
-        const QVector<QPointF> sink = pointsOf(*plot, "Sink, edge 120.0 ms");
+        QCOMPARE(plot->axisInterval(QwtPlot::xBottom), QwtInterval(-600, 600));
+        const QVector<QPointF> sink = pointsOf(*plot, "Sink, edge 144.0 ms");
         QCOMPARE(sink.size(), 1001);
-        QCOMPARE(sink[620], QPointF(120, 0.2));
+        QCOMPARE(sink[620], QPointF(144, 0.2));
     }
 
     /// Names that are too long for a line are shortened in the middle.
