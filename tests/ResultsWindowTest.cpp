@@ -9,6 +9,7 @@
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPlainTextEdit>
 #include <QTableView>
 #include <QTabWidget>
 #include <QtTest>
@@ -154,6 +155,7 @@ private slots:
         save(folder, {100}, {0}, {120}, recordOf(500, 600, 620));
         QVERIFY(window->open({folder}));
 
+        QVERIFY(window->findChild<QPlainTextEdit *>()->toPlainText().contains("Oscilloscope KVx"));
         list->selectAll();
         window->findChild<QTabWidget *>()->setCurrentWidget(values);
         values->setFocus();

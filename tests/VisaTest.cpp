@@ -241,7 +241,7 @@ private slots:
     {
         QCOMPARE(lock(first, 0), VI_SUCCESS);
         auto waiting = std::async(std::launch::async, lock, second, VI_TMO_INFINITE);
-        QVERIFY(waiting.wait_for(std::chrono::milliseconds(20)) == std::future_status::timeout);
+        QVERIFY(waiting.wait_for(std::chrono::milliseconds(300)) == std::future_status::timeout);
         QCOMPARE(ask(first, "*OPC?").first, QByteArray("1\n"));
         QCOMPARE(viClose(second), VI_SUCCESS);
         QCOMPARE(viUnlock(first), VI_SUCCESS);
