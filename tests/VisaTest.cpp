@@ -104,6 +104,9 @@ private slots:
         for (const ViSession handle : {closed, closedManager}) {
             QCOMPARE(viOpen(handle, scope, VI_NO_LOCK, 0, &session), VI_ERROR_INV_OBJECT);
             QCOMPARE(viRead(handle, &byte, 1, nullptr), VI_ERROR_INV_OBJECT);
+            ViUInt32 count = 1;
+            QCOMPARE(viWrite(handle, &byte, 1, &count), VI_ERROR_INV_OBJECT);
+            QCOMPARE(count, 0U);
             QCOMPARE(viClose(handle), VI_ERROR_INV_OBJECT);
             QCOMPARE(viStatusDesc(handle, VI_SUCCESS, text.data()), VI_ERROR_INV_OBJECT);
         }
