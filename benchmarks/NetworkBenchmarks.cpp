@@ -35,7 +35,7 @@ ScriptedHost::Pieces answer(const wire::RpcCall &call)
     return pieces;
 }
 
-void orvanta(benchmark::State &state, const char *command, const std::string &expected)
+void overVxi11(benchmark::State &state, const char *command, const std::string &expected)
 {
     ViSession manager = 0;
     ViSession session = 0;
@@ -55,7 +55,8 @@ void orvanta(benchmark::State &state, const char *command, const std::string &ex
 }
 
 /// The floor: the same two calls and answers through a bare socket.
-void floor(benchmark::State &state, const std::string &command, const std::string &expected)
+void overVxi11Floor(benchmark::State &state, const std::string &command,
+                    const std::string &expected)
 {
     const auto callOf = [](vxi11::Procedure procedure, const std::string &arguments) {
         return wire::asRecord(
@@ -77,10 +78,10 @@ void floor(benchmark::State &state, const std::string &command, const std::strin
     ::close(client);
 }
 
-BENCHMARK_CAPTURE(orvanta, query, "*IDN?\n", idnAnswer)->UseRealTime();
-BENCHMARK_CAPTURE(floor, query, "*IDN?\n", idnAnswer)->UseRealTime();
-BENCHMARK_CAPTURE(orvanta, block of 80 kB, "DATA?\n", dataAnswer)->UseRealTime();
-BENCHMARK_CAPTURE(floor, block of 80 kB, "DATA?\n", dataAnswer)->UseRealTime();
+BENCHMARK_CAPTURE(overVxi11, query, "*IDN?\n", idnAnswer)->UseRealTime();
+BENCHMARK_CAPTURE(overVxi11Floor, query, "*IDN?\n", idnAnswer)->UseRealTime();
+BENCHMARK_CAPTURE(overVxi11, block of 80 kB, "DATA?\n", dataAnswer)->UseRealTime();
+BENCHMARK_CAPTURE(overVxi11Floor, block of 80 kB, "DATA?\n", dataAnswer)->UseRealTime();
 
 } // namespace
 

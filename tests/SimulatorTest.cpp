@@ -1,9 +1,9 @@
 #include "simulator/Bench.h"
-#include "TestFiles.h"
 
 #include <QtTest>
 
 #include <algorithm>
+#include <cstring>
 
 using namespace simulator;
 
@@ -20,7 +20,10 @@ QByteArray ask(const Bench &bench, const QByteArray &host, const QByteArray &mes
 QVector<float> trace(const Bench &bench, const QByteArray &host, const QByteArray &query)
 {
     const QByteArray block = ask(bench, host, ":FORM REAL,32;:" + query);
-    return floatsOf(block.mid(2 + block.mid(1, 1).toInt()));
+    const QByteArray bytes = block.mid(2 + block.mid(1, 1).toInt());
+    QVector<float> samples(bytes.size() / int(sizeof(float)));
+    std::memcpy(samples.data(), bytes.constData(), sizeof(float) * std::size_t(samples.size()));
+    return samples;
 }
 
 float maximum(const QVector<float> &samples)

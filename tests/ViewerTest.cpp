@@ -10,6 +10,8 @@
 #include <qwt_plot.h>
 #include <qwt_plot_curve.h>
 #include <qwt_plot_histogram.h>
+#include <qwt_plot_intervalcurve.h>
+#include <qwt_plot_marker.h>
 #include <qwt_scale_div.h>
 
 namespace {
@@ -25,6 +27,71 @@ QVector<QPointF> pointsOf(const QwtPlot &plot, const QString &title)
         }
     }
     return points;
+}
+
+QString numbers(std::initializer_list<double> values)
+{
+    QStringList texts;
+    for (const double value : values) {
+        texts += QString::number(value, 'g', 5);
+    }
+    return texts.join(' ');
+}
+
+QString penText(const QPen &pen)
+{
+    const QString style = QMetaEnum::fromType<Qt::PenStyle>().valueToKey(pen.style());
+    return QString("%1 %2 %3").arg(style, numbers({pen.widthF()}), pen.color().name());
+}
+
+/// Describe the lines of a curve, or its symbols if it has no lines.
+QString curveText(const QwtPlotCurve &curve)
+{
+    if (curve.style() != QwtPlotCurve::NoCurve) {
+        return (curve.style() == QwtPlotCurve::Steps ? "steps " : "") + penText(curve.pen());
+    }
+    const QMap<int, QString> shapes = {{QwtSymbol::Ellipse, "circles"},
+                                       {QwtSymbol::Diamond, "diamonds"},
+                                       {QwtSymbol::Triangle, "triangles"},
+                                       {QwtSymbol::XCross, "crosses"}};
+    const QwtSymbol &symbol = *curve.symbol();
+    const bool isHollow = symbol.brush().style() == Qt::NoBrush;
+    return QString("%1%2 of %3 pixels, %4")
+        .arg(isHollow ? "hollow " : "", shapes[symbol.style()],
+             QString::number(symbol.size().width()), penText(symbol.pen()));
+}
+
+/// Describe what a plot shows, a line each: its axes, and its items in the order of drawing.
+QString described(QwtPlot *plot)
+{
+    plot->updateAxes();
+    QStringList lines;
+    for (const int axis : {QwtPlot::xBottom, QwtPlot::yLeft}) {
+        const QwtInterval range = plot->axisInterval(axis);
+        lines += plot->axisTitle(axis).text() + ", from " + numbers({range.minValue()}) + " to " +
+                 numbers({range.maxValue()});
+    }
+    for (const QwtPlotItem *item : plot->itemList()) {
+        const bool isInLegend = item->testItemAttribute(QwtPlotItem::Legend);
+        const QString title = isInLegend ? '"' + item->title().text() + "\": " : QString();
+        const QRectF bounds = item->boundingRect();
+        const QString extent =
+            numbers({bounds.left(), bounds.right(), bounds.top(), bounds.bottom()});
+        if (const auto *curve = dynamic_cast<const QwtPlotCurve *>(item)) {
+            lines += title + numbers({double(curve->dataSize())}) + " points in " + extent + ": " +
+                     curveText(*curve);
+        } else if (const auto *line = dynamic_cast<const QwtPlotMarker *>(item)) {
+            lines += "line at " + numbers({line->xValue(), line->yValue()}) + ": " +
+                     (penText(line->linePen()) + ' ' + line->label().text()).trimmed();
+        } else if (const auto *band = dynamic_cast<const QwtPlotIntervalCurve *>(item)) {
+            lines +=
+                title + "band in " + extent + ": " + band->brush().color().name(QColor::HexArgb);
+        } else if (const auto *bars = dynamic_cast<const QwtPlotHistogram *>(item)) {
+            lines += title + numbers({double(bars->dataSize())}) + " bars in " + extent + ": " +
+                     penText(bars->pen()) + ' ' + bars->brush().color().name(QColor::HexArgb);
+        }
+    }
+    return lines.join('\n');
 }
 
 } // namespace
@@ -51,23 +118,6 @@ private slots:
         QCOMPARE(trace.sample(1), QPointF(0.654321, 5.0));
         QCOMPARE(trace.sample(2), QPointF(0.654322, -5.0));
         QCOMPARE(trace.boundingRect(), whole);
-    }
-
-    /// Flagged values and outliers do not widen the axis; marks at its border stand for them.
-    void driftAxis()
-    {
-        const Series series = seriesOf({44, 45, 501, 44, 46, 45, 44, 350, 45, 46, 44});
-        const std::unique_ptr<QwtPlot> plot(driftPlot({series}, SourceToRf));
-        plot->updateAxes();
-        const double least = plot->axisScaleDiv(QwtPlot::yLeft).lowerBound();
-        const double greatest = plot->axisScaleDiv(QwtPlot::yLeft).upperBound();
-        QVERIFY(least > 43 && least < 44 && greatest > 46 && greatest < 47);
-        for (const auto &[title, measurement] : {std::pair("1 flagged", 3), {"1 beyond", 8}}) {
-            const QVector<QPointF> marks = pointsOf(*plot, title);
-            QCOMPARE(marks.size(), 1);
-            QCOMPARE(marks[0].x(), double(measurement));
-            QVERIFY(marks[0].y() > 46 && marks[0].y() < greatest);
-        }
     }
 
     /// A long series is drawn in columns, which keep its level and its extremes.
@@ -128,9 +178,6 @@ private slots:
         const QVector<QPointF> steps = pointsOf(*plot, "measured: P50 45.00, P95 46.00");
         QCOMPARE(steps.mid(5, 2), (QVector<QPointF>{{44, 25}, {45, 30}}));
         QCOMPARE(steps.last(), QPointF(46, 100));
-        plot->updateAxes();
-        QCOMPARE(plot->axisInterval(QwtPlot::xBottom), delayAxis({series}, SourceToRf));
-        QCOMPARE(pointsOf(*plot, ""), (QVector<QPointF>{{45, 50}, {46, 95}}));
     }
 
     /// Labels name two series if they differ; otherwise the times do.
@@ -149,16 +196,28 @@ private slots:
         }
     }
 
-    void record()
+    void plots_data()
     {
+        QTest::addColumn<QwtPlot *>("plot");
         const QTemporaryDir folder;
-        const std::unique_ptr<QwtPlot> plot(
-            recordPlot(open(save(folder.path(), {54}, {0}, {144})))); // of LPA4004
-        plot->updateAxes();
-        QCOMPARE(plot->axisInterval(QwtPlot::xBottom), QwtInterval(-600, 600));
-        const QVector<QPointF> sink = pointsOf(*plot, "Sink, edge 144.0 ms");
-        QCOMPARE(sink.size(), 1001);
-        QCOMPARE(sink[620], QPointF(144, 0.2));
+        const Series saved = open(save(folder.path(), {54}, {0}, {144})); // of LPA4004
+        Series first = seriesOf({44, 45, 501, 44, 46, 45, 44, 350, 45, 46, 44});
+        first.fileName = "first";
+        const Series second = seriesOf(varied(30, 47));
+        QTest::newRow("drift of two series") << driftPlot({first, second}, SourceToRf);
+        QTest::newRow("histogram of two series") << histogramPlot({first, second}, SourceToRf);
+        QTest::newRow("cumulative distribution") << cumulativePlot({second}, SourceToSink);
+        QTest::newRow("last record") << recordPlot(saved);
+    }
+
+    /// Plots.txt has what they show.
+    void plots()
+    {
+        QFETCH(QwtPlot *, plot);
+        const QString text = contents(QFINDTESTDATA("Plots.txt"));
+        const QString section = text.section(QString("[%1]\n").arg(QTest::currentDataTag()), 1);
+        QCOMPARE(described(plot), section.section("\n\n", 0, 0));
+        delete plot;
     }
 
     /// Names that are too long for a line are shortened in the middle.

@@ -1,4 +1,5 @@
-// The server of VXI-11, against a client that calls anything.
+// The server of VXI-11, against a client that calls anything, and the decoders of the client,
+// against a server that answers anything.
 
 #include "simulator/server/CoreChannel.h"
 #include "simulator/server/PortmapService.h"
@@ -18,6 +19,20 @@ namespace {
 int argumentCount = 0;
 const QCoreApplication application(argumentCount, nullptr); // for timers
 
+/// Decode bytes as a stream of records with replies.
+void decodeReplies(std::string_view bytes)
+{
+    wire::RecordReader reader(1000);
+    const auto source = [&bytes](char *to, std::size_t size) {
+        const std::size_t count = bytes.copy(to, size);
+        bytes.remove_prefix(count);
+        return static_cast<std::ptrdiff_t>(count);
+    };
+    while (reader.read(source) == wire::RecordReader::State::Complete) {
+        wire::decodedReply(reader.take());
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
@@ -35,6 +50,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
         auto *const channel = new server::CoreChannel(&socket, shared, {devices[which].get()});
         while (input.remaining_bytes() > 0) {
             const std::string bytes = input.ConsumeRandomLengthString(300);
+            decodeReplies(bytes);
+            wire::decodedReply(bytes);
             wire::decodedCall(bytes);
             server::CoreCall core;
             core.procedure = input.ConsumeIntegralInRange(9U, 27U);

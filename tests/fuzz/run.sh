@@ -9,13 +9,9 @@ shift 3
 
 rm -rf "$scratch"
 mkdir -p "$scratch/corpus"
-# The target's own files are removed however it ends.
-TMPDIR=$(mktemp -d)
-export TMPDIR
 suppressions=$(dirname "$(realpath "$0")")/../leaks.supp
 export LSAN_OPTIONS=suppressions=$suppressions:print_suppressions=0
 export UBSAN_OPTIONS=print_stacktrace=1
-trap 'rm -rf "$TMPDIR"' EXIT
 
 if ! "$program" -max_total_time="$seconds" -timeout=20 -print_final_stats=1 \
     -artifact_prefix="$scratch/" "$@" "$scratch/corpus" &>"$scratch/log"; then
