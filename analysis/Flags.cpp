@@ -78,7 +78,8 @@ void flagStuck(const QVector<double> &values, QVector<Flags> *flags)
     const QVector<Flags> others = *flags;
     int pairs = 0;
     int equal = 0;
-    QVector<bool> repeats(values.size() + 1); // [i]: value i is the one before again
+    // Whether each value equals the one before. The element after the last value ends the last run.
+    QVector<bool> repeats(values.size() + 1);
     for (int i = 1; i < values.size(); ++i) {
         const bool isPair = !others[i - 1] && !others[i];
         repeats[i] = isPair && values[i] == values[i - 1];

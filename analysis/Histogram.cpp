@@ -45,7 +45,7 @@ Bins chooseBins(const QVector<QVector<double>> &series, double step, double from
     }
     const double start = (std::round(from / step) - 0.5) * step;
     const double count = std::floor((to - start) / width) + 1.0;
-    return {start, width, static_cast<int>(std::min(count, mostBins + 1.0))};
+    return {start, width, static_cast<int>(qBound(1.0, count, mostBins + 1.0))};
 }
 
 QVector<int> countValues(const QVector<double> &values, const Bins &bins)

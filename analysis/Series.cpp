@@ -104,7 +104,7 @@ int flaggedCount(const Series &series)
 
 bool isDoubtful(const Series &series)
 {
-    return (series.hasReadTraces && !series.oscilloscope.type) || flaggedCount(series) > 0;
+    return !series.oscilloscope.type || flaggedCount(series) > 0;
 }
 
 QString seriesName(const Series &series)

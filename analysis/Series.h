@@ -45,7 +45,7 @@ bool loadRecord(const QString &fileName, Record *record, QString *problem);
 int flaggedCount(const Series &series);
 
 /// Returns whether an engineer must look at a series before using its delays: values have flags, or
-/// the traces were read and the oscilloscope type is still unknown.
+/// the oscilloscope type is not known.
 bool isDoubtful(const Series &series);
 
 /// Returns the name of a series for people: its time, after the label if its file has one. A file

@@ -40,10 +40,10 @@ QString resultsFolder()
 QStringList seriesIn(const QString &folder)
 {
     const QDir directory(folder);
-    QMultiMap<QString, QString> files; // by time stamp
+    // By time stamp. Of equal ones, the map returns the one inserted last first.
+    QMultiMap<QString, QString> files;
     for (const QString &name : directory.entryList({'*' + ending}, QDir::Files, QDir::Reversed)) {
-        files.insert(NameParts(name).stamp,
-                     directory.filePath(name)); // of equal stamps, the last inserted comes first
+        files.insert(NameParts(name).stamp, directory.filePath(name));
     }
     return files.values();
 }

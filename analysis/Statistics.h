@@ -19,7 +19,7 @@ struct Statistics
     double p5 = none;          ///< from 20 values on
     double p95 = none;         ///< from 20 values on
     double p99 = none;         ///< from 100 values on
-    double correlation = none; ///< of each value with the one before, from 5 unequal values on
+    double correlation = none; ///< of each value with the one before, from 5 values, not all equal
 
     [[nodiscard]] double peakToPeak() const { return maximum - minimum; }
 };

@@ -151,7 +151,7 @@ QString verdict(const MedianDifference &found, double step)
     if (found.isFaster()) {
         return interval + "difference shown: faster";
     }
-    return interval + QString("no difference shown (that takes about %1 ms)")
+    return interval + QString("no difference shown (it would have to be about %1 ms or more)")
                           .arg(delayText((found.high - found.low) / 2, step));
 }
 

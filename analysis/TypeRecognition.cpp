@@ -11,9 +11,9 @@ namespace {
 std::optional<Instants> match(const Record &record, const SeriesResults &results,
                               OscilloscopeType type)
 {
-    // A session's time axes follow one another. In its first record the instant of a missing edge
-    // (index n) is computed; in later records there is an axis more, whose start it is. Both are
-    // tried, the costlier one last.
+    // A missing edge has index n. In the first record of a session the time axis ends before it,
+    // and its instant is computed. In later records another axis follows, and its start is taken.
+    // Both are tried, the costlier one last.
     QVector<double> axes;
     for (const int axisCount : {0, 2}) {
         for (int i = 0; i < axisCount; ++i) {

@@ -67,8 +67,8 @@ void trace(benchmark::State &state, bool isDrawn)
 }
 
 BENCHMARK_CAPTURE(results, summed up, true);
-BENCHMARK_CAPTURE(results, floor, false);
+BENCHMARK_CAPTURE(results, floor, false)->Name("resultsFloor/summed up");
 BENCHMARK_CAPTURE(trace, drawn, true);
-BENCHMARK_CAPTURE(trace, floor, false);
+BENCHMARK_CAPTURE(trace, floor, false)->Name("traceFloor/drawn");
 
 } // namespace

@@ -56,6 +56,7 @@ Delays computeDelays(int n, const QVector<double> &source, const QVector<double>
     const int s = sourceEdge(n, source);
     const Instants at = {instant(s), sampleInstant(rfEdge(n, rf, s), n, type),
                          instant(sinkEdge(n, sink))};
+    // An RF instant exactly on the trigger gives the delay 0.
     const double sourceToRf = at.rf == 0.0 ? 0.0 : (at.rf - at.source) * millisecondsPerSecond;
     return {at, sourceToRf, (at.sink - at.source) * millisecondsPerSecond};
 }

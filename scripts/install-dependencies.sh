@@ -7,7 +7,7 @@ set -euo pipefail
 declare -A packages_of=(
     [build]='g++ cmake make ninja-build qtbase5-dev libqt5svg5-dev libqwt-qt5-dev libre2-dev'
     [desktop]='xvfb openbox xdotool imagemagick fonts-dejavu-core poppler-utils'
-    [benchmarks]='libbenchmark-dev'
+    [benchmarks]='libbenchmark-dev iproute2 util-linux'
     [pyvisa]='python3 python3-pyvisa python3-numpy python3-matplotlib'
     [network]='iproute2 util-linux lxi-tools python3-pyvisa-py python3-numpy'
     [package]='dpkg-dev file desktop-file-utils appstream mandoc lintian librsvg2-bin piuparts'

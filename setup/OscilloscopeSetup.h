@@ -17,7 +17,7 @@ struct OscilloscopeSettings
 
 /// Open the oscilloscope and configure its channels, a time base of 1 s (KVx) or 1.2 s (LPA4004)
 /// centred on the trigger, and the trigger on channel 1. The new session is in *session and stays
-/// open after a failure. Returns 0 when the instrument is ready, otherwise the status of the first
-/// command that failed and whose failure is not ignored.
+/// open after a failure. Returns 0 when the instrument is ready, otherwise the status of the
+/// failed command that ended the set-up.
 [[nodiscard]] ViStatus setUpOscilloscope(ViSession resourceManager,
                                          const OscilloscopeSettings &settings, ViSession *session);

@@ -9,12 +9,12 @@
 
 namespace simulator {
 
-/// The laboratory bench, just switched on: the radio link and the instruments that observe it. Only
+/// The bench, just switched on: the radio link and the instruments that observe it. Only
 /// one thread may use it at a time.
 class Bench
 {
 public:
-    /// The time scale is that of the devices: with 0 nothing takes time.
+    /// The time scale is that of the devices.
     explicit Bench(double timeScale = 0.0);
 
     /// Find a device by its name, in any letter case; null when there is none.

@@ -65,7 +65,7 @@ Error Device::injectFault(const Instrument::Call &call)
     return scpi::noError;
 }
 
-void Device::applyTiming(std::string *answer)
+void Device::applyTimeAndFaults(std::string *answer)
 {
     const Clock::time_point now = Clock::now();
     const double seconds = instrument->takeDuration();

@@ -37,7 +37,7 @@ public:
 
     /// Begin the duration of the record or sweep that a message has started, and apply the injected
     /// faults to the answer.
-    void applyTiming(std::string *answer);
+    void applyTimeAndFaults(std::string *answer);
 
     /// Returns the instant at which a client can use the device, as far as locks go; `never` while
     /// that is not known.

@@ -45,7 +45,7 @@ void MessageExchange::receive(std::string_view message)
         return;
     }
     output = device.instrument->execute(message);
-    device.applyTiming(&output);
+    device.applyTimeAndFaults(&output);
 }
 
 Clock::time_point MessageExchange::answerAt() const
@@ -81,7 +81,7 @@ void MessageExchange::clear()
 void MessageExchange::trigger()
 {
     std::string answer = device.instrument->execute("*TRG");
-    device.applyTiming(&answer);
+    device.applyTimeAndFaults(&answer);
 }
 
 std::uint8_t MessageExchange::statusByte() const

@@ -27,22 +27,6 @@ class AnalysisTest : public QObject
     Q_OBJECT
 
 private slots:
-    /// When a results file is renamed to have a label, its traces are found by their old names. A
-    /// series whose traces have not been read is not doubtful.
-    void labelAndTraces()
-    {
-        const QTemporaryDir folder;
-        const QString labelled = folder.filePath("FW 2.1_Orvanta2026-03-05_14-07-09_Results.txt");
-        QVERIFY(QFile::rename(save(folder.path(), {45}, {0}, {120}), labelled));
-        Series series;
-        QString reason;
-        QVERIFY(openResults(labelled, &series, &reason));
-        QCOMPARE(seriesName(series), QString("FW 2.1 (2026-03-05 14:07:09)"));
-        QVERIFY(!isDoubtful(series));
-        addTraces(&series);
-        QVERIFY(series.oscilloscope.type);
-    }
-
     void brokenFiles_data()
     {
         QTest::addColumn<QByteArray>("text");
@@ -97,7 +81,7 @@ private slots:
         row("slower", varied(30, 140), "", ": slower");
         row("few", varied(4, 120), "", "takes 5 values");
         row("flagged", Values{501} + varied(30, 120), "left out: 2",
-            "no difference shown (that takes about 3.00 ms");
+            "no difference shown (it would have to be about 3.00 ms");
         row("drift", drift,
             "too narrow because the measurements depend on each other (lag-1 correlation 0.90)\n",
             ": faster");
@@ -126,8 +110,9 @@ private slots:
         const QString start = '"' + QString(file).replace('"', "\"\"") + "\",";
         const QString end = ",2026-03-05 14:07:09\n";
         QCOMPARE(
-            csvText({series}).section('\n', 1),
-            start + "1,44,95,119," + end + start +
+            csvText({series}),
+            "file,measurement,source_to_rf_ms,source_to_hdmi_ms,source_to_sink_ms,flags,series\n" +
+                start + "1,44,95,119," + end + start +
                 "2,501,0,121,Source to RF: no edge: the delay lies at the end of the time axis; "
                 "Source to HDMI: no value from the video analyzer" +
                 end + start +
@@ -155,7 +140,8 @@ private slots:
                             const Numbers &flaggedRf, const Numbers &flaggedSink) {
             QTest::newRow(name) << toRf << toSink << flag << flaggedRf << flaggedSink;
         };
-        // KVx with 1 ms a sample. A missing edge lies at 501 ms, in later records at -500 ms.
+        // KVx with 1 ms a sample. A missing edge lies at 501 ms; in later records those of source
+        // and sink lie at -500 ms.
         row("no RF edge twice, no sink edge once", {501, 501}, {501, 120}, Flag::EndOfAxis, {1, 2},
             {1});
         row("no source edge in the first record, and in a later one", {0, 1001, 45},

@@ -24,9 +24,9 @@ inline auto entryPoints()
 class CallRecorder
 {
 public:
-    /// Takes the entry of each call. VI_SUCCESS lets the call through. An error is returned instead
-    /// of making the call. A time-out or a positive status is returned after it, unless the call
-    /// itself fails.
+    /// Takes the entry of each call. VI_SUCCESS lets the call through. A time-out or a positive
+    /// status is returned after the call, unless the call itself fails. Any other error is returned
+    /// instead of making the call.
     std::function<ViStatus(const QString &entry)> faultOf = [](auto &) { return VI_SUCCESS; };
 
     QMap<ViSession, QString> hosts; ///< of the open sessions

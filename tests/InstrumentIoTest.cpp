@@ -73,6 +73,20 @@ private slots:
         QTEST(character.at(0), "character");
     }
 
+    /// A reply that is longer than its buffer is not used.
+    void longReply()
+    {
+        const CannedVisa visa([](auto &) { return QByteArray(20001, '1'); });
+        QString text = "old";
+        double number = 7;
+        int whole = 7;
+        QCOMPARE(iaQueryf_s(1, "*IDN?\n", &text), VI_SUCCESS_MAX_CNT);
+        QCOMPARE(iaQueryf_f(1, "VAL?\n", &number), VI_SUCCESS_MAX_CNT);
+        QCOMPARE(iaQueryf_i(1, "VAL?\n", &whole), VI_SUCCESS_MAX_CNT);
+        QCOMPARE(text, QString("old"));
+        QCOMPARE(number + whole, 14.0);
+    }
+
     void texts()
     {
         const CannedVisa visa([](auto &) { return "M,\xC3\xB6,1\n"; });

@@ -147,10 +147,11 @@ QString described(const RpcCall &call)
         text += isGiven ? QStringList(parameter) : QStringList();
     };
     add(core.requestSize != 0, "size " + QString::number(core.requestSize));
-    add(core.ioTimeout + core.lockTimeout != 0, "timeout");
+    add(core.ioTimeout != 0, "timeout");
+    add(core.lockTimeout != 0, "lockTimeout");
     add((core.flags & End) != 0, "END");
     add((core.flags & TermCharSet) != 0, "terminator " + QString::number(core.terminator));
-    add(core.procedure == DeviceLock && core.flags == WaitLock, "wait");
+    add((core.flags & WaitLock) != 0, "wait");
     add(!core.data.empty(), QString::fromLatin1(core.data.data(), int(core.data.size())));
     return text.join(' ');
 }
@@ -214,7 +215,7 @@ private slots:
         row("to local", usual, {step(&Vxi11Link::goToLocal)}, {"SUCCESS"}, {"local timeout"});
         row("locks", answers(DeviceLock, usual, words({LockedByAnother})),
             {step(&Vxi11Link::lock), step(&Vxi11Link::lock, noTime), step(&Vxi11Link::unlock)},
-            {"SUCCESS", "TMO", "SUCCESS"}, {"lock timeout wait", "lock", "unlock"});
+            {"SUCCESS", "TMO", "SUCCESS"}, {"lock lockTimeout wait", "lock", "unlock"});
         row("a call that is not answered", answers(DeviceClear, mute),
             {step(&Vxi11Link::clear, noTime), trigger}, {"TMO", "SUCCESS"},
             {"clear timeout", "trigger timeout"});
@@ -262,7 +263,7 @@ private slots:
         }
         QCOMPARE(seen, outcomes);
         if (!received.isEmpty()) {
-            QCOMPARE(calls, QStringList("create inst0") + received + QStringList("destroy"));
+            QCOMPARE(calls, QStringList("create wait inst0") + received + QStringList("destroy"));
         }
     }
 

@@ -108,7 +108,7 @@ private slots:
         QCOMPARE(ask(bench, "video", "READ:AVDA:TTV:COUN?;*RST;COUN?"), QByteArray("1;0"));
     }
 
-    void linkStatistics()
+    void linkCommands()
     {
         const Bench bench;
         const auto event = [&](const QByteArray &command) {

@@ -68,6 +68,7 @@ private slots:
         QTest::newRow("slower") << numbers(21) << numbers(20, 53, 44.5) << 4.1 << 1.1 << 6.1;
         QTest::newRow("fewest values") << numbers(5) << numbers(8, 53, 41.5) << 1.8 << -3.2 << 5.8;
         QTest::newRow("one step") << Values(5, 40.0) << Values(5, 40.1) << 0.1 << 0.0 << 0.2;
+        QTest::newRow("one step less") << Values(5, 40.1) << Values(5, 40.0) << -0.1 << -0.2 << 0.0;
     }
     void medianDifference()
     {
@@ -81,6 +82,7 @@ private slots:
         QFETCH(const double, high);
         QVERIFY2(std::abs(found.high - high) < spread, qPrintable(QString::number(found.high)));
         QCOMPARE(found.isSlower(), low > 0);
+        QCOMPARE(found.isFaster(), high < 0);
         QCOMPARE(compareMedians(first, second, 0.1).low, found.low); // always the same
         QVERIFY(!compareMedians(first.mid(0, 4), second, 0.1).hasInterval());
     }
@@ -101,6 +103,8 @@ private slots:
             counts.removeLast(); // it need not be full
             QCOMPARE(counts.count(counts.value(0)), counts.size());
         }
+        const double between = 1199.5 * interval; // two steps: rounding must leave a bin
+        QCOMPARE(chooseBins({{between}}, interval, between, between).count, 1);
         QCOMPARE(countValues({5, 5}, chooseBins({{5, 5}}, 0.1, 5, 5)), (QVector<int>{0, 2, 0}));
     }
 };

@@ -67,9 +67,9 @@ QwtPlot *cumulativePlot(const QVector<Series> &selection, DelayKind kind)
         const QString name = plotNames(selection)[i];
         const QString title = name + (name.size() > shortName ? ":\n" : ": ") + delays.join(", ");
         auto *curve = new QwtPlotCurve(QwtText(title, QwtText::PlainText));
+        // The share stays the same up to the next delay.
         curve->setStyle(QwtPlotCurve::Steps);
-        curve->setCurveAttribute(
-            QwtPlotCurve::Inverted); // the share stays the same up to the next delay
+        curve->setCurveAttribute(QwtPlotCurve::Inverted);
         curve->setLegendAttribute(QwtPlotCurve::LegendShowLine);
         curve->setPen(seriesStyle(i).pen(2 * dataWidth));
         curve->setSamples(cumulate(values));

@@ -10,8 +10,7 @@ class LiveFiles
 public:
     struct Changes
     {
-        QStringList
-            changed; ///< files that are new or were written again, newest first in each folder
+        QStringList changed; ///< new, or written again; the newest of each folder first
         QStringList gone;
     };
 

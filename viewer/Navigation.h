@@ -13,8 +13,7 @@ public:
     /// Returns the text beside the pointer when it is at a place (pixels) of the canvas.
     using PlaceText = std::function<QString(const QPoint &place)>;
 
-    static constexpr double zoomStep =
-        0.8; ///< a click of the wheel shows this share of what was shown
+    static constexpr double zoomStep = 0.8; ///< of what was shown, for each click of the wheel
 
     /// Zoom and pan a plot, which owns this object. Without `placeText`, the pointer's coordinates
     /// stand beside it.

@@ -25,6 +25,11 @@
 
 namespace {
 
+// The window's settings: its place, and where its two splitters stand.
+const char *const geometryKey = "window";
+const char *const listWidthKey = "besides";
+const char *const plotHeightKey = "above";
+
 QTableView *makeTable(const QString &name, QAbstractItemModel *model)
 {
     auto *table = new QTableView;
@@ -85,11 +90,11 @@ ResultsWindow::ResultsWindow()
     sorted->setFilterCaseSensitivity(Qt::CaseInsensitive);
     list->setSortingEnabled(true);
     list->sortByColumn(0, Qt::DescendingOrder);
-    list->horizontalHeader()->setResizeContentsPrecision(
-        0); // by the visible rows: there may be many
+    // Measured by the visible rows only, of which there may be many more. The first column
+    // stretches, which keeps the others visible.
+    list->horizontalHeader()->setResizeContentsPrecision(0);
     list->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    list->horizontalHeader()->setSectionResizeMode(
-        0, QHeaderView::Stretch); // keeps the other columns visible
+    list->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
     values->horizontalHeader()->setStretchLastSection(true);
     filter->setPlaceholderText("Filter");
     filter->setClearButtonEnabled(true);
@@ -119,7 +124,7 @@ ResultsWindow::ResultsWindow()
     connect(list->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &ResultsWindow::select);
     connect(listAndPlots, &QSplitter::splitterMoved, this,
-            [this] { settings().setValue("besides", listAndPlots->saveState()); });
+            [this] { settings().setValue(listWidthKey, listAndPlots->saveState()); });
     connect(&idle, &QTimer::timeout, this, &ResultsWindow::readTraces);
     connect(&look, &QTimer::timeout, this, [this] {
         QStringList shown;
@@ -176,22 +181,22 @@ void ResultsWindow::layOut()
     const int statistics = std::min(14 * text->fontMetrics().lineSpacing(), height() * 3 / 10);
     plotsAndText->setSizes({height() - statistics, statistics});
     const QSettings saved = settings();
-    restoreGeometry(saved.value("window").toByteArray());
-    plotsAndText->restoreState(saved.value("above").toByteArray());
-    listAndPlots->restoreState(saved.value("besides").toByteArray());
+    restoreGeometry(saved.value(geometryKey).toByteArray());
+    plotsAndText->restoreState(saved.value(plotHeightKey).toByteArray());
+    listAndPlots->restoreState(saved.value(listWidthKey).toByteArray());
 }
 
 void ResultsWindow::closeEvent(QCloseEvent *event)
 {
     QSettings saved = settings();
-    saved.setValue("window", saveGeometry());
-    saved.setValue("above", plotsAndText->saveState());
+    saved.setValue(geometryKey, saveGeometry());
+    saved.setValue(plotHeightKey, plotsAndText->saveState());
     QMainWindow::closeEvent(event);
 }
 
 void ResultsWindow::fitList()
 {
-    if (!settings().contains("besides")) {
+    if (!settings().contains(listWidthKey)) {
         QHeaderView *header = list->horizontalHeader();
         header->resizeSections(QHeaderView::ResizeToContents);
         const int wanted = header->length() + 2 * list->frameWidth() +

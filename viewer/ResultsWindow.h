@@ -30,8 +30,8 @@ class ResultsWindow : public QMainWindow
 public:
     ResultsWindow();
 
-    /// Add series. A folder stands for all series in it, present and future. While an added file
-    /// cannot be read, a box names it and false is returned.
+    /// Add series. A folder stands for all series in it, present and future. If a file that was
+    /// added now or before cannot be read, a box names it and false is returned.
     bool open(const QStringList &filesAndFolders);
 
 protected:

@@ -24,7 +24,7 @@ constexpr int exitFlagged = 2;
 const char *const description = R"(Look at saved series of delay measurements.
 
 A FILE is a results file (..._Results.txt) or a folder, which stands for all in
-it. Without a FILE, it is the folder where Orvanta saves. Without an option, a
+it. Without a FILE, the folder where Orvanta saves is taken. Without an option, a
 window opens; options need no display.
 
 Exit status: 0 on success; 1 if a file cannot be read or written, or the command

@@ -26,7 +26,7 @@ std::optional<server::ServerOptions> optionsOf(const QCoreApplication &applicati
         "time-scale", "How long a second of the instruments lasts; 0: nothing takes time.",
         "seconds", "1");
     QCommandLineParser parser;
-    parser.setApplicationDescription("A laboratory of simulated instruments on the network.");
+    parser.setApplicationDescription("A bench of simulated instruments on the network.");
     parser.addHelpOption();
     parser.addVersionOption();
     parser.addOptions({address, port, noPortmapper, timeScale});

@@ -25,7 +25,7 @@ namespace {
 /// No device sends a longer answer. A record that announces more is an error.
 constexpr std::size_t recordLimit = 64 << 20;
 
-/// A connection counts as lost when nothing has been acknowledged for so long.
+/// A connection is lost when the host owes an acknowledgement and has sent none for so long.
 constexpr int lostAfter = 10 * 1000;   // ms
 constexpr int lostCheckInterval = 200; // ms
 

@@ -30,7 +30,7 @@ constexpr std::size_t largestTransfer = 16 << 20;
 constexpr std::uint32_t leastReceiveSize = 1024;
 
 // After each refused call (connection lost or device locked), the link pauses for one step longer
-// than after the one before, up to the most steps. Otherwise a client that repeats such a call
+// than after the one before, up to mostPauseSteps. Otherwise a client that repeats such a call
 // without end would keep the processor busy and fill its memory. Some hundred calls of a client
 // that gives up later still end within seconds.
 constexpr std::chrono::microseconds pauseStep(100);
