@@ -126,9 +126,11 @@ QString dependenceLine(const Series &series, const QString &name, DelayKind kind
         return {};
     }
     QString line =
-        QString("Warning: %1 of %2: the interval is too narrow because the measurements "
-                "depend on each other (lag-1 correlation %3)")
-            .arg(delayName(kind), name, delayText(statistics.correlation, correlationStep));
+        QString(
+            "Warning: %1 of %2: the interval is %3 because the measurements depend on each other "
+            "(lag-1 correlation %4)")
+            .arg(delayName(kind), name, statistics.correlation > 0 ? "too narrow" : "unreliable",
+                 delayText(statistics.correlation, correlationStep));
     // In one of twenty series of independent values, chance exceeds 2 / sqrt(n).
     if (std::abs(statistics.correlation) <= 2.0 / std::sqrt(statistics.n)) {
         line += QString(", unless this is chance (%1 values)").arg(statistics.n);

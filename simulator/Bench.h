@@ -9,8 +9,8 @@
 
 namespace simulator {
 
-/// The bench, just switched on: the radio link and the instruments that observe it. Only
-/// one thread may use it at a time.
+/// The bench, just switched on: the radio link and the instruments that observe it. Only one thread
+/// may use it at a time.
 class Bench
 {
 public:

@@ -90,8 +90,8 @@ ResultsWindow::ResultsWindow()
     sorted->setFilterCaseSensitivity(Qt::CaseInsensitive);
     list->setSortingEnabled(true);
     list->sortByColumn(0, Qt::DescendingOrder);
-    // Measured by the visible rows only, of which there may be many more. The first column
-    // stretches, which keeps the others visible.
+    // There may be many rows, so only the visible ones decide how wide a column is. The first
+    // column stretches, which keeps the others visible.
     list->horizontalHeader()->setResizeContentsPrecision(0);
     list->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     list->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);

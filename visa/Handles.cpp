@@ -80,12 +80,9 @@ Handles &handles()
     static Handles &all = *new Handles;
     struct AtExit
     {
-        AtExit() = default;
-        AtExit(const AtExit &) = delete;
-        AtExit &operator=(const AtExit &) = delete;
         ~AtExit() { all.closeAll(); }
     };
-    static const AtExit atExit;
+    static const AtExit atExit{};
     return all;
 }
 
