@@ -83,9 +83,6 @@ QString flagLines(const QVector<Flags> &flags, DelayKind kind)
 
 QString oscilloscopeLine(const Series &series)
 {
-    if (!series.hasReadTraces) {
-        return "Oscilloscope type not known yet: the traces have not been read\n";
-    }
     if (!series.oscilloscope.type) {
         return QString("%1: %2\n")
             .arg(series.oscilloscope.contradicts ? "WRONG DELAYS"
@@ -106,7 +103,7 @@ QString oscilloscopeLine(const Series &series)
 QString warningLines(const Series &series, const QString &name)
 {
     QString lines;
-    if (series.hasReadTraces && !series.oscilloscope.type) {
+    if (!series.oscilloscope.type) {
         lines += QString("Warning: %1: ").arg(name) + oscilloscopeLine(series);
     }
     if (const int flagged = flaggedCount(series)) {

@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QStatusBar>
 #include <QTableView>
 #include <QTabWidget>
 #include <QtTest>
@@ -156,6 +157,7 @@ private slots:
         QVERIFY(window->open({folder}));
 
         QVERIFY(window->findChild<QPlainTextEdit *>()->toPlainText().contains("Oscilloscope KVx"));
+        QVERIFY(window->statusBar()->currentMessage().startsWith("Select a second series"));
         list->selectAll();
         window->findChild<QTabWidget *>()->setCurrentWidget(values);
         values->setFocus();
@@ -186,6 +188,7 @@ private slots:
         const auto exportTo = [this](const QString &name, Qt::Key key) {
             QTimer::singleShot(0, this, [this, name] {
                 auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+                QCOMPARE(dialog->acceptMode(), QFileDialog::AcceptSave);
                 dialog->findChild<QLineEdit *>("fileNameEdit")->setText(folder + name);
                 QMetaObject::invokeMethod(dialog, "accept");
             });

@@ -44,13 +44,12 @@ inline Series open(const QString &file)
     return loadSeries({file}).series.value(0);
 }
 
-/// A series with these delays, to RF and to the sink alike, as if its traces had been read.
+/// A series with these delays, to RF and to the sink alike, as measured by KVx.
 inline Series seriesOf(const Values &delays)
 {
     Series series;
     series.fileName = "measured";
     series.results = {{{delays, 0}, {Values(delays.size(), 0), 0}, {delays, 0}}};
-    series.hasReadTraces = true;
     series.samples = 10001;
     series.oscilloscope.type = OscilloscopeType::Kvx;
     series.flags = flagDelays(series.results, series.oscilloscope);
