@@ -26,9 +26,11 @@ public:
     ~MainWindow() override;
 
 public slots:
-    /// Set the widgets from a settings file, or to their defaults where it has no value. Returns 0.
+    /// Set the widgets from a settings file, or to their defaults where it has no value. A type
+    /// that does not exist leaves its box unchanged. Returns 0.
     int LoadCfgFile(const QString &fnam);
-    /// Write the widgets' state to a settings file. Returns 0.
+    /// Write the widgets' state to a settings file, if the path is an ordinary file or free.
+    /// Returns 0, also when writing fails.
     int SaveCfgFile(const QString &fnam);
     /// Call saveTrace().
     int SaveBinFile(const QString &fnam, const QVector<double> &d, ViInt32 cnt);

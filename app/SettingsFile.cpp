@@ -51,7 +51,7 @@ void loadIndex(const QSettings &settings, const char *key, int initial, QComboBo
     }
 }
 
-/// Returns whether a settings file can be read or written there: opening a FIFO would never end.
+/// Returns whether the path is an ordinary file or free. Opening a FIFO would never end.
 bool isUsable(const QString &fnam)
 {
     const QFileInfo info(fnam);

@@ -10,8 +10,10 @@
 // throws.
 //
 // The names iaPrintf, iaQueryf and iaScanf do not stand for formatted I/O: they call viWrite() and
-// viRead() only. Commands are sent unchanged, so each must end in "\n". Text is in the local 8-bit
-// encoding.
+// viRead() only. No terminator is added, so each command must end in "\n". Commands must be ASCII.
+// Replies are in the local 8-bit encoding.
+//
+// The last letter of a name is the type of the reply: _s a text, _f a number, _i a whole number.
 
 /// Open the default resource manager.
 ViStatus iaOpenDefaultRM(ViSession *resourceManager);
@@ -58,7 +60,7 @@ ViStatus iaStatusDesc(ViSession session, ViStatus status, QString *text);
 ViStatus iaPrintf(ViSession session, const QString &command);
 
 /// Write a command and read its reply of at most 20000 bytes, terminator included. When the write
-/// or the read returns another status than 0, that is returned and the reply is unchanged.
+/// or the read returns a status other than 0, the status is returned and the reply is unchanged.
 ViStatus iaQueryf_s(ViSession session, const QString &command, QString *reply);
 
 /// Write a command and read a number of at most 100 bytes; otherwise like iaQueryf_s().

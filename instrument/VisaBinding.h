@@ -4,8 +4,9 @@
 
 #include <QStringList>
 
-// The VISA entry points of this process, null until iaVisaDll_Init() finds them. InstrumentIo.cpp
-// alone calls them. p_viQueryf_*, p_viPrintf and p_viScanf_f must exist, but nothing calls them.
+// The VISA entry points of this process, null until iaVisaDll_Init() finds them. In the programs,
+// InstrumentIo.cpp alone calls them. p_viQueryf_*, p_viPrintf and p_viScanf_f must exist, but
+// nothing calls them.
 
 extern visa::OpenDefaultRM *p_viOpenDefaultRM;
 extern visa::StatusDesc *p_viStatusDesc;

@@ -5,7 +5,7 @@
 
 #include <array>
 
-/// The delays of a measurement, in the order of results files.
+/// The kinds of delay, in the order of results files.
 enum DelayKind : std::size_t
 {
     SourceToRf,
@@ -35,5 +35,6 @@ using SeriesResults = EachDelay<DelaySeries>;
 bool readResults(const QString &fileName, SeriesResults *results, QString *reason);
 
 /// Write the results as UTF-8 text: for RF, HDMI and sink a line with the delays and a line with
-/// their mean. Returns false, and leaves no file, when it cannot be written whole.
+/// their mean. Returns false when the file cannot be written whole; an earlier file is then
+/// unchanged.
 bool writeResults(const QString &fileName, const SeriesResults &results);

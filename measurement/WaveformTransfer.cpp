@@ -69,7 +69,8 @@ private:
 constexpr ViUInt32 terminatorRoom = 10;
 
 /// Read the header of a definite-length block: '#', a digit n, n digits. Returns the number of data
-/// bytes that it announces, 0 when there are no digits; nothing when there is no header.
+/// bytes that it announces, 0 when there are no digits; nothing when there is no header
+/// or a read fails.
 std::optional<ViUInt32> readBlockHeader(ViSession session)
 {
     std::array<unsigned char, 2> start{};
@@ -78,7 +79,7 @@ std::optional<ViUInt32> readBlockHeader(ViSession session)
         return std::nullopt;
     }
     std::array<unsigned char, 100> length{}; // the last byte stays zero and ends the text
-    // The character may be none of the digits; the buffer's size is the limit.
+    // The character may not be a digit, so the count is limited to the size of the buffer.
     const int digits = qBound(0, start[1] - '0', static_cast<int>(length.size()) - 1);
     if (iaRead(session, length.data(), static_cast<ViUInt32>(digits), nullptr) < 0) {
         return std::nullopt;
@@ -92,8 +93,8 @@ void readSamples(QIODevice &device, qint64 bytes, QVector<double> *trace)
 {
     constexpr qint64 size = sizeof(float);
     const qint64 expected = qMin(bytes, device.size()) / size;
-    QVarLengthArray<float, 32768> floats(
-        static_cast<int>(expected)); // usual records fit on the stack
+    constexpr int usual = 32768; // records up to this length need no heap
+    QVarLengthArray<float, usual> floats(static_cast<int>(expected));
     const qint64 read = device.read(reinterpret_cast<char *>(floats.data()), expected * size);
     trace->resize(static_cast<int>(qMax<qint64>(read, 0) / size));
     std::copy_n(floats.begin(), trace->size(), trace->begin());

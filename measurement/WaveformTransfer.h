@@ -11,8 +11,9 @@
 bool queryTrace(ViSession session, const QString &command, QVector<double> *trace);
 
 /// Read a trace whose query has been sent: a definite-length block (IEEE 488.2 8.7.9) of 32-bit
-/// floats in the host's byte order. The trace is replaced by these samples, in the instrument's
-/// unit (volts or dBm). Returns false and leaves the trace unchanged when the answer is no such
-/// block, when a read fails, or when no file can be made for the transfer. Positive VISA statuses
-/// are no failures here.
+/// floats in the host's byte order. The trace is replaced by the samples that arrive, in the
+/// instrument's unit (volts or dBm); it is shorter when bytes are missing. Returns false and leaves
+/// the trace unchanged when the answer does not begin with '#', when a read fails, or when no file
+/// can be made for the transfer. The digits after '#' are not checked. Positive VISA statuses are
+/// no failures here.
 bool readTrace(ViSession session, QVector<double> *trace);

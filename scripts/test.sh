@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs every test: with sanitizers and fuzzers, then in the optimised build with the other checks.
+# Runs every test: with sanitizers and the fuzzer, then in the optimised build with the other checks.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -24,9 +24,9 @@ public:
     /// The faults that BENCh:FAULt has injected.
     struct Faults
     {
-        bool connectionLost = false;         ///< the next client to call loses its connection
-        bool missedTrigger = false;          ///< the next record or sweep never ends
-        Clock::time_point busyUntil;         ///< as if another client had locked it
+        bool connectionLost = false; ///< the next client that needs an answer loses its connection
+        bool missedTrigger = false;  ///< the next record or sweep never ends
+        Clock::time_point busyUntil; ///< as if another client had locked it
         std::optional<Clock::duration> late; ///< how much later the next answer comes
         std::optional<std::size_t> cutAt;    ///< bytes that are left of the next longer answer
     };
@@ -40,7 +40,7 @@ public:
     void applyTimeAndFaults(std::string *answer);
 
     /// Returns the instant at which a client can use the device, as far as locks go; `never` while
-    /// that is not known.
+    /// another client has locked it.
     [[nodiscard]] Clock::time_point freeAt(const MessageExchange *client) const;
 
     /// Returns the instant at which a wait that began at `began` times out.

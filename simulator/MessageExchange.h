@@ -10,8 +10,8 @@
 
 namespace simulator {
 
-/// One client's exchange of messages with a device (IEEE 488.2, 6). It holds the part of a message
-/// that has come so far and the unread answer, and takes the client's lock. Everything else belongs
+/// One client's exchange of messages with a device (IEEE 488.2, 6). It holds the incomplete
+/// message and the unread answer, and it locks the device for its client. Everything else belongs
 /// to the device, which its clients share.
 class MessageExchange
 {
@@ -19,7 +19,7 @@ public:
     explicit MessageExchange(Device &device) : device(device) { ++device.clients; }
     /// Leave the device, and release the lock if the client has it.
     ~MessageExchange();
-    MessageExchange(const MessageExchange &) = delete; // the device knows who has locked it
+    MessageExchange(const MessageExchange &) = delete; // the device may point to it
     MessageExchange &operator=(const MessageExchange &) = delete;
 
     /// Send bytes. Every line is a message. With END, the bytes after the last newline are one too.
@@ -49,7 +49,7 @@ public:
     [[nodiscard]] std::uint8_t statusByte() const;
 
     /// Returns the instant at which this client can use the device, as far as locks go; `never`
-    /// while that is not known.
+    /// while another client has locked it.
     [[nodiscard]] Clock::time_point freeAt() const { return device.freeAt(this); }
     /// Lock the device for this client. No other client may have it locked.
     void lock() { device.lockHolder = this; }

@@ -13,7 +13,7 @@ namespace simulator {
 struct OscilloscopeDialect
 {
     std::string identity;
-    double divisions;        ///< horizontal ones of the screen
+    double divisions;        ///< horizontal divisions of the screen
     bool continuousCommands; ///< whether it has INITiate:CONTinuous and RUNContinuous
     Setting channelState;
     Setting horizontalPosition;
@@ -23,7 +23,7 @@ struct OscilloscopeDialect
     std::vector<Setting> others;            ///< no effect on the record
 };
 
-/// The families "KVx" and "LPA4004".
+/// Return the dialects of the families "KVx" and "LPA4004".
 OscilloscopeDialect kvxDialect();
 OscilloscopeDialect lpa4004Dialect();
 

@@ -2,8 +2,6 @@
 
 namespace simulator {
 
-// The choices are those that the bench's wiring allows.
-
 OscilloscopeDialect kvxDialect()
 {
     return {

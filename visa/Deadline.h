@@ -6,7 +6,7 @@
 
 namespace visa {
 
-/// The time by which a call must have ended. Deadline::max() stands for ever.
+/// The time by which a call should end. Deadline::max() means no deadline.
 using Deadline = std::chrono::steady_clock::time_point;
 
 /// Returns the deadline of a call that begins now and has a VISA time-out in milliseconds.
@@ -25,7 +25,7 @@ inline int millisecondsUntil(Deadline deadline, int limit)
     if (deadline <= now) {
         return 0;
     }
-    // The distance to Deadline::max() may overflow, so the deadlines are compared first.
+    // The distance to Deadline::max() does not fit an int, so the deadlines are compared first.
     const bool isNear = deadline < now + milliseconds(limit);
     return isNear ? static_cast<int>(std::chrono::ceil<milliseconds>(deadline - now).count())
                   : limit;

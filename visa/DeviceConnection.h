@@ -61,7 +61,7 @@ public:
     virtual ViStatus unlock(Deadline deadline) = 0;
     /// Returns the device's IP address; empty when it has none.
     [[nodiscard]] virtual std::string address() const { return {}; }
-    /// End the connection, by the deadline. Later calls fail.
+    /// Tell the device that the connection ends, by the deadline. No other call may follow.
     virtual void close(Deadline /*deadline*/) {}
 };
 
@@ -75,7 +75,7 @@ public:
     virtual ~Backend() = default;
 
     /// Connect to a device. Returns VI_ERROR_RSRC_NFOUND when there is no such device,
-    /// VI_ERROR_TMO, or VI_ERROR_ALLOC when it takes no more clients.
+    /// VI_ERROR_ALLOC when it takes no more clients, VI_ERROR_TMO or VI_ERROR_IO.
     virtual ViStatus open(const ResourceName &name, Deadline deadline,
                           std::unique_ptr<DeviceConnection> *connection) = 0;
     /// Returns the full resource strings of the devices, in the order in which viFindRsrc lists

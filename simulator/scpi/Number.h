@@ -19,8 +19,8 @@ Error parseNumber(std::string_view text, std::string_view unit, double greatest,
 /// Read ON, OFF or a number; a number that rounds to 0 is off (SCPI-99 volume 1, 7.3).
 Error parseBoolean(std::string_view text, bool *value);
 
-/// Returns a number of up to 15 digits as a query answers it (IEEE 488.2 8.7.4), whatever the
-/// process locale.
+/// Returns a number as a query answers it: rounded to 15 digits, with an exponent only when it is
+/// very large or small, whatever the process locale.
 std::string numericResponse(double value);
 
 /// Append the shortest text that reads back as the value.

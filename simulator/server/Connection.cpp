@@ -10,8 +10,8 @@ namespace server {
 namespace {
 
 /// Have the system end an idle connection whose client's host has not answered for half a minute,
-/// as after a power failure: other clients need its links and locks. A connection whose client has
-/// not yet read an answer is not ended.
+/// as after a power failure: other clients need its links and locks. While an answer is on its way,
+/// this takes about a quarter of an hour.
 void watch(QTcpSocket &socket)
 {
     socket.setSocketOption(QAbstractSocket::KeepAliveOption, 1);

@@ -15,13 +15,13 @@ namespace server {
 
 using simulator::Clock;
 
-/// The bench, and what else all connections share.
+/// What all connections to instruments share.
 struct SharedBench
 {
     explicit SharedBench(double timeScale) : bench(timeScale) { changed.setSingleShot(true); }
 
     simulator::Bench bench;
-    QTimer changed; ///< a connection starts it after a change, and all that wait try again
+    QTimer changed;             ///< started after each message; then all connections call serve()
     std::uint32_t nextLink = 0; ///< the number of the next VXI-11 link; no two are equal
 };
 

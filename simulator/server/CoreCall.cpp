@@ -51,7 +51,7 @@ std::variant<CoreCall, wire::RpcOutcome> decodedCoreCall(const wire::RpcCall &ca
     case DestroyLink:
         from >> core.link;
         break;
-    default: // no other procedure is supported
+    default: // Null has no parameters, and no other procedure is supported
         break;
     }
     if (!from.isOk()) {

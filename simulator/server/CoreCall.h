@@ -21,8 +21,8 @@ struct CoreCall
     std::string_view data; ///< the bytes to write, or the name of the device
 };
 
-/// Decode a call. The parameters point into its bytes. Returns the error instead when the core
-/// channel has no such procedure or parameters are missing.
+/// Decode a call. `data` points into its bytes. Returns the error instead when the call is for
+/// another program or version, or when the procedure is unknown or parameters are missing.
 std::variant<CoreCall, wire::RpcOutcome> decodedCoreCall(const wire::RpcCall &call);
 
 } // namespace server

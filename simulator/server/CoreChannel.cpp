@@ -20,8 +20,8 @@ namespace {
 constexpr std::size_t callLimit = 1 << 20; // bytes
 constexpr std::uint32_t receiveSize = 65536;
 
-/// Returns the results of a procedure that has nothing to return but its error code, which may be
-/// None. The other results are 0 or empty (VXI-11 1.0, C.1).
+/// Returns the results of a procedure with an error code, which may be None. All other results are
+/// 0 or empty (VXI-11 1.0, C.1).
 std::string onlyError(Error code, std::uint32_t procedure)
 {
     switch (procedure) {
@@ -77,7 +77,7 @@ Answer read(const CoreCall &call, MessageExchange &client, Clock::time_point beg
     return xdrWords({None, reason}) + wire::xdrOpaque(part->bytes);
 }
 
-/// Answer a call to a device that no other client has locked.
+/// Answer a call on a link. Except for DeviceUnlock, no other client may have locked the device.
 Answer answerOn(MessageExchange &client, const CoreCall &call, Clock::time_point began)
 {
     switch (call.procedure) {

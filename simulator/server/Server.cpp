@@ -53,8 +53,7 @@ QString advice(quint16 port, QAbstractSocket::SocketError error)
         "have a network of your own by 'unshare --user --map-root-user --net sh -c \"ip link set "
         "lo up; exec $SHELL\"' and start this and its clients there.";
     if (error == QAbstractSocket::SocketAccessError && port <= lastPrivilegedPort) {
-        return "VXI-11 clients ask at port 111, which needs a privilege: type 'sudo setcap "
-               "cap_net_bind_service=+ep " +
+        return "Ports below 1024 need a privilege: type 'sudo setcap cap_net_bind_service=+ep " +
                QCoreApplication::applicationFilePath() + "' once, or " + ownNetwork;
     }
     if (error != QAbstractSocket::AddressInUseError) {
@@ -109,8 +108,8 @@ QList<QNetworkAddressEntry> ownAddresses()
     return addresses;
 }
 
-/// Returns the addresses by which clients reach a server that listens at an address: none for a
-/// broadcast or multicast address, at which one can listen, too.
+/// Returns the addresses by which clients reach a server that listens at an address. A server can
+/// listen at a broadcast or multicast address, too, but no client reaches it there.
 QList<QHostAddress> reachableAddresses(const QHostAddress &address)
 {
     if (address.isLoopback() && address.toIPv4Address() != loopbackBroadcast) {
@@ -170,7 +169,7 @@ QString Server::startHost(const QHostAddress &address, const CoreChannel::Device
     if (reachable.isEmpty()) {
         return "No client can reach " + address.toString() + ": it is no address of this machine.";
     }
-    if (options.hasPortmapper) {
+    if (options.hasVxi11) {
         QString error = startVxi11(address, devices);
         if (!error.isEmpty()) {
             return error;
@@ -217,13 +216,13 @@ QString Server::startVxi11(const QHostAddress &address, const CoreChannel::Devic
     if (!error.isEmpty()) {
         return error;
     }
-    QUdpSocket *sender = nullptr; // of all answers: the socket at the address itself
+    QUdpSocket *sender = nullptr; // of all answers; it is bound to the address itself
     for (const QHostAddress &at : datagramAddresses(address)) {
         auto *const receiver = new QUdpSocket(&sockets);
         sender = sender != nullptr ? sender : receiver;
         servePortmap(receiver, sender, corePort);
         QAbstractSocket::BindMode mode = QAbstractSocket::DontShareAddress;
-        if (at != address) { // every bench of this machine answers broadcasts
+        if (at != address) { // all benches of this machine share it
             mode = QAbstractSocket::ShareAddress | QAbstractSocket::ReuseAddressHint;
         }
         error = listen(receiver, at, wire::portmapperPort, mode);
@@ -239,7 +238,7 @@ void Server::addResources(const QHostAddress &address, const CoreChannel::Device
     const QString host = "TCPIP0::" + address.toString();
     for (std::size_t i = 0; i < devices.size(); ++i) {
         QString line = QString::fromStdString(devices[i]->name) + ": ";
-        if (options.hasPortmapper) {
+        if (options.hasVxi11) {
             line += QString("%1::inst%2::INSTR, ").arg(host).arg(i);
         }
         listening << line + QString("%1::%2::SOCKET").arg(host).arg(options.scpiPort + i);

@@ -13,15 +13,15 @@ namespace server {
 struct ServerOptions
 {
     QHostAddress address{QHostAddress::LocalHost}; ///< IPv4, as resource strings have no other
-    quint16 scpiPort = 5025;                       ///< of the first raw socket
-    bool hasPortmapper = true;
+    quint16 scpiPort = 5025; ///< of the raw sockets; at a shared address, of the first
+    bool hasVxi11 = true;    ///< with its portmapper at port 111
     double timeScale = 1.0;
 };
 
-/// Serves every instrument of the bench by VXI-11 and at a raw socket. On loopback each has an
-/// address of its own, where it is "inst0": the addresses after that of the options, in the order
-/// of the names. Elsewhere all share the address, as "inst0" to "inst5" and with consecutive ports,
-/// in the order of the table in docs/simulated-bench.md.
+/// Serves every instrument of the bench at a raw socket and, if wanted, by VXI-11. On loopback each
+/// has an address of its own, where it is "inst0": the addresses after that of the options, in the
+/// order of the names. Elsewhere all share the address, as "inst0" to "inst5" and with consecutive
+/// ports, in the order of the table in docs/simulated-bench.md.
 class Server
 {
 public:

@@ -36,9 +36,9 @@ std::optional<server::ServerOptions> optionsOf(const QCoreApplication &applicati
     constexpr int lastScpiPort = 65530; // five more follow
     bool isScale = false;
     options.address = QHostAddress(parser.value(address));
-    const int scpiPort = parser.value(port).toInt(); // 0 for what is no number
+    const int scpiPort = parser.value(port).toInt(); // 0 when the text is not a number
     options.scpiPort = static_cast<quint16>(scpiPort);
-    options.hasPortmapper = !parser.isSet(noPortmapper);
+    options.hasVxi11 = !parser.isSet(noPortmapper);
     options.timeScale = parser.value(timeScale).toDouble(&isScale);
     const bool isIPv4 = options.address.protocol() == QAbstractSocket::IPv4Protocol;
     const bool isPort = scpiPort > 0 && scpiPort <= lastScpiPort;

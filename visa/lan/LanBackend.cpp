@@ -7,7 +7,7 @@ namespace lan {
 
 namespace {
 
-/// VXI-11 instruments of the local network.
+/// Connects to VXI-11 instruments on the network.
 class LanBackend final : public visa::Backend
 {
 public:

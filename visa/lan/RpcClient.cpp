@@ -60,9 +60,9 @@ int openSocket(int family)
 }
 
 /// Returns whether the host owes an acknowledgement and has sent none for too long.
-/// TCP_USER_TIMEOUT would not do: it counts from the oldest byte that is not acknowledged. A
-/// program writes to the next instrument only when the one before is lost, so each would take 10 s
-/// more.
+/// TCP_USER_TIMEOUT would not do: it counts from the oldest byte that is not acknowledged. When a
+/// cable is out, a program notices one lost instrument after the other, and only then writes to the
+/// next one. Each would then take 10 s more.
 bool isLost([[maybe_unused]] int socket)
 {
 #ifdef __linux__
@@ -81,7 +81,7 @@ ViStatus statusOf(RpcOutcome outcome)
     if (outcome == RpcOutcome::Success) {
         return VI_SUCCESS;
     }
-    const bool isMissing = outcome <= RpcOutcome::ProcedureUnavailable; // or the whole program
+    const bool isMissing = outcome <= RpcOutcome::ProcedureUnavailable; // the program or procedure
     return isMissing ? VI_ERROR_NSUP_OPER : VI_ERROR_IO;
 }
 
@@ -196,7 +196,7 @@ ViStatus RpcClient::receive(visa::Deadline deadline)
     }
 }
 
-/// Wait until bytes can be received or sent. VI_ERROR_TMO, or VI_ERROR_CONN_LOST.
+/// Wait until bytes can be received or sent. Returns 0, VI_ERROR_TMO or VI_ERROR_CONN_LOST.
 ViStatus RpcClient::wait(short events, visa::Deadline deadline) const
 {
     pollfd waited{socket, events, 0};

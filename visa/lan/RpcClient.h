@@ -9,8 +9,9 @@
 namespace lan {
 
 /// A connection to a host whose procedures are called. One thread at a time may use it. Its
-/// functions return VISA statuses. The connection is lost when the host owes an
-/// acknowledgement and has sent none for 10 s.
+/// functions return VISA statuses. The connection is lost when the host ends it, when the host owes
+/// an acknowledgement and has sent none for 10 s, or when a call times out before all of it is
+/// sent.
 class RpcClient
 {
 public:
@@ -25,11 +26,12 @@ public:
 
     /// Call a procedure and wait for its results, which are valid until the next call. Returns
     /// VI_ERROR_TMO; VI_ERROR_NSUP_OPER when the host does not have the procedure; VI_ERROR_IO when
-    /// the answer is malformed; VI_ERROR_CONN_LOST when the connection is lost.
+    /// the answer is malformed, too long or another error; VI_ERROR_CONN_LOST when the connection
+    /// is lost.
     ViStatus call(const wire::RpcProcedure &procedure, std::string_view arguments,
                   visa::Deadline deadline, std::string_view *results);
 
-    /// Returns false once the connection is known to be lost.
+    /// Returns true from connectTo() until the connection is known to be lost.
     [[nodiscard]] bool isConnected() const { return socket >= 0; }
 
 private:

@@ -22,17 +22,18 @@ using std::chrono::milliseconds;
 /// The time for an answer to arrive once the device's own time-out has elapsed.
 constexpr milliseconds answerMargin(500);
 constexpr milliseconds closingTime(1000);
-/// The longest time-out that is sent, since devices may take the largest numbers for negative ones.
+/// The longest time-out that is sent. Devices may take larger numbers for negative ones. So a call
+/// without a deadline times out after an hour.
 constexpr int longestTimeout = 3600 * 1000; // ms
-/// Bytes asked for, or sent, in one call.
+/// The most bytes that are asked for or sent in one call.
 constexpr std::size_t largestTransfer = 16 << 20;
 /// What every device must take in one call (VXI-11, B.6.3). Some say 0 instead of their size.
 constexpr std::uint32_t leastReceiveSize = 1024;
 
 // After each refused call (connection lost or device locked), the link pauses for one step longer
-// than after the one before, up to mostPauseSteps. Otherwise a client that repeats such a call
-// without end would keep the processor busy and fill its memory. Some hundred calls of a client
-// that gives up later still end within seconds.
+// than after the one before, up to mostPauseSteps. Otherwise a program that repeats such a call
+// without end, and keeps something each time, would keep the processor busy and fill its memory. A
+// few hundred refused calls still take only seconds.
 constexpr std::chrono::microseconds pauseStep(100);
 constexpr int mostPauseSteps = 1000;
 
@@ -41,8 +42,7 @@ Deadline answerBy(Deadline deadline)
     return deadline > Deadline::max() - answerMargin ? deadline : deadline + answerMargin;
 }
 
-/// Returns the time-out for a device. It is never 0: then some devices wait for ever, and others
-/// not at all.
+/// Returns the time-out for a device in ms. It is at least 1: with 0 some devices wait for ever.
 std::uint32_t ioTimeout(Deadline deadline)
 {
     return static_cast<std::uint32_t>(std::max(1, millisecondsUntil(deadline, longestTimeout)));
@@ -195,7 +195,7 @@ visa::ReadOutcome Vxi11Link::read(ViByte *buffer, std::size_t count,
     return outcome;
 }
 
-/// Ask the device for bytes. All earlier ones have been handed out.
+/// Ask the device for bytes. To be called only when all earlier bytes have been handed out.
 ViStatus Vxi11Link::fetch(std::size_t count, std::optional<ViByte> termination, Deadline deadline)
 {
     forget();

@@ -19,7 +19,7 @@ public:
 
     /// Ask the portmapper at `mapperPort` for the core channel, connect and create the link.
     /// Returns VI_ERROR_TMO; VI_ERROR_RSRC_NFOUND when there is no such device; VI_ERROR_ALLOC when
-    /// it has no link left.
+    /// it has no link left or the process has too many open files; VI_ERROR_IO for other errors.
     ViStatus open(const std::string &address, std::uint16_t mapperPort, const std::string &device,
                   visa::Deadline deadline);
 
@@ -53,7 +53,7 @@ private:
     bool isOpen = false;
     std::uint32_t id = 0; // any number may be a link's, 0 too
     std::uint32_t receiveSize = 0;
-    int refusals = 0;         // calls refused since the last that was not
+    int refusals = 0;         // refused calls in a row, counted up to mostPauseSteps
     std::string_view fetched; // received from the device, and not yet handed out
     bool fetchedEnd = false;  // its last byte came with END
     std::string kept;         // the bytes of `fetched`, from one read to the next

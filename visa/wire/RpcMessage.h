@@ -68,7 +68,7 @@ public:
     {
         Incomplete,
         Complete,
-        TooLong, ///< beyond the limit; what follows cannot be understood
+        TooLong, ///< longer than the limit; nothing more can be read
     };
     /// Takes up to `size` bytes that have arrived. Returns how many; less than 1 when there are
     /// none.
@@ -77,8 +77,8 @@ public:
     /// A reader of records of at most `limit` bytes.
     explicit RecordReader(std::size_t limit) : limit(limit) {}
 
-    /// Read until the record is complete or nothing more has arrived. Memory grows with the
-    /// bytes that arrive, not with those that a fragment announces.
+    /// Read until the record is complete or too long, or nothing more has arrived. Memory grows
+    /// with the bytes that arrive, not with those that a fragment announces.
     State read(const Source &source);
     /// Returns the record, after read() has completed it, and begins with the next one.
     std::string take();

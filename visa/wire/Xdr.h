@@ -16,12 +16,12 @@ std::string xdrWords(std::initializer_list<std::uint32_t> words);
 /// Encode opaque bytes or a string: the length, the bytes, zeros up to a whole word.
 std::string xdrOpaque(std::string_view bytes);
 
-/// Reads a message from its front. A value that is missing is read as 0 or empty; isOk() is false
-/// from then on.
+/// Reads a message from its front. A missing or incomplete value is read as 0 or empty; isOk() is
+/// false from then on.
 class XdrReader
 {
 public:
-    /// Read a message whose bytes outlive the reader and all that it returns.
+    /// Read a message. Its bytes must stay valid as long as the reader and the views it returns.
     explicit XdrReader(std::string_view message) : left(message) {}
 
     /// Read a word.
