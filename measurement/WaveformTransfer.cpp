@@ -69,8 +69,8 @@ private:
 constexpr ViUInt32 terminatorRoom = 10;
 
 /// Read the header of a definite-length block: '#', a digit n, n digits. Returns the number of data
-/// bytes that it announces, 0 when there are no digits; nothing when there is no header
-/// or a read fails.
+/// bytes that it announces, 0 when there are no digits; nothing when there is no header or
+/// a read fails.
 std::optional<ViUInt32> readBlockHeader(ViSession session)
 {
     std::array<unsigned char, 2> start{};

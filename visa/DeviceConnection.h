@@ -61,7 +61,8 @@ public:
     virtual ViStatus unlock(Deadline deadline) = 0;
     /// Returns the device's IP address; empty when it has none.
     [[nodiscard]] virtual std::string address() const { return {}; }
-    /// Tell the device that the connection ends, by the deadline. No other call may follow.
+    /// Tell the device that the connection ends, by the deadline. Another thread that waited for
+    /// the connection may still make a call, which may fail.
     virtual void close(Deadline /*deadline*/) {}
 };
 
